@@ -1,0 +1,25 @@
+/// \file
+/// The smaller value.
+
+#include "comploop.h"
+
+#include <vfil/composite.h>
+
+using namespace vfil;
+
+const wchar_t* const vfILDarkerImage::m_ClassName = L"vfILDarkerImage";
+
+const wchar_t* vfILDarkerImage::GetClassNameW() const
+{
+    return m_ClassName;
+}
+
+vfILStatus vfILDarkerImage::Process8()
+{
+    return RunLayerOp<std::uint8_t>(*this, Layers(), LayerOp::Darker);
+}
+
+vfILStatus vfILDarkerImage::Process16()
+{
+    return RunLayerOp<std::uint16_t>(*this, Layers(), LayerOp::Darker);
+}

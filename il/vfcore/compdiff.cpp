@@ -1,0 +1,25 @@
+/// \file
+/// The distance.
+
+#include "comploop.h"
+
+#include <vfil/composite.h>
+
+using namespace vfil;
+
+const wchar_t* const vfILDiffImage::m_ClassName = L"vfILDiffImage";
+
+const wchar_t* vfILDiffImage::GetClassNameW() const
+{
+    return m_ClassName;
+}
+
+vfILStatus vfILDiffImage::Process8()
+{
+    return RunLayerOp<std::uint8_t>(*this, Layers(), LayerOp::Diff);
+}
+
+vfILStatus vfILDiffImage::Process16()
+{
+    return RunLayerOp<std::uint16_t>(*this, Layers(), LayerOp::Diff);
+}

@@ -1,0 +1,25 @@
+/// \file
+/// The front where the back is.
+
+#include "comploop.h"
+
+#include <vfil/composite.h>
+
+using namespace vfil;
+
+const wchar_t* const vfILInImage::m_ClassName = L"vfILInImage";
+
+const wchar_t* vfILInImage::GetClassNameW() const
+{
+    return m_ClassName;
+}
+
+vfILStatus vfILInImage::Process8()
+{
+    return RunLayerOp<std::uint8_t>(*this, Layers(), LayerOp::In);
+}
+
+vfILStatus vfILInImage::Process16()
+{
+    return RunLayerOp<std::uint16_t>(*this, Layers(), LayerOp::In);
+}

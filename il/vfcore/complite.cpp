@@ -1,0 +1,25 @@
+/// \file
+/// The larger value.
+
+#include "comploop.h"
+
+#include <vfil/composite.h>
+
+using namespace vfil;
+
+const wchar_t* const vfILLighterImage::m_ClassName = L"vfILLighterImage";
+
+const wchar_t* vfILLighterImage::GetClassNameW() const
+{
+    return m_ClassName;
+}
+
+vfILStatus vfILLighterImage::Process8()
+{
+    return RunLayerOp<std::uint8_t>(*this, Layers(), LayerOp::Lighter);
+}
+
+vfILStatus vfILLighterImage::Process16()
+{
+    return RunLayerOp<std::uint16_t>(*this, Layers(), LayerOp::Lighter);
+}

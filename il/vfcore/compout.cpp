@@ -1,0 +1,25 @@
+/// \file
+/// The front where the back is not.
+
+#include "comploop.h"
+
+#include <vfil/composite.h>
+
+using namespace vfil;
+
+const wchar_t* const vfILOutImage::m_ClassName = L"vfILOutImage";
+
+const wchar_t* vfILOutImage::GetClassNameW() const
+{
+    return m_ClassName;
+}
+
+vfILStatus vfILOutImage::Process8()
+{
+    return RunLayerOp<std::uint8_t>(*this, Layers(), LayerOp::Out);
+}
+
+vfILStatus vfILOutImage::Process16()
+{
+    return RunLayerOp<std::uint16_t>(*this, Layers(), LayerOp::Out);
+}

@@ -1,0 +1,39 @@
+/// \file
+/// Copies whole pixels of any format.
+
+#include "imageview.h"
+#include "rowcopy.h"
+#include "rowloop.h"
+
+#include <vfil/pixel.h>
+
+using namespace vfil;
+
+vfILStatus vfILCopyImg::PrepareData()
+{
+    if (vfILMonadicPixelProc::PrepareData() != VFIL_SUCCESS) return VFIL_FAILURE;
+    const auto width = static_cast<std::size_t>(Run().processBox.GetSizeX());
+    m_rowBytes = width * static_cast<std::size_t>(ImageView(GetOutputImg()).RowPixelBytes());
+    m_planeRowBytes = Run().output.plane == nullptr ? 0 : width;
+    return VFIL_SUCCESS;
+}
+
+vfILStatus vfILCopyImg::DoEffect()
+{
+    const vfILRowWalk& in = InputWalk();
+    const vfILRowWalk& out = Run().output;
+    const bool vectors = m_simdAvailable != 0;
+    const bool streaming = Run().streaming;
+    ForEachRow(*this, Run().rows, [&](long row) {
+        MoveRow(vectors, in.first + row * in.step, out.first + row * out.step, m_rowBytes, streaming);
+        if (m_planeRowBytes == 0) return;
+        MoveRow(vectors, in.plane + row * in.planeStep, out.plane + row * out.planeStep, m_planeRowBytes,
+                streaming);
+    });
+    return VFIL_SUCCESS;
+}
+
+void vfILSIMDMemCopy(const void* source, void* destination, unsigned long bytes)
+{
+    CopyBytes(true, source, destination, bytes, bytes >= kStreamingBytes);
+}

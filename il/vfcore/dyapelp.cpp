@@ -1,0 +1,126 @@
+/// \file
+/// The frame of one output pixel for two input pixels.
+
+#include "pixelrun.h"
+#include "rowloop.h"
+
+#include <vfil/frame.h>
+
+using namespace vfil;
+
+const wchar_t* const vfILDyadicPixelProc::m_ClassName = L"vfILDyadicPixelProc";
+
+vfILDyadicPixelProc::~vfILDyadicPixelProc() = default;
+
+const wchar_t* vfILDyadicPixelProc::GetClassNameW() const
+{
+    return m_ClassName;
+}
+
+vfILStatus vfILDyadicPixelProc::Verify()
+{
+    if (vfILDyadicImgProc::Verify() != VFIL_SUCCESS) return VFIL_FAILURE;
+    const GUID output = OutputFormat();
+    if (!(FormatOf(GetInputImgA()) == output) || !(FormatOf(GetInputImgB()) == output)) {
+        return Fail(0x1000E, "%s ERROR: Verify(): Input and output image formats do not match\n",
+                    GetClassNameW());
+    }
+    return VFIL_SUCCESS;
+}
+
+bool vfILDyadicPixelProc::IsDominantB() const
+{
+    return GetDominantInput() != nullptr && GetDominantInput() != GetInputImgA();
+}
+
+vfILLayerRun vfILDyadicPixelProc::Layers() const
+{
+    return {m_run, m_inputA, m_inputB, IsDominantB(), m_simdAvailable != 0};
+}
+
+vfILStatus vfILDyadicPixelProc::PrepareData()
+{
+    if (!AreConnected(GetInputImgA(), GetOutputImg()) || !AreConnected(GetInputImgB(), GetOutputImg())) {
+        return VFIL_FAILURE;
+    }
+    const bool dominantB = IsDominantB();
+    const vfILVector2l& offset = GetInputOffset();
+    const vfILBbox2l boxA = ImageView(GetInputImgA()).Box();
+    const vfILBbox2l boxB = Moved(ImageView(GetInputImgB()).Box(), offset[0], offset[1]);
+    PXImageChannel channel{};
+    const vfILBbox2l& maskBox = GetMask(nullptr, &channel);
+    ComputeRegions(m_run, dominantB ? boxB : boxA, dominantB ? boxA : boxB, GetROI(), maskBox,
+                   GetOutputOffset());
+    if (!PrepareMaskAndOutput(m_run, GetOutputImg(), GetMaskImg(), maskBox, channel)) return VFIL_FAILURE;
+
+    // Each input sees the plane's boxes in coordinates of its own: B's are moved back by its offset.
+    const bool showsOutside = !(m_run.processBox == m_run.shiftedValidBox);
+    const auto prepare = [&](IPXImage* image, bool dominant, std::int64_t dx, std::int64_t dy,
+                             vfILRowWalk& walk, vfILRunBuffer& buffer) {
+        const bool isOutput = image == GetOutputImg();
+        const bool hazard = isOutput && IsHazard(m_run.targetBox, Moved(GetROI(), dx, dy));
+        const InputPart part{image,  Moved(m_run.validBox, dx, dy), Moved(m_run.maskedBox, dx, dy), isOutput,
+                             hazard, dominant && showsOutside};
+        return PrepareInput(part, m_run, walk, buffer);
+    };
+    if (!prepare(GetInputImgA(), !dominantB, 0, 0, m_inputA, m_bufferA) ||
+        !prepare(GetInputImgB(), dominantB, -std::int64_t{offset[0]}, -std::int64_t{offset[1]}, m_inputB,
+                 m_bufferB)) {
+        return Fail(0x10001, "%s ERROR PrepareData: insufficient memory space\n", GetClassNameW());
+    }
+    m_firstRowEven = (m_run.processBox.GetOffsetY() & 1) == 0 ? 1 : 0;
+    return m_run.processBox.IsNull() ? VFIL_SUCCESS : AdjustJumps();
+}
+
+vfILStatus vfILDyadicPixelProc::AdjustJumps()
+{
+    const vfILFormatInfo& format = *ImageView(GetOutputImg()).format;
+    const vfILBbox2l& box = m_run.processBox;
+    const RowSelection rows = SelectMemoryRows(GetProcessingMode(), format, box.GetOffsetY(), box.GetSizeY());
+    m_run.rows = rows.count;
+    for (vfILRowWalk* walk : {&m_inputA, &m_inputB, &m_run.mask, &m_run.output})
+        SelectRows(*walk, rows);
+    return VFIL_SUCCESS;
+}
+
+vfILStatus vfILDyadicPixelProc::ProcessData()
+{
+    FillOutput(m_run.shiftedValidBox, m_run.targetBox, GetDefaultColor());
+    FillOutput(m_run.processBox, m_run.shiftedValidBox, m_run.source, m_run.sourceStride);
+    return m_run.processBox.IsNull() ? VFIL_SUCCESS : DoEffect();
+}
+
+vfILStatus vfILDyadicPixelProc::CleanData()
+{
+    m_bufferA.Free();
+    m_bufferB.Free();
+    m_run = {};
+    m_inputA = {};
+    m_inputB = {};
+    return VFIL_SUCCESS;
+}
+
+vfILStatus vfILDyadicPixelProc::DoEffect()
+{
+    PointFormats::Visit(OutputFormat(), [this](auto format) {
+        using Sample = typename decltype(format)::Sample;
+        RunPairOp<decltype(format)>(*this, m_run, m_inputA, m_inputB, [this](Sample a, Sample b) -> Sample {
+            if constexpr (sizeof(Sample) == 1) {
+                return Operation8(a, b);
+            } else {
+                return Operation16(a, b);
+            }
+        });
+    });
+    return VFIL_SUCCESS;
+}
+
+unsigned char vfILDyadicPixelProc::Operation8(unsigned char a, [[maybe_unused]] unsigned char b)
+{
+    return a;
+}
+
+unsigned short vfILDyadicPixelProc::Operation16(unsigned short a, [[maybe_unused]] unsigned short b)
+{
+    return a;
+}

@@ -1,0 +1,37 @@
+/// \file
+/// A host picture, read once for a run: format, size, base, and the addresses of its rows.
+#pragma once
+
+#include <vfil/frame.h>
+
+namespace vfil {
+
+/// What a run knows of one host picture. Empty (no pixels) for a null picture.
+struct ImageView {
+    explicit ImageView(IPXImage* image);
+
+    bool HasPixels() const { return pixels != nullptr; }
+    vfILBbox2l Box() const { return {0, 0, width, height}; }
+    /// Bytes of a pixel in a row: the pixel bytes, without the alpha plane's.
+    long RowPixelBytes() const { return format->alphaPlane ? 2 : pixelBytes; }
+    std::ptrdiff_t RowBytes() const { return std::ptrdiff_t{width} * RowPixelBytes(); }
+    /// The memory row of image row y.
+    long MemoryRow(long y) const;
+    unsigned char* Pixel(long x, long memoryRow) const;
+    /// The alpha plane's byte; null for a format without one.
+    unsigned char* PlanePixel(long x, long memoryRow) const;
+    /// The rows of a part whose first pixel is (x, memoryRow).
+    vfILRowWalk Walk(long x, long memoryRow) const;
+
+    const vfILFormatInfo* format; ///< never null: a format of the host's own counts as one without properties
+    long width = 0;
+    long height = 0;
+    long pixelBytes = 0;
+    long channelBytes = 0;
+    unsigned char* pixels = nullptr;
+};
+
+/// The format of a picture; all zero for null.
+GUID FormatOf(IPXImage* image);
+
+} // namespace vfil

@@ -1,0 +1,98 @@
+/// \file
+/// The frame of one output pixel for one input pixel.
+
+#include "pixelrun.h"
+#include "rowloop.h"
+
+#include <vfil/frame.h>
+
+using namespace vfil;
+
+const wchar_t* const vfILMonadicPixelProc::m_ClassName = L"vfILMonadicPixelProc";
+
+vfILMonadicPixelProc::~vfILMonadicPixelProc() = default;
+
+const wchar_t* vfILMonadicPixelProc::GetClassNameW() const
+{
+    return m_ClassName;
+}
+
+vfILStatus vfILMonadicPixelProc::Verify()
+{
+    if (vfILMonadicImgProc::Verify() != VFIL_SUCCESS) return VFIL_FAILURE;
+    if (!(FormatOf(GetInputImg()) == OutputFormat())) {
+        return Fail(0x1000E, "%s ERROR: Verify(): Input and output image formats do not match\n",
+                    GetClassNameW());
+    }
+    return VFIL_SUCCESS;
+}
+
+vfILStatus vfILMonadicPixelProc::PrepareData()
+{
+    if (!AreConnected(GetInputImg(), GetOutputImg())) return VFIL_FAILURE;
+    PXImageChannel channel{};
+    const vfILBbox2l& maskBox = GetMask(nullptr, &channel);
+    ComputeRegions(m_run, ImageView(GetInputImg()).Box(), GetROI(), maskBox, GetOutputOffset());
+    if (!PrepareMaskAndOutput(m_run, GetOutputImg(), GetMaskImg(), maskBox, channel)) return VFIL_FAILURE;
+
+    const bool isOutput = GetInputImg() == GetOutputImg();
+    const bool hazard = isOutput && IsHazard(m_run.targetBox, GetROI());
+    const bool showsOutside = !(m_run.maskedBox == m_run.validBox);
+    const InputPart part{GetInputImg(), m_run.validBox, m_run.maskedBox, isOutput, hazard, showsOutside};
+    if (!PrepareInput(part, m_run, m_input, m_buffer)) {
+        return Fail(0x10001, "%s ERROR PrepareData: insufficient memory space\n", GetClassNameW());
+    }
+    m_firstRowEven = (m_run.processBox.GetOffsetY() & 1) == 0 ? 1 : 0;
+    return m_run.processBox.IsNull() ? VFIL_SUCCESS : AdjustJumps();
+}
+
+vfILStatus vfILMonadicPixelProc::AdjustJumps()
+{
+    const vfILFormatInfo& format = *ImageView(GetOutputImg()).format;
+    const vfILBbox2l& box = m_run.processBox;
+    const RowSelection rows = SelectMemoryRows(GetProcessingMode(), format, box.GetOffsetY(), box.GetSizeY());
+    m_run.rows = rows.count;
+    for (vfILRowWalk* walk : {&m_input, &m_run.mask, &m_run.output})
+        SelectRows(*walk, rows);
+    return VFIL_SUCCESS;
+}
+
+vfILStatus vfILMonadicPixelProc::ProcessData()
+{
+    FillOutput(m_run.shiftedValidBox, m_run.targetBox, GetDefaultColor());
+    FillOutput(m_run.processBox, m_run.shiftedValidBox, m_run.source, m_run.sourceStride);
+    return m_run.processBox.IsNull() ? VFIL_SUCCESS : DoEffect();
+}
+
+vfILStatus vfILMonadicPixelProc::CleanData()
+{
+    m_buffer.Free();
+    m_run = {};
+    m_input = {};
+    return VFIL_SUCCESS;
+}
+
+vfILStatus vfILMonadicPixelProc::DoEffect()
+{
+    PointFormats::Visit(OutputFormat(), [this](auto format) {
+        using Sample = typename decltype(format)::Sample;
+        RunPointOp<decltype(format)>(*this, m_run, m_input, [this](Sample value) -> Sample {
+            if constexpr (sizeof(Sample) == 1) {
+                return Operation8(value);
+            } else {
+                return Operation16(value);
+            }
+        });
+    });
+    return VFIL_SUCCESS;
+}
+
+unsigned char vfILMonadicPixelProc::Operation8(unsigned char value)
+{
+    return value;
+}
+
+unsigned short vfILMonadicPixelProc::Operation16(unsigned short value)
+{
+    return value;
+}

@@ -1,0 +1,13 @@
+/// \file
+/// The whole public face.
+#pragma once
+
+#include <vfil/color.h>
+#include <vfil/composite.h>
+#include <vfil/error.h>
+#include <vfil/frame.h>
+#include <vfil/geometry.h>
+#include <vfil/image.h>
+#include <vfil/pixel.h>
+#include <vfil/pxformat.h>
+#include <vfil/tables.h>

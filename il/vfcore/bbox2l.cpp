@@ -54,8 +54,7 @@ vfILBbox2l::vfILBbox2l() = default;
 
 vfILBbox2l::vfILBbox2l(long offsetX, long offsetY, long sizeX, long sizeY)
     : m_size(sizeX, sizeY), m_offset(offsetX, offsetY)
-{
-}
+{}
 
 vfILBbox2l::vfILBbox2l(const vfILBbox2l& other) = default;
 vfILBbox2l::~vfILBbox2l() = default;

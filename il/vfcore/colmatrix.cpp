@@ -1,5 +1,6 @@
 /// \file
-/// The exported colour-space matrices, computed by the compiler: each is a chain of steps, applied to the unit vectors.
+/// The exported colour-space matrices, computed by the compiler: each is a chain of steps, applied to the
+/// unit vectors.
 
 #include <vfil/color.h>
 
@@ -22,14 +23,15 @@ constexpr Matrix ToMatrix(Step step)
     Matrix m{};
     for (std::size_t in = 0; in < 4; ++in) {
         const Vector result = step(kUnits[in]);
-        for (std::size_t out = 0; out < 3; ++out) m[4 * in + out] = result.v[out];
+        for (std::size_t out = 0; out < 3; ++out)
+            m[4 * in + out] = result.v[out];
     }
     m[15] = 1;
     return m;
 }
 
-/// Red, green and blue to full-range YCC and back by the luma weights of red and blue. Greys come out exact: luma is
-/// green plus weighted differences, which are 0 for them.
+/// Red, green and blue to full-range YCC and back by the luma weights of red and blue. Greys come out exact:
+/// luma is green plus weighted differences, which are 0 for them.
 struct Weights {
     double red;
     double blue;
@@ -53,8 +55,8 @@ struct Weights {
 constexpr Weights k601{0.299, 0.114};
 constexpr Weights k709{0.2126, 0.0722};
 
-/// The 601 pair in the five decimals in which it is published. The matrices between 601 and RGB are these and not
-/// k601; those between 601 and 709 are k601, so that they undo each other.
+/// The 601 pair in the five decimals in which it is published. The matrices between 601 and RGB are these and
+/// not k601; those between 601 and 709 are k601, so that they undo each other.
 constexpr Vector Rounded601ToYcc(const Vector& rgb)
 {
     const auto [r, g, b] = rgb.v;
@@ -73,15 +75,17 @@ constexpr Vector Rounded601ToRgb(const Vector& ycc)
 constexpr Vector ToStudio(const Vector& ycc)
 {
     const auto [y, cb, cr] = ycc.v;
-    return {{(219 * y + 16 * ycc.one) / 255, (224 * cb + 128 * ycc.one) / 255, (224 * cr + 128 * ycc.one) / 255},
-            ycc.one};
+    return {
+        {(219 * y + 16 * ycc.one) / 255, (224 * cb + 128 * ycc.one) / 255, (224 * cr + 128 * ycc.one) / 255},
+        ycc.one};
 }
 
 constexpr Vector FromStudio(const Vector& ycc)
 {
     const auto [y, cb, cr] = ycc.v;
-    return {{(255 * y - 16 * ycc.one) / 219, (255 * cb - 128 * ycc.one) / 224, (255 * cr - 128 * ycc.one) / 224},
-            ycc.one};
+    return {
+        {(255 * y - 16 * ycc.one) / 219, (255 * cb - 128 * ycc.one) / 224, (255 * cr - 128 * ycc.one) / 224},
+        ycc.one};
 }
 
 constexpr Matrix kRgbTo601 = ToMatrix(Rounded601ToYcc);
@@ -102,9 +106,9 @@ constexpr Matrix kStudio709To601 =
 } // namespace
 
 // A plain array cannot be initialised from another; hence the one macro, which spells out the elements.
-#define VFIL_ENTRIES(m)                                                                                               \
-    {                                                                                                                 \
-        m[0], m[1], m[2], m[3], m[4], m[5], m[6], m[7], m[8], m[9], m[10], m[11], m[12], m[13], m[14], m[15]          \
+#define VFIL_ENTRIES(m)                                                                                      \
+    {                                                                                                        \
+        m[0], m[1], m[2], m[3], m[4], m[5], m[6], m[7], m[8], m[9], m[10], m[11], m[12], m[13], m[14], m[15] \
     }
 
 constinit const double s_dfArrayRGBAtoYCCA[16] = VFIL_ENTRIES(kRgbTo601);

@@ -12,8 +12,8 @@ namespace vfil {
 
 namespace {
 
-/// The angle of a colour that is no grey, as a part of a turn. On a tie the earlier of red, green, blue counts as
-/// the largest.
+/// The angle of a colour that is no grey, as a part of a turn. On a tie the earlier of red, green, blue
+/// counts as the largest.
 double Hue(const Triple& rgb, double largest, double difference)
 {
     const auto [r, g, b] = rgb;
@@ -39,12 +39,18 @@ Triple FromHue(double hue, double largest, double smallest)
     const int sextant = static_cast<int>(position);
     const double rise = (largest - smallest) * (position - sextant);
     switch (sextant) {
-    case 0: return {largest, smallest + rise, smallest};
-    case 1: return {largest - rise, largest, smallest};
-    case 2: return {smallest, largest, smallest + rise};
-    case 3: return {smallest, largest - rise, largest};
-    case 4: return {smallest + rise, smallest, largest};
-    default: return {largest, smallest, largest - rise};
+    case 0:
+        return {largest, smallest + rise, smallest};
+    case 1:
+        return {largest - rise, largest, smallest};
+    case 2:
+        return {smallest, largest, smallest + rise};
+    case 3:
+        return {smallest, largest - rise, largest};
+    case 4:
+        return {smallest + rise, smallest, largest};
+    default:
+        return {largest, smallest, largest - rise};
     }
 }
 
@@ -67,8 +73,8 @@ Triple RgbToHls(const Triple& rgb)
 Triple HlsToRgb(const Triple& hls)
 {
     const auto [hue, lightness, saturation] = hls;
-    const double largest = lightness <= 0.5 ? (saturation + 1) * lightness
-                                            : (saturation + lightness) - saturation * lightness;
+    const double largest =
+        lightness <= 0.5 ? (saturation + 1) * lightness : (saturation + lightness) - saturation * lightness;
     if (largest == 0) return {0, 0, 0};
     return FromHue(hue, largest, 2 * lightness - largest);
 }
@@ -127,19 +133,23 @@ constexpr Rows Inverse(const Rows& m)
     const double determinant = Dot(m[0], columns[0]);
     Rows inverse{};
     for (unsigned i = 0; i < 3; ++i) {
-        for (unsigned j = 0; j < 3; ++j) inverse[i][j] = columns[j][i] / determinant;
+        for (unsigned j = 0; j < 3; ++j)
+            inverse[i][j] = columns[j][i] / determinant;
     }
     return inverse;
 }
 
-/// The analogue video models: luma, and two colour differences that span -reach .. reach and are brought to 0 .. 1.
+/// The analogue video models: luma, and two colour differences that span -reach .. reach and are brought to 0
+/// .. 1.
 struct Analogue {
     Rows rows;
     double reach[2];
 };
 
-constexpr Analogue kYuv{{{{0.299, 0.587, 0.114}, {-0.147, -0.289, 0.436}, {0.615, -0.515, -0.1}}}, {0.436, 0.615}};
-constexpr Analogue kYiq{{{{0.299, 0.587, 0.114}, {0.596, -0.274, -0.322}, {0.212, -0.523, 0.311}}}, {0.596, 0.523}};
+constexpr Analogue kYuv{{{{0.299, 0.587, 0.114}, {-0.147, -0.289, 0.436}, {0.615, -0.515, -0.1}}},
+                        {0.436, 0.615}};
+constexpr Analogue kYiq{{{{0.299, 0.587, 0.114}, {0.596, -0.274, -0.322}, {0.212, -0.523, 0.311}}},
+                        {0.596, 0.523}};
 
 template <const Analogue& model>
 Triple RgbToAnalogue(const Triple& rgb)

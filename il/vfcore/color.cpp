@@ -1,10 +1,11 @@
 /// \file
-/// The colour value: its record, its models and its packed forms. The formulas of the models are in colmodels.cpp.
+/// The colour value: its record, its models and its packed forms. The formulas of the models are in
+/// colmodels.cpp.
 
 #include <vfil/color.h>
 
 #include "colmodels.h"
-#include "pixarith.h"
+#include "il/rows/pixarith.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -134,8 +135,7 @@ void ClearColorStruct(tagVFILCOLORSTRUCT* record) noexcept
 
 vfILColor::vfILColor(double red, double green, double blue, double alpha) noexcept
     : m_red(red), m_green(green), m_blue(blue), m_alpha(alpha)
-{
-}
+{}
 
 vfILColor::vfILColor(const tagVFILCOLORSTRUCT& record) noexcept
     : vfILColor(record.red, record.green, record.blue, record.alpha)
@@ -150,14 +150,14 @@ vfILColor& vfILColor::operator=(const tagVFILCOLORSTRUCT& record) noexcept
 
 bool vfILColor::operator==(const vfILColor& other) const noexcept
 {
-    return m_red == other.m_red && m_green == other.m_green && m_blue == other.m_blue && m_alpha == other.m_alpha &&
-           std::wcscmp(GetName(), other.GetName()) == 0;
+    return m_red == other.m_red && m_green == other.m_green && m_blue == other.m_blue &&
+           m_alpha == other.m_alpha && std::wcscmp(GetName(), other.GetName()) == 0;
 }
 
 bool vfILColor::operator==(const tagVFILCOLORSTRUCT& record) const noexcept
 {
-    return m_red == record.red && m_green == record.green && m_blue == record.blue && m_alpha == record.alpha &&
-           std::wcscmp(GetName(), record.name != nullptr ? record.name : L"") == 0;
+    return m_red == record.red && m_green == record.green && m_blue == record.blue &&
+           m_alpha == record.alpha && std::wcscmp(GetName(), record.name != nullptr ? record.name : L"") == 0;
 }
 
 vfILColor::operator tagVFILCOLORSTRUCT() const noexcept
@@ -246,7 +246,8 @@ void vfILColor::SetColorAsRGBA(const double* red, const double* green, const dou
     SetAs(*this, PXColorModel_RGB, red, green, blue, alpha);
 }
 
-void vfILColor::GetColorAsHLSA(double* hue, double* lightness, double* saturation, double* alpha) const noexcept
+void vfILColor::GetColorAsHLSA(double* hue, double* lightness, double* saturation,
+                               double* alpha) const noexcept
 {
     GetAs(*this, PXColorModel_HLS, hue, lightness, saturation, alpha);
 }
@@ -307,7 +308,8 @@ void vfILColor::GetColorAsYCCA(double* y, double* cb, double* cr, double* alpha)
     GetAs(*this, PXColorModel_YCC, y, cb, cr, alpha);
 }
 
-void vfILColor::SetColorAsYCCA(const double* y, const double* cb, const double* cr, const double* alpha) noexcept
+void vfILColor::SetColorAsYCCA(const double* y, const double* cb, const double* cr,
+                               const double* alpha) noexcept
 {
     SetAs(*this, PXColorModel_YCC, y, cb, cr, alpha);
 }
@@ -317,7 +319,8 @@ void vfILColor::GetColorAsYCCA709(double* y, double* cb, double* cr, double* alp
     GetAs(*this, PXColorModel_YCC709, y, cb, cr, alpha);
 }
 
-void vfILColor::SetColorAsYCCA709(const double* y, const double* cb, const double* cr, const double* alpha) noexcept
+void vfILColor::SetColorAsYCCA709(const double* y, const double* cb, const double* cr,
+                                  const double* alpha) noexcept
 {
     SetAs(*this, PXColorModel_YCC709, y, cb, cr, alpha);
 }
@@ -327,7 +330,8 @@ void vfILColor::GetColorAsYUVA(double* y, double* u, double* v, double* alpha) c
     GetAs(*this, PXColorModel_YUV, y, u, v, alpha);
 }
 
-void vfILColor::SetColorAsYUVA(const double* y, const double* u, const double* v, const double* alpha) noexcept
+void vfILColor::SetColorAsYUVA(const double* y, const double* u, const double* v,
+                               const double* alpha) noexcept
 {
     SetAs(*this, PXColorModel_YUV, y, u, v, alpha);
 }
@@ -337,7 +341,8 @@ void vfILColor::GetColorAsYIQA(double* y, double* i, double* q, double* alpha) c
     GetAs(*this, PXColorModel_YIQ, y, i, q, alpha);
 }
 
-void vfILColor::SetColorAsYIQA(const double* y, const double* i, const double* q, const double* alpha) noexcept
+void vfILColor::SetColorAsYIQA(const double* y, const double* i, const double* q,
+                               const double* alpha) noexcept
 {
     SetAs(*this, PXColorModel_YIQ, y, i, q, alpha);
 }

@@ -132,12 +132,10 @@ static_assert(std::ranges::is_sorted(kErrorTexts, {}, &ErrorText::code));
 } // namespace
 
 vfILError::vfILError() : m_code(0)
-{
-}
+{}
 
 vfILError::vfILError(unsigned long code) : m_code(static_cast<std::uint32_t>(code))
-{
-}
+{}
 
 vfILError::vfILError(const vfILError& other) = default;
 vfILError& vfILError::operator=(const vfILError& other) = default;

@@ -3,7 +3,7 @@
 
 #include <vfil/tables.h>
 
-#include "pixarith.h"
+#include "il/rows/pixarith.h"
 
 namespace {
 

@@ -35,12 +35,10 @@ vfILVector2l Truncated(const vfILVector2f& v)
 } // namespace
 
 vfILVector2l::vfILVector2l() : m_v{0, 0}
-{
-}
+{}
 
 vfILVector2l::vfILVector2l(long x, long y) : m_v{SaturateToInt32(x), SaturateToInt32(y)}
-{
-}
+{}
 
 vfILVector2l::vfILVector2l(const vfILVector2l& other) = default;
 vfILVector2l::~vfILVector2l() = default;
@@ -79,8 +77,10 @@ float vfILVector2l::operator*(const vfILVector2l& other) const
 {
     const std::int64_t x = std::int64_t{m_v[0]} * other.m_v[0];
     const std::int64_t y = std::int64_t{m_v[1]} * other.m_v[1];
-    // Two products of 2^62 make 2^63, which is too much for a signed sum. A negative product is at least 2^31 - 2^62.
-    if (x > 0 && y > 0) return static_cast<float>(static_cast<std::uint64_t>(x) + static_cast<std::uint64_t>(y));
+    // Two products of 2^62 make 2^63, which is too much for a signed sum. A negative product is at least 2^31
+    // - 2^62.
+    if (x > 0 && y > 0)
+        return static_cast<float>(static_cast<std::uint64_t>(x) + static_cast<std::uint64_t>(y));
     return static_cast<float>(x + y);
 }
 
@@ -143,12 +143,10 @@ void vfILVector2l::Copy(const vfILVector2l& other)
 }
 
 vfILVector2f::vfILVector2f() : m_v{0, 0}
-{
-}
+{}
 
 vfILVector2f::vfILVector2f(float x, float y) : m_v{x, y}
-{
-}
+{}
 
 vfILVector2f::vfILVector2f(const vfILVector2f& other) = default;
 vfILVector2f::~vfILVector2f() = default;

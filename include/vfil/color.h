@@ -14,8 +14,9 @@ struct tagVFILCOLORSTRUCT {
     double green;
     double blue;
     double alpha;
-    /// Ends in a zero; null stands for an empty name. A name made by the library is owned by the record's holder and
-    /// is freed by ClearColorStruct; a holder who fills the record on his own allocates it by std::malloc.
+    /// Ends in a zero; null stands for an empty name. A name made by the library is owned by the record's
+    /// holder and is freed by ClearColorStruct; a holder who fills the record on his own allocates it by
+    /// std::malloc.
     wchar_t* name;
 };
 
@@ -24,12 +25,12 @@ VFIL_API void ClearColorStruct(tagVFILCOLORSTRUCT* record) noexcept;
 
 /// A colour: red, green, blue and alpha as doubles, 0 .. 1 by convention, and a name.
 ///
-/// Components of all models are 0 .. 1. A hue is an angle divided by 360 degrees. YCC components are studio range on
-/// that scale (luma 16/255 .. 235/255, chroma 16/255 .. 240/255); U, V, I and Q are shifted and scaled to 0 .. 1.
-/// Nothing but Verify and the packed forms looks at the range.
+/// Components of all models are 0 .. 1. A hue is an angle divided by 360 degrees. YCC components are studio
+/// range on that scale (luma 16/255 .. 235/255, chroma 16/255 .. 240/255); U, V, I and Q are shifted and
+/// scaled to 0 .. 1. Nothing but Verify and the packed forms looks at the range.
 ///
-/// In a getter a null pointer skips that component. In a setter it keeps the component that the colour has now.
-/// Alpha is the same in all models.
+/// In a getter a null pointer skips that component. In a setter it keeps the component that the colour has
+/// now. Alpha is the same in all models.
 ///
 /// No member throws. Copies share the name and never allocate.
 class VFIL_API vfILColor {
@@ -79,7 +80,8 @@ public:
     /// Sets red alone.
     void SetColorAsMono(const double* mono) noexcept;
     void GetColorAsRGBA(double* red, double* green, double* blue, double* alpha) const noexcept;
-    void SetColorAsRGBA(const double* red, const double* green, const double* blue, const double* alpha) noexcept;
+    void SetColorAsRGBA(const double* red, const double* green, const double* blue,
+                        const double* alpha) noexcept;
     /// Hue and saturation of a grey are 0.
     void GetColorAsHLSA(double* hue, double* lightness, double* saturation, double* alpha) const noexcept;
     /// A hue of 1 is the hue 0; others outside 0 .. 1 lose their whole part.
@@ -109,11 +111,11 @@ public:
     void GetColorAsYIQA(double* y, double* i, double* q, double* alpha) const noexcept;
     void SetColorAsYIQA(const double* y, const double* i, const double* q, const double* alpha) noexcept;
 
-    // Packed forms: a component is a sample of 0 .. 255 or 0 .. 65535, rounded half away from zero. Components outside
-    // 0 .. 1 are clamped, NaN gives 0. 8 and 16 are one sample of the model MONO; 24 is three bytes, 32 four bytes and
-    // 64 four words of the models RGB, HLS, HSV, CMY, YCC, YCC709, YUV and YIQ, in the order of GetColorAs..., alpha
-    // last. They return 1; for another model, or a null pointer, they return 0: a getter has written zeros then, and a
-    // setter has changed nothing.
+    // Packed forms: a component is a sample of 0 .. 255 or 0 .. 65535, rounded half away from zero.
+    // Components outside 0 .. 1 are clamped, NaN gives 0. 8 and 16 are one sample of the model MONO; 24 is
+    // three bytes, 32 four bytes and 64 four words of the models RGB, HLS, HSV, CMY, YCC, YCC709, YUV and
+    // YIQ, in the order of GetColorAs..., alpha last. They return 1; for another model, or a null pointer,
+    // they return 0: a getter has written zeros then, and a setter has changed nothing.
 
     int GetColorAs8(unsigned char* sample, PXColorModel model) const noexcept;
     int SetColorAs8(const unsigned char* sample, PXColorModel model) noexcept;
@@ -170,10 +172,11 @@ private:
     std::vector<vfILColor> m_colors;
 };
 
-// Colour-space matrices. Entries 0 .. 2 are the coefficients of the first input for the three outputs, 4 .. 6 those of
-// the second, 8 .. 10 of the third, 12 .. 14 the constants that are added; 3, 7 and 11 are 0 and 15 is 1, so that they
-// load as 4 by 4 transforms. "YCCA" alone is full range with chroma around 0; "YCCAOffset" is studio range on a scale of
-// 0 .. 1: luma 16/255 and a span of 219/255, chroma around 128/255 and a span of 224/255.
+// Colour-space matrices. Entries 0 .. 2 are the coefficients of the first input for the three outputs, 4 .. 6
+// those of the second, 8 .. 10 of the third, 12 .. 14 the constants that are added; 3, 7 and 11 are 0 and 15
+// is 1, so that they load as 4 by 4 transforms. "YCCA" alone is full range with chroma around 0; "YCCAOffset"
+// is studio range on a scale of 0 .. 1: luma 16/255 and a span of 219/255, chroma around 128/255 and a span
+// of 224/255.
 
 extern VFIL_API const double s_dfArrayRGBAtoYCCA[16];
 extern VFIL_API const double s_dfArrayRGBAtoYCCAOffset[16];

@@ -1,0 +1,105 @@
+/// \file
+/// Operators made for tests: with the fast arithmetic on or off, by layer, and two that have only a sample operation.
+#pragma once
+
+#include "support/layermodel.h"
+
+#include <vfil/composite.h>
+#include <vfil/pixel.h>
+
+#include <memory>
+
+namespace vfil::test {
+
+/// An operator whose fast arithmetic is allowed or not, whatever the machine says.
+template <class Processor>
+class Switched : public Processor {
+public:
+    explicit Switched(bool simd) { this->m_simdAvailable = simd ? 1 : 0; }
+};
+
+/// One sample for one, of which no two are alike.
+class ProbeMonadic : public vfILMonadicPixelProc {
+public:
+    static int Rule(int v, int full) { return (5 * v + 3) & full; }
+
+protected:
+    unsigned char Operation8(unsigned char v) override { return static_cast<unsigned char>(Rule(v, 255)); }
+    unsigned short Operation16(unsigned short v) override { return static_cast<unsigned short>(Rule(v, 65535)); }
+};
+
+/// One sample for two, not symmetric.
+class ProbeDyadic : public vfILDyadicPixelProc {
+public:
+    static int Rule(int a, int b, int full) { return (3 * a + 5 * b + 1) & full; }
+
+protected:
+    unsigned char Operation8(unsigned char a, unsigned char b) override
+    {
+        return static_cast<unsigned char>(Rule(a, b, 255));
+    }
+    unsigned short Operation16(unsigned short a, unsigned short b) override
+    {
+        return static_cast<unsigned short>(Rule(a, b, 65535));
+    }
+};
+
+inline std::unique_ptr<vfILCompImg> MakeLayer(Layer layer, bool simd)
+{
+    switch (layer) {
+    case Layer::Over: return std::make_unique<Switched<vfILOverImage>>(simd);
+    case Layer::In: return std::make_unique<Switched<vfILInImage>>(simd);
+    case Layer::Out: return std::make_unique<Switched<vfILOutImage>>(simd);
+    case Layer::Atop: return std::make_unique<Switched<vfILAtopImage>>(simd);
+    case Layer::Xor: return std::make_unique<Switched<vfILXorImage>>(simd);
+    case Layer::Add: return std::make_unique<Switched<vfILAddImage>>(simd);
+    case Layer::AddNoClip: return std::make_unique<Switched<vfILAddNoClipImage>>(simd);
+    case Layer::Diff: return std::make_unique<Switched<vfILDiffImage>>(simd);
+    case Layer::Mult: return std::make_unique<Switched<vfILMultImage>>(simd);
+    case Layer::Lighter: return std::make_unique<Switched<vfILLighterImage>>(simd);
+    case Layer::Darker: return std::make_unique<Switched<vfILDarkerImage>>(simd);
+    case Layer::Lum: return std::make_unique<Switched<vfILLumImage>>(simd);
+    case Layer::Col: return std::make_unique<Switched<vfILColImage>>(simd);
+    case Layer::NonAdd: return std::make_unique<Switched<vfILNonAddImage>>(simd);
+    default: return std::make_unique<Switched<vfILInvNonAddImage>>(simd);
+    }
+}
+
+/// Sets what a model's setup holds. The pictures are connected: connecting resets the premultiplied flags.
+inline void Configure(vfILCompImg& processor, const LayerSetup& setup)
+{
+    processor.SetImgAPremultiplied(setup.aPremultiplied);
+    processor.SetImgBPremultiplied(setup.bPremultiplied);
+    processor.NeverPremultiplyBackImage(setup.neverPremultiplyBack);
+    processor.SetExtraTransparency(setup.strength);
+    processor.SetAlphaMode(setup.alphaMode);
+    processor.SetProcessingMode(setup.mode);
+    processor.SetDominantInput(setup.dominantB ? processor.GetInputImgB() : processor.GetInputImgA());
+}
+
+/// Mostly none of the mode's field bits, else one or both.
+inline unsigned long RandomFieldBits(std::mt19937& random)
+{
+    return random() % 2 ? 0 : (random() % 4) * VFIL_MODE_ODD_ROWS;
+}
+
+/// A setup of random switches, strength and selection.
+inline LayerSetup RandomSetup(std::mt19937& random, Layer layer, int full)
+{
+    static constexpr std::array<double, 6> kStrengths{0.0, 0.5, 1.0, 1.0, 1.0, 0.3};
+    static constexpr std::array<unsigned long, 4> kModes{VFIL_MODE_RGBA, VFIL_MODE_RGBA, VFIL_MODE_RGB, 0};
+    LayerSetup setup;
+    setup.layer = layer;
+    setup.full = full;
+    setup.strength = kStrengths[random() % kStrengths.size()];
+    setup.alphaMode = static_cast<vfILAlphaMode>(RandomIn(random, 1, 3));
+    setup.aPremultiplied = random() % 2;
+    setup.bPremultiplied = random() % 2;
+    setup.neverPremultiplyBack = random() % 4 == 0;
+    setup.dominantB = random() % 2;
+    setup.mode = kModes[random() % kModes.size()];
+    if (setup.mode == 0) setup.mode = random() % 16;
+    return setup;
+}
+
+} // namespace vfil::test

@@ -1,6 +1,7 @@
 # What is built besides the core. A part whose packages are missing goes off with a message.
 
 option(VFIL_WERROR "Treat warnings as errors" OFF)
+option(VFIL_TRACE "Write each failed check of a processor to standard error" OFF)
 option(VFIL_BUILD_HOST "Build the embedded host (needs libpng, libjpeg and libtiff)" ${PROJECT_IS_TOP_LEVEL})
 option(VFIL_BUILD_TOOL "Build the catalogue and the vfil command (needs CLI11 and nlohmann-json)"
     ${PROJECT_IS_TOP_LEVEL})

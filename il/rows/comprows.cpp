@@ -1,5 +1,6 @@
 /// \file
-/// The plain forms of the two-input kernels, pixel by pixel from the definition, and the table of their levels.
+/// The plain forms of the two-input kernels, pixel by pixel from the definition, and the table of their
+/// levels.
 #include "il/rows/comprows.h"
 
 #include "il/rows/pixarith.h"
@@ -19,23 +20,35 @@ constexpr bool IsPremultiplying(LayerOp op)
 }
 
 /// One channel of the result. f is the front at its strength and q the back, both premultiplied where the
-/// operator is; u is the front's alpha at its strength. In the alpha channel f is u, and q is the back's alpha.
+/// operator is; u is the front's alpha at its strength. In the alpha channel f is u, and q is the back's
+/// alpha.
 template <LayerOp op, class Sample>
 Sample Value(Sample f, Sample q, Sample u, Sample backAlpha)
 {
     using A = Arith<Sample>;
     switch (op) {
-    case LayerOp::Over: return A::FrontOverBack(f, q, u);
-    case LayerOp::In: return A::FrontInBack(f, backAlpha);
-    case LayerOp::Out: return A::FrontOutBack(f, backAlpha);
-    case LayerOp::Atop: return A::FrontAtopBack(f, q, u, backAlpha);
-    case LayerOp::Xor: return A::FrontXorBack(f, q, u, backAlpha);
-    case LayerOp::Add: return A::Add(f, q);
-    case LayerOp::AddNoClip: return A::AddNoClip(f, q);
-    case LayerOp::Diff: return A::Diff(f, q);
-    case LayerOp::Mult: return A::Mult(f, q);
-    case LayerOp::Lighter: return std::max(f, q);
-    case LayerOp::Darker: return std::min(f, q);
+    case LayerOp::Over:
+        return A::FrontOverBack(f, q, u);
+    case LayerOp::In:
+        return A::FrontInBack(f, backAlpha);
+    case LayerOp::Out:
+        return A::FrontOutBack(f, backAlpha);
+    case LayerOp::Atop:
+        return A::FrontAtopBack(f, q, u, backAlpha);
+    case LayerOp::Xor:
+        return A::FrontXorBack(f, q, u, backAlpha);
+    case LayerOp::Add:
+        return A::Add(f, q);
+    case LayerOp::AddNoClip:
+        return A::AddNoClip(f, q);
+    case LayerOp::Diff:
+        return A::Diff(f, q);
+    case LayerOp::Mult:
+        return A::Mult(f, q);
+    case LayerOp::Lighter:
+        return std::max(f, q);
+    case LayerOp::Darker:
+        return std::min(f, q);
     }
     return 0;
 }
@@ -63,15 +76,16 @@ void PlainLayer(const Sample* back, const Sample* front, Sample* out, std::size_
             const Sample p = scalesFront && c != kAlpha ? A::Mult(frontAlpha, front[c]) : front[c];
             const Sample q = scalesBack && c != kAlpha ? A::Mult(backAlpha, back[c]) : back[c];
             Sample value = Value<op, Sample>(A::Mult(params.strength, p), q, u, backAlpha);
-            if (c == kAlpha && params.alpha != AlphaRule::Computed) value = ConstantAlpha<Sample>(params.alpha);
+            if (c == kAlpha && params.alpha != AlphaRule::Computed)
+                value = ConstantAlpha<Sample>(params.alpha);
             out[c] = (params.channels >> c & 1) != 0 ? value : dominant[c];
         }
     }
 }
 
 template <class Sample>
-void PlainMix(const Sample* back, const Sample* front, const Sample* mask, std::ptrdiff_t maskStep, Sample* out,
-              std::size_t pixels, const MixParams<Sample>& params)
+void PlainMix(const Sample* back, const Sample* front, const Sample* mask, std::ptrdiff_t maskStep,
+              Sample* out, std::size_t pixels, const MixParams<Sample>& params)
 {
     using A = Arith<Sample>;
     for (std::size_t i = 0; i < pixels; ++i, back += 4, front += 4, out += 4) {
@@ -93,7 +107,8 @@ std::uint8_t OverYuvaValue(int back, std::uint8_t backAlpha, int front, std::uin
     const std::uint8_t u = Arith<std::uint8_t>::Mult(frontAlpha, params.strength);
     const int p = params.frontPremultiplied ? front : SignedNormMult(frontAlpha, front);
     const int q = params.backPremultiplied ? back : SignedNormMult(backAlpha, back);
-    const int sum = SignedNormMult(params.strength, p) + SignedNormMult(static_cast<std::uint8_t>(255 - u), q);
+    const int sum =
+        SignedNormMult(params.strength, p) + SignedNormMult(static_cast<std::uint8_t>(255 - u), q);
     return static_cast<std::uint8_t>(std::clamp(sum + zero, 16, zero == kChromaZero ? 240 : 235));
 }
 
@@ -116,8 +131,8 @@ void PlainOverYuva(const std::uint8_t* backColour, const std::uint8_t* backAlpha
         const std::uint8_t fronts[2] = {frontAlpha[i], frontAlpha[i + count - 1]};
         for (std::size_t k = 0; k < count; ++k) {
             const std::size_t at = 2 * (i + k);
-            outColour[at] = OverYuvaValue(backColour[at] - kChromaZero, backs[0], frontColour[at] - kChromaZero,
-                                          fronts[0], kChromaZero, params);
+            outColour[at] = OverYuvaValue(backColour[at] - kChromaZero, backs[0],
+                                          frontColour[at] - kChromaZero, fronts[0], kChromaZero, params);
             outColour[at + 1] = OverYuvaValue(backColour[at + 1] - kLumaZero, backs[k],
                                               frontColour[at + 1] - kLumaZero, fronts[k], kLumaZero, params);
             outAlpha[i + k] = OverYuvaAlpha(backs[k], fronts[k], params);

@@ -1,7 +1,7 @@
 /// \file
-/// Row kernels of the two-input operators: layers, the masked mix, and over on 4:2:2 rows with an alpha plane.
-/// A run finds its kernel once, by Find..., and calls it for each row. Without vectors it gets the plain form,
-/// with them the best level of this machine; the bytes are the same.
+/// Row kernels of the two-input operators: layers, the masked mix, and over on 4:2:2 rows with an alpha
+/// plane. A run finds its kernel once, by Find..., and calls it for each row. Without vectors it gets the
+/// plain form, with them the best level of this machine; the bytes are the same.
 #pragma once
 
 #include "il/rows/levels.h"

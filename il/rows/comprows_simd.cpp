@@ -26,8 +26,9 @@ U8 BytewiseValue(U8 f, U8 q)
     if constexpr (op == LayerOp::Darker) return Min(f, q);
 }
 
-/// Lanes up to 510, which Narrow clips. f is the front at its strength and q the back, both premultiplied where
-/// the operator is; u is the front's alpha at its strength. In the alpha lane f is u, and q is the back's alpha.
+/// Lanes up to 510, which Narrow clips. f is the front at its strength and q the back, both premultiplied
+/// where the operator is; u is the front's alpha at its strength. In the alpha lane f is u, and q is the
+/// back's alpha.
 template <LayerOp op>
 U16 Value(U16 f, U16 q, U16 backAlpha)
 {
@@ -74,7 +75,8 @@ U8 ChannelMask(unsigned channels)
 {
     std::uint64_t mask = 0;
     for (unsigned c = 0; c < 4; ++c) {
-        if ((channels >> c & 1) != 0) mask |= std::uint64_t{static_cast<Sample>(~Sample{0})} << c * 8 * sizeof(Sample);
+        if ((channels >> c & 1) != 0)
+            mask |= std::uint64_t{static_cast<Sample>(~Sample{0})} << c * 8 * sizeof(Sample);
     }
     return sizeof(Sample) == 1 ? SplatU32(static_cast<std::uint32_t>(mask)) : SplatU64(mask);
 }
@@ -142,17 +144,17 @@ struct Masks {
     std::ptrdiff_t step;
     std::size_t rowBytes; ///< of the pictures
 
-    /// A part's masks, each in all bytes of its pixel. In the step of a whole pixel a vector is read to the end of
-    /// its last pixel, which is there when another pixel follows.
+    /// A part's masks, each in the lowest byte of its pixel, whose others are zero. In the step of a whole
+    /// pixel a vector is read to the end of its last pixel, which is there when another pixel follows.
     U8 Get(Part part) const
     {
         const std::uint8_t* mask = first + static_cast<std::ptrdiff_t>(part.at / 4) * step;
-        if (step == 1 && part.bytes == kBytes) return SplatLowBytes(LoadEachAs32(mask));
-        if (step == 4 && part.at + kBytes < rowBytes) return SplatLowBytes(Load(mask));
+        if (step == 1 && part.bytes == kBytes) return LoadEachAs32(mask);
+        if (step == 4 && part.at + kBytes < rowBytes) return Load(mask) & SplatU32(0xFF);
         std::uint8_t spread[kBytes] = {};
         for (std::size_t i = 0; i < part.bytes; i += 4, mask += step)
             spread[i] = *mask;
-        return SplatLowBytes(Load(spread));
+        return Load(spread);
     }
 };
 
@@ -162,8 +164,9 @@ U16 Blend(U16 front, U16 back, U16 amount)
 }
 
 template <bool streaming>
-void Mix8(const std::uint8_t* back, const std::uint8_t* front, const std::uint8_t* mask, std::ptrdiff_t maskStep,
-          std::uint8_t* out, std::size_t pixels, const MixParams<std::uint8_t>& params)
+void Mix8(const std::uint8_t* back, const std::uint8_t* front, const std::uint8_t* mask,
+          std::ptrdiff_t maskStep, std::uint8_t* out, std::size_t pixels,
+          const MixParams<std::uint8_t>& params)
 {
     const U16 amount = Splat(params.amount);
     const U8 colours = SplatU32(0x00FFFFFF);
@@ -172,11 +175,11 @@ void Mix8(const std::uint8_t* back, const std::uint8_t* front, const std::uint8_
     const U8 constant = params.alpha == AlphaRule::Full ? alphas : U8{};
     const Masks masks{mask, maskStep, 4 * pixels};
     MapRow<streaming, 4>(back, front, out, 4 * pixels, [&](U8 backs, U8 fronts, Part part) {
-        const U16Pair m = Widen(masks.Get(part));
+        const U16 masked = NormMult({masks.Get(part).bits}, amount); // two lanes a pixel, the upper zero
+        const U16Pair m = Widen(SplatLowBytes({masked.bits}));
         const U16Pair b = Widen(backs);
         const U16Pair f = Widen(fronts);
-        const U8 mixed = Narrow({Blend(f.lo, b.lo, NormMult(m.lo, amount)), //
-                                 Blend(f.hi, b.hi, NormMult(m.hi, amount))});
+        const U8 mixed = Narrow({Blend(f.lo, b.lo, m.lo), Blend(f.hi, b.hi, m.hi)});
         return (mixed & colours) | ((backs | fronts) & bothAlphas) | constant;
     });
 }
@@ -187,8 +190,7 @@ public:
     explicit OverYuvaLanes(const YuvaParams& params)
         : m_strength(Splat(params.strength)), m_frontKeep(Splat(params.frontPremultiplied ? 255 : 0)),
           m_backKeep(Splat(params.backPremultiplied ? 255 : 0))
-    {
-    }
+    {}
 
     U16 Colour(U16 back, U16 backAlpha, U16 front, U16 frontAlpha) const
     {
@@ -235,16 +237,17 @@ void OverYuvaColours(const OverYuvaLanes& over, const std::uint8_t* back, const 
 U8 OverYuvaAlphas(const OverYuvaLanes& over, U8 back, U8 front, const YuvaParams& params)
 {
     if (!params.alphaProcessed) return params.dominantIsFront ? front : back;
-    if (params.alpha != AlphaRule::Computed) return SplatU32(params.alpha == AlphaRule::Full ? 0xFFFFFFFF : 0);
+    if (params.alpha != AlphaRule::Computed)
+        return SplatU32(params.alpha == AlphaRule::Full ? 0xFFFFFFFF : 0);
     const U16Pair b = Widen(back);
     const U16Pair f = Widen(front);
     return Narrow({over.Alpha(b.lo, f.lo), over.Alpha(b.hi, f.hi)});
 }
 
 /// kYuvaPixels of a row. Alphas are stored last, for they may lie over an input's.
-void OverYuvaBlock(const std::uint8_t* backColour, const std::uint8_t* backAlpha, const std::uint8_t* frontColour,
-                   const std::uint8_t* frontAlpha, std::uint8_t* outColour, std::uint8_t* outAlpha,
-                   const YuvaParams& params)
+void OverYuvaBlock(const std::uint8_t* backColour, const std::uint8_t* backAlpha,
+                   const std::uint8_t* frontColour, const std::uint8_t* frontAlpha, std::uint8_t* outColour,
+                   std::uint8_t* outAlpha, const YuvaParams& params)
 {
     const OverYuvaLanes over(params);
     const U8 alphas = OverYuvaAlphas(over, Load(backAlpha), Load(frontAlpha), params);
@@ -255,8 +258,8 @@ void OverYuvaBlock(const std::uint8_t* backColour, const std::uint8_t* backAlpha
 }
 
 void OverYuva(const std::uint8_t* backColour, const std::uint8_t* backAlpha, const std::uint8_t* frontColour,
-              const std::uint8_t* frontAlpha, std::uint8_t* outColour, std::uint8_t* outAlpha, std::size_t pixels,
-              const YuvaParams& params)
+              const std::uint8_t* frontAlpha, std::uint8_t* outColour, std::uint8_t* outAlpha,
+              std::size_t pixels, const YuvaParams& params)
 {
     std::size_t at = 0;
     for (; pixels - at >= kYuvaPixels; at += kYuvaPixels)

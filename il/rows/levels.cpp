@@ -1,6 +1,10 @@
 /// \file
-/// Asks the machine once which level it has.
+/// What the levels ask of the machine.
 #include "il/rows/levels.h"
+
+#if defined(__x86_64__)
+#include <xmmintrin.h>
+#endif
 
 namespace vfil {
 
@@ -20,6 +24,13 @@ Level FindBestLevel()
 }
 
 } // namespace
+
+void FinishStreaming()
+{
+#if defined(__x86_64__)
+    _mm_sfence();
+#endif
+}
 
 Level BestLevel()
 {

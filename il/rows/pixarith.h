@@ -136,8 +136,7 @@ constexpr int SignedNormMult(std::uint8_t alpha, int value)
 
 /// v rounded half away from zero and clamped to the range of Integer; NaN gives 0.
 template <std::integral Integer>
-    requires(sizeof(Integer) <= 4)
-constexpr Integer RoundSaturated(double v)
+requires(sizeof(Integer) <= 4) constexpr Integer RoundSaturated(double v)
 {
     using Limits = std::numeric_limits<Integer>;
     if (v != v) return 0;

@@ -62,7 +62,8 @@ using OverYuvaRow = void (*)(const std::uint8_t* backColour, const std::uint8_t*
                              const YuvaParams& params);
 
 /// \param select  a pixel's bytes, 0xFF in each channel to invert; the lowest byte is red.
-using InvertRow8 = void (*)(const std::uint8_t* in, std::uint8_t* out, std::size_t pixels, std::uint32_t select);
+using InvertRow8 = void (*)(const std::uint8_t* in, std::uint8_t* out, std::size_t pixels,
+                            std::uint32_t select);
 using InvertMono8 = void (*)(const std::uint8_t* in, std::uint8_t* out, std::size_t samples);
 /// \param select  as in 8 bits, 0xFFFF in each channel to invert.
 using InvertRow16 = void (*)(const std::uint16_t* in, std::uint16_t* out, std::size_t pixels,

@@ -1,6 +1,7 @@
 /// \file
-/// Vectors of bytes and of 16-bit lanes, and the walk of a row by them. Included by the *_simd.cpp sources alone,
-/// once for each level; everything is in an unnamed namespace so that no level's code is taken for another's.
+/// Vectors of bytes and of 16-bit lanes, and the walk of a row by them. Included by the *_simd.cpp sources
+/// alone, once for each level; everything is in an unnamed namespace so that no level's code is taken for
+/// another's.
 #pragma once
 
 #include <cstddef>
@@ -64,15 +65,10 @@ inline void Store(std::uint8_t* p, U8 v)
     VFIL_BITS(storeu)(reinterpret_cast<Register*>(p), v.bits);
 }
 
-/// Stores around the cache, to a multiple of kBytes; FinishStreaming makes such stores seen in order.
+/// Stores around the cache, to a multiple of kBytes. See FinishStreaming.
 inline void StoreStreaming(std::uint8_t* p, U8 v)
 {
     VFIL_BITS(stream)(reinterpret_cast<Register*>(p), v.bits);
-}
-
-inline void FinishStreaming()
-{
-    _mm_sfence();
 }
 
 inline U8 SplatU32(std::uint32_t v)
@@ -272,9 +268,9 @@ inline U16 SignedNormMult(U16 alpha, U16 value)
     return (NormMult(alpha, (value ^ sign) - sign) ^ sign) - sign;
 }
 
-/// (high * 65536 + low) / 65535 rounded to nearest, at most 65535. With x = that number + 32768 the result is the
-/// high half of x + (x >> 16): the high half of x and the carry out of the sum of its halves. The halves h and l
-/// carry where (h & l) + ((h ^ l) >> 1), half their sum, reaches 32768.
+/// (high * 65536 + low) / 65535 rounded to nearest, at most 65535. With x = that number + 32768 the result is
+/// the high half of x + (x >> 16): the high half of x and the carry out of the sum of its halves. The halves
+/// h and l carry where (h & l) + ((h ^ l) >> 1), half their sum, reaches 32768.
 inline U16 Ratio(U16 high, U16 low)
 {
     const U16 h = AddFull(high, ShiftRight<15>(low));
@@ -322,8 +318,9 @@ void MapPart(const std::uint8_t* back, const std::uint8_t* front, std::uint8_t* 
     std::memcpy(out + part.at, results, part.bytes);
 }
 
-/// out = operation(back, front, part), vector by vector. A streaming row first comes to an aligned output, unless
-/// that lies amid a pixel. An operation of one input gets that one twice; the compiler drops the second load.
+/// out = operation(back, front, part), vector by vector. A streaming row first comes to an aligned output,
+/// unless that lies amid a pixel. An operation of one input gets that one twice; the compiler drops the
+/// second load.
 template <bool streaming, std::size_t pixelBytes, class Operation>
 void MapRow(const void* backRow, const void* frontRow, void* outRow, std::size_t bytes, Operation operation)
 {
@@ -337,7 +334,6 @@ void MapRow(const void* backRow, const void* frontRow, void* outRow, std::size_t
             if (head != 0) MapPart(back, front, out, {0, head}, operation);
             for (at = head; bytes - at >= kBytes; at += kBytes)
                 StoreStreaming(out + at, operation(Load(back + at), Load(front + at), {at, kBytes}));
-            FinishStreaming();
         }
     }
     for (; bytes - at >= kBytes; at += kBytes)

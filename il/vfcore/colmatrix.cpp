@@ -4,8 +4,6 @@
 
 #include <vfil/color.h>
 
-#include <array>
-
 namespace {
 
 /// Three components and the constant 1, or 0 while a coefficient is taken.
@@ -14,7 +12,7 @@ struct Vector {
     double one;
 };
 
-using Matrix = std::array<double, 16>;
+using Matrix = vfILColorMatrix;
 
 template <class Step>
 constexpr Matrix ToMatrix(Step step)
@@ -105,23 +103,15 @@ constexpr Matrix kStudio709To601 =
 
 } // namespace
 
-// A plain array cannot be initialised from another; hence the one macro, which spells out the elements.
-#define VFIL_ENTRIES(m)                                                                                      \
-    {                                                                                                        \
-        m[0], m[1], m[2], m[3], m[4], m[5], m[6], m[7], m[8], m[9], m[10], m[11], m[12], m[13], m[14], m[15] \
-    }
-
-constinit const double s_dfArrayRGBAtoYCCA[16] = VFIL_ENTRIES(kRgbTo601);
-constinit const double s_dfArrayRGBAtoYCCAOffset[16] = VFIL_ENTRIES(kRgbToStudio601);
-constinit const double s_dfArrayRGBAtoYCCA709[16] = VFIL_ENTRIES(kRgbTo709);
-constinit const double s_dfArrayRGBAtoYCCA709Offset[16] = VFIL_ENTRIES(kRgbToStudio709);
-constinit const double s_dfArrayYCCAtoRGBA[16] = VFIL_ENTRIES(k601ToRgb);
-constinit const double s_dfArrayYCCAOffsettoRGBA[16] = VFIL_ENTRIES(kStudio601ToRgb);
-constinit const double s_dfArrayYCCA709toRGBA[16] = VFIL_ENTRIES(k709ToRgb);
-constinit const double s_dfArrayYCCA709OffsettoRGBA[16] = VFIL_ENTRIES(kStudio709ToRgb);
-constinit const double s_dfArrayYCCA601toYCCA709[16] = VFIL_ENTRIES(k601To709);
-constinit const double s_dfArrayYCCA709toYCCA601[16] = VFIL_ENTRIES(k709To601);
-constinit const double s_dfArrayYCCA601OffsettoYCCA709Offset[16] = VFIL_ENTRIES(kStudio601To709);
-constinit const double s_dfArrayYCCA709OffsettoYCCA601Offset[16] = VFIL_ENTRIES(kStudio709To601);
-
-#undef VFIL_ENTRIES
+constinit const vfILColorMatrix s_dfArrayRGBAtoYCCA = kRgbTo601;
+constinit const vfILColorMatrix s_dfArrayRGBAtoYCCAOffset = kRgbToStudio601;
+constinit const vfILColorMatrix s_dfArrayRGBAtoYCCA709 = kRgbTo709;
+constinit const vfILColorMatrix s_dfArrayRGBAtoYCCA709Offset = kRgbToStudio709;
+constinit const vfILColorMatrix s_dfArrayYCCAtoRGBA = k601ToRgb;
+constinit const vfILColorMatrix s_dfArrayYCCAOffsettoRGBA = kStudio601ToRgb;
+constinit const vfILColorMatrix s_dfArrayYCCA709toRGBA = k709ToRgb;
+constinit const vfILColorMatrix s_dfArrayYCCA709OffsettoRGBA = kStudio709ToRgb;
+constinit const vfILColorMatrix s_dfArrayYCCA601toYCCA709 = k601To709;
+constinit const vfILColorMatrix s_dfArrayYCCA709toYCCA601 = k709To601;
+constinit const vfILColorMatrix s_dfArrayYCCA601OffsettoYCCA709Offset = kStudio601To709;
+constinit const vfILColorMatrix s_dfArrayYCCA709OffsettoYCCA601Offset = kStudio709To601;

@@ -99,7 +99,7 @@ Triple Complement(const Triple& v)
     return {1 - v[0], 1 - v[1], 1 - v[2]};
 }
 
-template <const double (&matrix)[16]>
+template <const vfILColorMatrix& matrix>
 Triple Transform(const Triple& v)
 {
     Triple result;

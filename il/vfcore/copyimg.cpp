@@ -35,5 +35,7 @@ vfILStatus vfILCopyImg::DoEffect()
 
 void vfILSIMDMemCopy(const void* source, void* destination, unsigned long bytes)
 {
-    CopyBytes(true, source, destination, bytes, bytes >= kStreamingBytes);
+    const bool streaming = bytes >= kStreamingBytes;
+    CopyBytes(true, source, destination, bytes, streaming);
+    if (streaming) FinishStreaming();
 }

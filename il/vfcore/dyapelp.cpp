@@ -4,6 +4,8 @@
 #include "pixelrun.h"
 #include "rowloop.h"
 
+#include "il/rows/levels.h"
+
 #include <vfil/frame.h>
 
 using namespace vfil;
@@ -92,6 +94,7 @@ vfILStatus vfILDyadicPixelProc::ProcessData()
 
 vfILStatus vfILDyadicPixelProc::CleanData()
 {
+    if (m_run.streaming) FinishStreaming();
     m_bufferA.Free();
     m_bufferB.Free();
     m_run = {};

@@ -4,6 +4,8 @@
 #include "pixelrun.h"
 #include "rowloop.h"
 
+#include "il/rows/levels.h"
+
 #include <vfil/frame.h>
 
 using namespace vfil;
@@ -66,6 +68,7 @@ vfILStatus vfILMonadicPixelProc::ProcessData()
 
 vfILStatus vfILMonadicPixelProc::CleanData()
 {
+    if (m_run.streaming) FinishStreaming();
     m_buffer.Free();
     m_run = {};
     m_input = {};

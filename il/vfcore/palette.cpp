@@ -59,9 +59,8 @@ int vfILPalette::SetAt(long index, const vfILColor& color) noexcept
 {
     if (index < 0) return 0;
     const auto i = static_cast<std::size_t>(index);
-    const vfILColor value = color; // growing would end an entry of this palette that is passed in
     if (i >= m_colors.size() && Allocating([&] { m_colors.resize(i + 1); }) == 0) return 0;
-    m_colors[i] = value;
+    m_colors[i] = color;
     return 1;
 }
 

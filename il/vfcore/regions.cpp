@@ -3,18 +3,11 @@
 
 #include "regions.h"
 
-#include <algorithm>
-#include <limits>
+#include "saturate.h"
 
 namespace vfil {
 
 namespace {
-
-long Saturated(std::int64_t value)
-{
-    using Limits = std::numeric_limits<std::int32_t>;
-    return static_cast<long>(std::clamp<std::int64_t>(value, Limits::min(), Limits::max()));
-}
 
 /// Derives the target and the shifted boxes from the valid and the masked one.
 void ShiftToOutput(vfILPixelRun& run, const vfILBbox2l& roi, const vfILVector2l& outputOffset)
@@ -37,7 +30,7 @@ constexpr unsigned long kFieldBits = VFIL_MODE_ODD_ROWS | VFIL_MODE_EVEN_ROWS;
 
 vfILBbox2l Moved(const vfILBbox2l& box, std::int64_t dx, std::int64_t dy)
 {
-    return {Saturated(box.GetOffsetX() + dx), Saturated(box.GetOffsetY() + dy), box.GetSizeX(),
+    return {SaturateToInt32(box.GetOffsetX() + dx), SaturateToInt32(box.GetOffsetY() + dy), box.GetSizeX(),
             box.GetSizeY()};
 }
 

@@ -5,6 +5,7 @@
 #include <vfil/export.h>
 #include <vfil/pxformat.h>
 
+#include <array>
 #include <memory>
 #include <vector>
 
@@ -172,21 +173,23 @@ private:
     std::vector<vfILColor> m_colors;
 };
 
-// Colour-space matrices. Entries 0 .. 2 are the coefficients of the first input for the three outputs, 4 .. 6
-// those of the second, 8 .. 10 of the third, 12 .. 14 the constants that are added; 3, 7 and 11 are 0 and 15
-// is 1, so that they load as 4 by 4 transforms. "YCCA" alone is full range with chroma around 0; "YCCAOffset"
-// is studio range on a scale of 0 .. 1: luma 16/255 and a span of 219/255, chroma around 128/255 and a span
-// of 224/255.
+/// A colour-space matrix. Entries 0 .. 2 are the coefficients of the first input for the three outputs, 4 ..
+/// 6 those of the second, 8 .. 10 of the third, 12 .. 14 the constants that are added; 3, 7 and 11 are 0 and
+/// 15 is 1, so that data() loads as a 4 by 4 transform.
+using vfILColorMatrix = std::array<double, 16>;
 
-extern VFIL_API const double s_dfArrayRGBAtoYCCA[16];
-extern VFIL_API const double s_dfArrayRGBAtoYCCAOffset[16];
-extern VFIL_API const double s_dfArrayRGBAtoYCCA709[16];
-extern VFIL_API const double s_dfArrayRGBAtoYCCA709Offset[16];
-extern VFIL_API const double s_dfArrayYCCAtoRGBA[16];
-extern VFIL_API const double s_dfArrayYCCAOffsettoRGBA[16];
-extern VFIL_API const double s_dfArrayYCCA709toRGBA[16];
-extern VFIL_API const double s_dfArrayYCCA709OffsettoRGBA[16];
-extern VFIL_API const double s_dfArrayYCCA601toYCCA709[16];
-extern VFIL_API const double s_dfArrayYCCA709toYCCA601[16];
-extern VFIL_API const double s_dfArrayYCCA601OffsettoYCCA709Offset[16];
-extern VFIL_API const double s_dfArrayYCCA709OffsettoYCCA601Offset[16];
+// "YCCA" alone is full range with chroma around 0; "YCCAOffset" is studio range on a scale of 0 .. 1: luma
+// 16/255 and a span of 219/255, chroma around 128/255 and a span of 224/255.
+
+extern VFIL_API const vfILColorMatrix s_dfArrayRGBAtoYCCA;
+extern VFIL_API const vfILColorMatrix s_dfArrayRGBAtoYCCAOffset;
+extern VFIL_API const vfILColorMatrix s_dfArrayRGBAtoYCCA709;
+extern VFIL_API const vfILColorMatrix s_dfArrayRGBAtoYCCA709Offset;
+extern VFIL_API const vfILColorMatrix s_dfArrayYCCAtoRGBA;
+extern VFIL_API const vfILColorMatrix s_dfArrayYCCAOffsettoRGBA;
+extern VFIL_API const vfILColorMatrix s_dfArrayYCCA709toRGBA;
+extern VFIL_API const vfILColorMatrix s_dfArrayYCCA709OffsettoRGBA;
+extern VFIL_API const vfILColorMatrix s_dfArrayYCCA601toYCCA709;
+extern VFIL_API const vfILColorMatrix s_dfArrayYCCA709toYCCA601;
+extern VFIL_API const vfILColorMatrix s_dfArrayYCCA601OffsettoYCCA709Offset;
+extern VFIL_API const vfILColorMatrix s_dfArrayYCCA709OffsettoYCCA601Offset;

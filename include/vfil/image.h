@@ -93,7 +93,7 @@ using IPXImageFactory = IClassFactory;
 struct IPXImage : IUnknown {
     virtual HRESULT GetFormat(GUID* format) = 0;
     /// Pixels are undefined until the next SetDimensions.
-    virtual HRESULT SetFormat(const GUID& format) = 0;
+    virtual HRESULT SetFormat(const GUID* format) = 0;
     /// Size in pixels.
     virtual HRESULT GetDimensions(long* width, long* height) = 0;
     /// Size in world units.

@@ -1,8 +1,11 @@
 /// \file
-/// The register against the classes: what an entry says of formats, ranges and defaults is what the class does.
+/// The register against the classes: what an entry says of formats, ranges and defaults is what the class
+/// does.
 #include "catalogue/catalogue.h"
 #include "catalogue/names.h"
 #include "host/picture.h"
+
+#include <vfil/pixel.h>
 
 #include <gtest/gtest.h>
 
@@ -44,11 +47,14 @@ struct Bench {
 TEST(Names, FollowTheClasses)
 {
     const std::pair<const char*, const char*> commands[] = {
-        {"vfILOverImage", "over"},          {"vfILAddNoClipImage", "add-no-clip"},
-        {"vfILInvNonAddImage", "inv-non-add"}, {"vfILCompositeImg", "composite"},
+        {"vfILOverImage", "over"},
+        {"vfILAddNoClipImage", "add-no-clip"},
+        {"vfILInvNonAddImage", "inv-non-add"},
+        {"vfILCompositeImg", "composite"},
         {"vfILGrayscaleImg", "grayscale"},
     };
-    for (const auto& [className, name] : commands) EXPECT_EQ(catalogue::CommandName(className), name);
+    for (const auto& [className, name] : commands)
+        EXPECT_EQ(catalogue::CommandName(className), name);
     EXPECT_EQ(catalogue::ParameterName("SetImgAPremultiplied"), "img-a-premultiplied");
     EXPECT_EQ(catalogue::ParameterName("NeverPremultiplyBackImage"), "never-premultiply-back-image");
     EXPECT_EQ(catalogue::FormatName(PXFormat_YCCA422_601), "ycca422-601");
@@ -60,9 +66,10 @@ TEST(Names, FollowTheClasses)
 
 TEST(Catalogue, HasEveryOperatorOnce)
 {
-    const std::set<std::string> expected = {"over",   "in",      "out",    "atop", "xor", "add",     "add-no-clip",
-                                            "diff",   "mult",    "lighter", "darker", "lum", "col",  "non-add",
-                                            "inv-non-add", "composite", "invert", "copy", "grayscale"};
+    const std::set<std::string> expected = {"over",      "in",          "out",  "atop",     "xor",
+                                            "add",       "add-no-clip", "diff", "mult",     "lighter",
+                                            "darker",    "lum",         "col",  "non-add",  "inv-non-add",
+                                            "composite", "invert",      "copy", "grayscale"};
     std::set<std::string> names;
     for (const Entry& entry : catalogue::Entries()) {
         EXPECT_TRUE(names.insert(entry.name).second) << entry.name;
@@ -70,6 +77,17 @@ TEST(Catalogue, HasEveryOperatorOnce)
     }
     EXPECT_EQ(names, expected);
     EXPECT_EQ(catalogue::Find("ovr"), nullptr);
+}
+
+TEST(Operator, PlainArithmeticIsAFlagOfItsProcessor)
+{
+    struct Probe : vfILInvertImg {
+        int SimdFlag() const { return m_simdAvailable; }
+    };
+    catalogue::OperatorOf<Probe> plain(false);
+    catalogue::OperatorOf<Probe> usual(true);
+    EXPECT_EQ(static_cast<Probe&>(plain.Frame()).SimdFlag(), 0);
+    EXPECT_EQ(static_cast<Probe&>(usual.Frame()).SimdFlag(), Probe().SimdFlag());
 }
 
 class EachEntry : public testing::TestWithParam<std::string> {
@@ -81,7 +99,8 @@ TEST_P(EachEntry, FormatsAreThoseOfVerify)
 {
     for (std::size_t i = 0; const vfILFormatInfo* info = vfILFormatAt(i); ++i) {
         const Bench bench(entry, info->id);
-        const bool listed = std::find(entry.formats.begin(), entry.formats.end(), info->id) != entry.formats.end();
+        const bool listed =
+            std::find(entry.formats.begin(), entry.formats.end(), info->id) != entry.formats.end();
         EXPECT_EQ(bench.op->Frame().Verify() == VFIL_SUCCESS, listed) << info->name;
     }
 }
@@ -151,7 +170,8 @@ TEST_P(EachEntry, FixedChannelsCannotBeLeftOut)
 std::vector<std::string> EntryNames()
 {
     std::vector<std::string> names;
-    for (const Entry& entry : catalogue::Entries()) names.push_back(entry.name);
+    for (const Entry& entry : catalogue::Entries())
+        names.push_back(entry.name);
     return names;
 }
 

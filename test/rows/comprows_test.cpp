@@ -1,6 +1,6 @@
 /// \file
-/// The vector forms of the two-input kernels against the plain ones, and the plain ones where no operator's test
-/// reaches: the 4:2:2 rows.
+/// The vector forms of the two-input kernels against the plain ones, and the plain ones where no operator's
+/// test reaches: the 4:2:2 rows.
 #include "il/rows/comprows.h"
 
 #include "rowcheck.h"
@@ -25,10 +25,14 @@ std::vector<LayerParams<Sample>> LayerParamSets()
 {
     constexpr Sample full = static_cast<Sample>(~Sample{0});
     constexpr auto half = static_cast<Sample>(full / 2 + 1);
-    return {{full, true, true, AlphaRule::Computed, 15, false}, {half, true, true, AlphaRule::Computed, 15, false},
-            {0, true, true, AlphaRule::Computed, 7, false},     {half, true, true, AlphaRule::Full, 15, true},
-            {full, true, true, AlphaRule::Zero, 9, true},       {full, true, true, AlphaRule::Full, 2, true},
-            {7, true, true, AlphaRule::Zero, 12, false},        {full, true, true, AlphaRule::Full, 4, false}};
+    return {{full, true, true, AlphaRule::Computed, 15, false},
+            {half, true, true, AlphaRule::Computed, 15, false},
+            {0, true, true, AlphaRule::Computed, 7, false},
+            {half, true, true, AlphaRule::Full, 15, true},
+            {full, true, true, AlphaRule::Zero, 9, true},
+            {full, true, true, AlphaRule::Full, 2, true},
+            {7, true, true, AlphaRule::Zero, 12, false},
+            {full, true, true, AlphaRule::Full, 4, false}};
 }
 
 /// Calls check(kernel, plain, params, name) for each kernel of an operator at each level.
@@ -46,8 +50,8 @@ void ForEachLayerKernel(std::size_t op, Check check)
                 params.backPremultiplied = back;
                 const bool whole = set == 0;
                 check(cases[front][back][whole][streaming], plain, params,
-                      LevelName(level) + " op " + std::to_string(op) + " case " + std::to_string(bits) + " set " +
-                          std::to_string(set++));
+                      LevelName(level) + " op " + std::to_string(op) + " case " + std::to_string(bits) +
+                          " set " + std::to_string(set++));
             }
         }
     }
@@ -128,8 +132,8 @@ TEST(CompRows, MaskedMixIsThePlainForm)
                 const std::ptrdiff_t step = std::vector<std::ptrdiff_t>{1, 4, 3}[pixels % 3];
                 // Ends with the last pixel's mask, as the mask of a picture's alpha does.
                 PlacedRow<std::uint8_t> mask(
-                    EndRichSamples<std::uint8_t>(pixels == 0 ? 0 : (pixels - 1) * static_cast<std::size_t>(step) + 1,
-                                                 random),
+                    EndRichSamples<std::uint8_t>(
+                        pixels == 0 ? 0 : (pixels - 1) * static_cast<std::size_t>(step) + 1, random),
                     offsets.front, false);
                 const MixParams<std::uint8_t> params{amount, static_cast<AlphaRule>(pixels / 3 % 3)};
                 const auto run = [&](MixRow<std::uint8_t> row) {
@@ -167,9 +171,11 @@ TEST(CompRows, OverYuvaIsThePlainForm)
             const auto front = EndRichSamples<std::uint8_t>(3 * pixels, random);
             for (unsigned bits = 0; bits < 16; ++bits) {
                 const std::uint8_t strength = bits % 2 == 0 ? 255 : static_cast<std::uint8_t>(random());
-                const YuvaParams params{strength, (bits & 2) != 0, (bits & 4) != 0,
-                                        static_cast<AlphaRule>(random() % 3), (bits & 8) != 0, random() % 2 == 0};
-                ASSERT_TRUE(SameRuns(back, front, offsets, target, YuvaRun(CompRowsAt(level).overYuva, pixels, params),
+                const YuvaParams params{strength,        (bits & 2) != 0,
+                                        (bits & 4) != 0, static_cast<AlphaRule>(random() % 3),
+                                        (bits & 8) != 0, random() % 2 == 0};
+                ASSERT_TRUE(SameRuns(back, front, offsets, target,
+                                     YuvaRun(CompRowsAt(level).overYuva, pixels, params),
                                      YuvaRun(plain, pixels, params)))
                     << LevelName(level) << ", pixels " << pixels << ", case " << bits;
             }
@@ -214,6 +220,32 @@ TEST(CompRows, OverYuvaFollowsItsDefinition)
     }
 }
 
+/// A run's choice of kernel by its parameters, which no table entry alone shows.
+template <class Sample>
+void CheckChoice(std::mt19937& random)
+{
+    for (int turn = 0; turn < 5000; ++turn) {
+        const auto op = static_cast<LayerOp>(random() % kLayerOps);
+        LayerParams<Sample> params = LayerParamSets<Sample>()[turn % 4 == 0 ? 0 : random() % 8];
+        params.frontPremultiplied = random() % 2 == 0;
+        params.backPremultiplied = random() % 2 == 0;
+        params.streaming = random() % 2 == 0;
+        const auto back = EndRichSamples<Sample>(4 * 37, random);
+        const auto front = EndRichSamples<Sample>(4 * 37, random);
+        std::vector<Sample> fast(back.size()), plain(back.size());
+        FindLayerRow<Sample>(true, op, params)(back.data(), front.data(), fast.data(), 37, params);
+        FindLayerRow<Sample>(false, op, params)(back.data(), front.data(), plain.data(), 37, params);
+        ASSERT_EQ(fast, plain) << "op " << static_cast<int>(op) << ", channels " << params.channels;
+    }
+}
+
+TEST(CompRows, ParametersChooseTheKernel)
+{
+    std::mt19937 random(8);
+    CheckChoice<std::uint8_t>(random);
+    CheckChoice<std::uint16_t>(random);
+}
+
 /// Else the tests above would compare a form with itself.
 TEST(CompRows, EachLevelHasItsOwn)
 {
@@ -223,7 +255,8 @@ TEST(CompRows, EachLevelHasItsOwn)
         for (int bits = 0; bits < 16; ++bits) {
             const int a = bits & 1, b = bits >> 1 & 1, c = bits >> 2 & 1, d = bits >> 3;
             for (std::size_t op = 0; op < kLayerOps; ++op)
-                EXPECT_NE(rows.layer8[op].at[a][b][c][d], below.layer8[op].at[a][b][c][d]) << LevelName(level);
+                EXPECT_NE(rows.layer8[op].at[a][b][c][d], below.layer8[op].at[a][b][c][d])
+                    << LevelName(level);
             EXPECT_NE(rows.layer16[0].at[a][b][c][d], below.layer16[0].at[a][b][c][d]) << LevelName(level);
         }
         EXPECT_NE(rows.mix8[0], below.mix8[0]);

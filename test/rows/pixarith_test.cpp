@@ -36,7 +36,8 @@ TEST(PixArith, EveryPairOfBytes)
             ASSERT_EQ(A8::Mult(x, y), product) << a << " " << b;
             ASSERT_EQ(InvNormMult8(x, y), 255 - Nearest((255 - a) * (255 - b) / 255.0)) << a << " " << b;
             ASSERT_EQ(NormDiv8(x, y), b == 0 ? 0 : std::min(255, Nearest(255.0 * a / b))) << a << " " << b;
-            ASSERT_EQ(HueDiv8(x, y), b == 0 ? 0 : std::min(255, Nearest(255.0 * a / (6.0 * b)))) << a << " " << b;
+            ASSERT_EQ(HueDiv8(x, y), b == 0 ? 0 : std::min(255, Nearest(255.0 * a / (6.0 * b))))
+                << a << " " << b;
             ASSERT_EQ(SignedNormMult(x, -b), -product) << a << " " << b;
             ASSERT_EQ(A8::Add(x, y), std::min(255, a + b)) << a << " " << b;
             ASSERT_EQ(A8::Diff(x, y), std::abs(a - b)) << a << " " << b;
@@ -72,7 +73,8 @@ TEST(PixArith, SixteenBitFormulas)
         const std::uint64_t f = F, b = B, a = A, c = C, full = 65535;
         ASSERT_EQ(A16::Mult(F, B), RatioInDouble(f * b));
         ASSERT_EQ(A16::Blend(F, B, A), RatioInDouble(f * a + (full - a) * b));
-        ASSERT_EQ(A16::FrontOverBack(F, B, A), RatioInDouble(f + (full - a) * b)) << f << " " << b << " " << a;
+        ASSERT_EQ(A16::FrontOverBack(F, B, A), RatioInDouble(f + (full - a) * b))
+            << f << " " << b << " " << a;
         ASSERT_EQ(A16::FrontInBack(F, C), RatioInDouble(f * c));
         ASSERT_EQ(A16::FrontOutBack(F, C), RatioInDouble(f * (full - c)));
         ASSERT_EQ(A16::FrontAtopBack(F, B, A, C), RatioInDouble((full - a) * b + c * f));

@@ -20,7 +20,9 @@ void CheckPointRow(Member member, Call call)
                 if (target == Target::Front) return;
                 const auto in = EndRichSamples<Sample>(4 * pixels, random);
                 const auto run = [&](auto row) {
-                    return [&call, pixels, row](const Sample* b, const Sample*, Sample* out) { call(row, b, out, pixels); };
+                    return [&call, pixels, row](const Sample* b, const Sample*, Sample* out) {
+                        call(row, b, out, pixels);
+                    };
                 };
                 ASSERT_TRUE(SameRuns(in, in, offsets, target, run(kernel), run(plain)))
                     << LevelName(level) << ", pixels " << pixels << ", at " << offsets.out;
@@ -32,18 +34,20 @@ void CheckPointRow(Member member, Call call)
 TEST(PointRows, AreThePlainForms)
 {
     for (const std::uint32_t select : {0u, 0x000000FFu, 0xFF00FF00u, 0x00FFFFFFu}) {
-        CheckPointRow<std::uint8_t>(&PointRows::invert8, [=](auto row, auto* in, auto* out, std::size_t pixels) {
-            row(in, out, pixels, select);
-        });
+        CheckPointRow<std::uint8_t>(
+            &PointRows::invert8,
+            [=](auto row, auto* in, auto* out, std::size_t pixels) { row(in, out, pixels, select); });
     }
     for (const std::uint64_t select : {0x0000'0000'0000'FFFFull, 0xFFFF'0000'FFFF'0000ull}) {
-        CheckPointRow<std::uint16_t>(&PointRows::invert16, [=](auto row, auto* in, auto* out, std::size_t pixels) {
-            row(in, out, pixels, select);
-        });
+        CheckPointRow<std::uint16_t>(
+            &PointRows::invert16,
+            [=](auto row, auto* in, auto* out, std::size_t pixels) { row(in, out, pixels, select); });
     }
     // Counts of samples that are no multiple of four, too.
     const auto ragged = [](std::size_t pixels) { return pixels == 0 ? 0 : 4 * pixels - pixels % 4; };
-    const auto mono = [=](auto row, auto* in, auto* out, std::size_t pixels) { row(in, out, ragged(pixels)); };
+    const auto mono = [=](auto row, auto* in, auto* out, std::size_t pixels) {
+        row(in, out, ragged(pixels));
+    };
     CheckPointRow<std::uint8_t>(&PointRows::invertMono8, mono);
     CheckPointRow<std::uint16_t>(&PointRows::invertMono16, mono);
     CheckPointRow<std::uint8_t>(&PointRows::copy, [=](auto row, auto* in, auto* out, std::size_t pixels) {

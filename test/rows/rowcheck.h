@@ -30,15 +30,15 @@ std::vector<Sample> EndRichSamples(std::size_t count, std::mt19937& random)
     return samples;
 }
 
-/// A row that starts `offset` bytes past a multiple of 64, between guard bytes. An input has none behind it: its
-/// memory ends there, for the address sanitizer to see.
+/// A row that starts `offset` bytes past a multiple of 64, between guard bytes. An input has none behind it:
+/// its memory ends there, for the address sanitizer to see.
 template <class Sample>
 class PlacedRow {
 public:
     PlacedRow(const std::vector<Sample>& samples, std::size_t offset, bool isOutput)
         : m_start(kGuard + offset),
           m_size(m_start + samples.size() * sizeof(Sample) + (isOutput ? kGuard : 0)),
-          m_memory(static_cast<std::uint8_t*>(::operator new(m_size, std::align_val_t{kGuard})))
+          m_memory(static_cast<std::uint8_t*>(::operator new (m_size, std::align_val_t{kGuard})))
     {
         std::fill_n(m_memory.get(), m_size, std::uint8_t{0xA5});
         std::copy(samples.begin(), samples.end(), Data());
@@ -53,7 +53,7 @@ public:
 private:
     static constexpr std::size_t kGuard = 64;
     struct Delete {
-        void operator()(std::uint8_t* p) const { ::operator delete(p, std::align_val_t{kGuard}); }
+        void operator()(std::uint8_t* p) const { ::operator delete (p, std::align_val_t{kGuard}); }
     };
     std::size_t m_start, m_size;
     std::unique_ptr<std::uint8_t, Delete> m_memory;
@@ -75,15 +75,14 @@ struct PlacedRows {
     PlacedRows(const std::vector<Sample>& b, const std::vector<Sample>& f, Offsets offsets, Target target)
         : back(b, offsets.back, target == Target::Back), front(f, offsets.front, target == Target::Front),
           out(std::vector<Sample>(b.size(), Sample{0x5B}), offsets.out, true)
-    {
-    }
+    {}
     bool operator==(const PlacedRows& other) const = default;
 };
 
 /// Both runs are functions of (back, front, out).
 template <class Sample, class Run, class PlainRun>
-bool SameRuns(const std::vector<Sample>& back, const std::vector<Sample>& front, Offsets offsets, Target target,
-              Run run, PlainRun plainRun)
+bool SameRuns(const std::vector<Sample>& back, const std::vector<Sample>& front, Offsets offsets,
+              Target target, Run run, PlainRun plainRun)
 {
     const auto treat = [target](PlacedRows<Sample>& rows, auto kernel) {
         auto& out = target == Target::Apart ? rows.out : target == Target::Back ? rows.back : rows.front;
@@ -96,8 +95,8 @@ bool SameRuns(const std::vector<Sample>& back, const std::vector<Sample>& front,
     return actual == expected;
 }
 
-/// Calls check(pixels, offsets, target) for rows of no pixel to more than two vectors, over every alignment of
-/// the output; the inputs have other ones.
+/// Calls check(pixels, offsets, target) for rows of no pixel to more than two vectors, over every alignment
+/// of the output; the inputs have other ones.
 template <class Sample, class Check>
 void ForEachPlacement(Check check)
 {

@@ -1,6 +1,6 @@
 /// \file
-/// The 27 pixel formats as the tests know them: a table of its own, so that the library's is checked against it and
-/// the test pictures do not depend on it.
+/// The 27 pixel formats as the tests know them: a table of its own, so that the library's is checked against
+/// it and the test pictures do not depend on it.
 #pragma once
 
 #include <vfil/pxformat.h>
@@ -15,7 +15,8 @@ struct FormatCase {
     GUID id;
     const char* text; ///< the identifier in its usual notation
     int model;
-    /// A alpha, T top-down, 6 BT.601, 7 BT.709, Y YCC, P alpha plane, C chroma first, S split field, E even field first.
+    /// A alpha, T top-down, 6 BT.601, 7 BT.709, Y YCC, P alpha plane, C chroma first, S split field, E even
+    /// field first.
     const char* flags;
     int channels;
     int sampleBytes;
@@ -40,17 +41,25 @@ inline constexpr std::array<FormatCase, 27> kFormats{{
     {"YCCA32", PXFormat_YCCA32, "599171A0-8B9F-11CE-8B97-00AA00629455", 0x40, "AT6Y", 4, 1, 4},
     {"YCCA64", PXFormat_YCCA64, "599171A1-8B9F-11CE-8B97-00AA00629455", 0x40, "AT6Y", 4, 2, 8},
     {"YCC422_601", PXFormat_YCC422_601, "408FA7C1-E26D-11D0-8F9B-00A024190344", 0x40, "T6Y", 3, 1, 2},
-    {"YCC422_601_SplitEven", PXFormat_YCC422_601_SplitEven, "6C48CE31-E1C6-11D0-8F9A-00A024190344", 0x40, "T6YSE", 3, 1, 2},
-    {"YCC422_601_SplitOdd", PXFormat_YCC422_601_SplitOdd, "0CFB5961-E91B-11D0-8F9D-00A024190344", 0x40, "T6YS", 3, 1, 2},
+    {"YCC422_601_SplitEven", PXFormat_YCC422_601_SplitEven, "6C48CE31-E1C6-11D0-8F9A-00A024190344", 0x40,
+     "T6YSE", 3, 1, 2},
+    {"YCC422_601_SplitOdd", PXFormat_YCC422_601_SplitOdd, "0CFB5961-E91B-11D0-8F9D-00A024190344", 0x40,
+     "T6YS", 3, 1, 2},
     {"YCC422_709", PXFormat_YCC422_709, "5A3169B5-8BF5-11D3-8B11-080036043475", 0x200, "T7Y", 3, 1, 2},
-    {"YCC422_709_SplitEven", PXFormat_YCC422_709_SplitEven, "5A3169B6-8BF5-11D3-8B11-080036043475", 0x200, "T7YSE", 3, 1, 2},
-    {"YCC422_709_SplitOdd", PXFormat_YCC422_709_SplitOdd, "5A3169B7-8BF5-11D3-8B11-080036043475", 0x200, "T7YS", 3, 1, 2},
+    {"YCC422_709_SplitEven", PXFormat_YCC422_709_SplitEven, "5A3169B6-8BF5-11D3-8B11-080036043475", 0x200,
+     "T7YSE", 3, 1, 2},
+    {"YCC422_709_SplitOdd", PXFormat_YCC422_709_SplitOdd, "5A3169B7-8BF5-11D3-8B11-080036043475", 0x200,
+     "T7YS", 3, 1, 2},
     {"YUV422_601", PXFormat_YUV422_601, "DE438CF2-E948-11D3-901A-00A024190344", 0x40, "T6YC", 3, 1, 2},
-    {"YUV422_601_SplitEven", PXFormat_YUV422_601_SplitEven, "DE438CF3-E948-11D3-901A-00A024190344", 0x40, "T6YCSE", 3, 1, 2},
-    {"YUV422_601_SplitOdd", PXFormat_YUV422_601_SplitOdd, "DE438CF4-E948-11D3-901A-00A024190344", 0x40, "T6YCS", 3, 1, 2},
+    {"YUV422_601_SplitEven", PXFormat_YUV422_601_SplitEven, "DE438CF3-E948-11D3-901A-00A024190344", 0x40,
+     "T6YCSE", 3, 1, 2},
+    {"YUV422_601_SplitOdd", PXFormat_YUV422_601_SplitOdd, "DE438CF4-E948-11D3-901A-00A024190344", 0x40,
+     "T6YCS", 3, 1, 2},
     {"YUV422_709", PXFormat_YUV422_709, "DE438CF5-E948-11D3-901A-00A024190344", 0x200, "T7YC", 3, 1, 2},
-    {"YUV422_709_SplitEven", PXFormat_YUV422_709_SplitEven, "DE438CF6-E948-11D3-901A-00A024190344", 0x200, "T7YCSE", 3, 1, 2},
-    {"YUV422_709_SplitOdd", PXFormat_YUV422_709_SplitOdd, "DE438CF7-E948-11D3-901A-00A024190344", 0x200, "T7YCS", 3, 1, 2},
+    {"YUV422_709_SplitEven", PXFormat_YUV422_709_SplitEven, "DE438CF6-E948-11D3-901A-00A024190344", 0x200,
+     "T7YCSE", 3, 1, 2},
+    {"YUV422_709_SplitOdd", PXFormat_YUV422_709_SplitOdd, "DE438CF7-E948-11D3-901A-00A024190344", 0x200,
+     "T7YCS", 3, 1, 2},
     {"YCCA422_601", PXFormat_YCCA422_601, "C299BB08-F46D-11D3-A296-0800360443CA", 0x40, "AT6YPC", 4, 1, 3},
     {"YCCA422_709", PXFormat_YCCA422_709, "C299BB07-F46D-11D3-A296-0800360443CA", 0x200, "AT7YPC", 4, 1, 3},
     {"HLSA32", PXFormat_HLSA32, "599171A2-8B9F-11CE-8B97-00AA00629455", 4, "A", 4, 1, 4},

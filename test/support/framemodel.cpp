@@ -23,7 +23,8 @@ std::string Text(const Pixel& p)
 Snapshot::Snapshot(const GuardedImage& image) : width(image.Width()), height(image.Height())
 {
     for (long y = 0; y < height; ++y)
-        for (long x = 0; x < width; ++x) pixels.push_back(image.Get(x, y));
+        for (long x = 0; x < width; ++x)
+            pixels.push_back(image.Get(x, y));
 }
 
 bool IsRowTreated(unsigned long mode, long y)
@@ -32,8 +33,8 @@ bool IsRowTreated(unsigned long mode, long y)
     return !(mode & VFIL_MODE_EVEN_ROWS && y % 2 != 0);
 }
 
-Snapshot ModelRun(const FrameCase& run, const GuardedImage& a, const GuardedImage& b, const GuardedImage& output,
-                  const PixelRule& rule)
+Snapshot ModelRun(const FrameCase& run, const GuardedImage& a, const GuardedImage& b,
+                  const GuardedImage& output, const PixelRule& rule)
 {
     const Snapshot before(output);
     const Snapshot mask = run.mask ? Snapshot(*run.mask) : before;
@@ -49,8 +50,10 @@ Snapshot ModelRun(const FrameCase& run, const GuardedImage& a, const GuardedImag
             const bool inA = a.Contains(px, py);
             const bool inB = b.Contains(bx, by);
             Pixel& pixel = after.At(x, y);
-            if (!(run.dominantB ? inB : inA)) pixel = run.defaultPixel;
-            else if (!inA || !inB || !Covers(run.maskBox, px, py)) pixel = run.dominantB ? b.Get(bx, by) : a.Get(px, py);
+            if (!(run.dominantB ? inB : inA))
+                pixel = run.defaultPixel;
+            else if (!inA || !inB || !Covers(run.maskBox, px, py))
+                pixel = run.dominantB ? b.Get(bx, by) : a.Get(px, py);
             else {
                 const long mx = px - run.maskBox.GetOffsetX();
                 const long my = py - run.maskBox.GetOffsetY();

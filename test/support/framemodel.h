@@ -22,7 +22,8 @@ struct Snapshot {
     Pixel& At(long x, long y) { return pixels[static_cast<std::size_t>(y * width + x)]; }
 };
 
-/// The regions of a run. \p maskBox lies in input coordinates, a mask sample is read from channel \p maskChannel.
+/// The regions of a run. \p maskBox lies in input coordinates, a mask sample is read from channel \p
+/// maskChannel.
 struct FrameCase {
     vfILBbox2l roi;
     vfILVector2l outputOffset;
@@ -39,8 +40,8 @@ struct FrameCase {
 using PixelRule = std::function<Pixel(const Pixel& a, const Pixel& b, int mask)>;
 
 /// The output after a run on two inputs. All inputs are read before anything is written.
-Snapshot ModelRun(const FrameCase& run, const GuardedImage& a, const GuardedImage& b, const GuardedImage& output,
-                  const PixelRule& rule);
+Snapshot ModelRun(const FrameCase& run, const GuardedImage& a, const GuardedImage& b,
+                  const GuardedImage& output, const PixelRule& rule);
 
 /// Rows with this y are treated under the mode's field bits.
 bool IsRowTreated(unsigned long mode, long y);

@@ -1,6 +1,6 @@
 /// \file
-/// A picture in memory for tests: it implements the contract plainly, guards the bytes around its pixels, fails on
-/// demand and counts what is asked of it. Its class factory makes pictures for the library.
+/// A picture in memory for tests: it implements the contract plainly, guards the bytes around its pixels,
+/// fails on demand and counts what is asked of it. Its class factory makes pictures for the library.
 #pragma once
 
 #include "support/formats.h"
@@ -14,10 +14,11 @@
 
 namespace vfil::test {
 
-/// The channel values of a pixel in memory order. In 4:2:2 formats the two bytes of its column, then its alpha.
+/// The channel values of a pixel in memory order. In 4:2:2 formats the two bytes of its column, then its
+/// alpha.
 using Pixel = std::array<int, 4>;
 
-class GuardedImage final : public IPXImage, public IPXImageOps {
+class GuardedImage final : public IPXImage {
 public:
     /// Without pixels.
     explicit GuardedImage(const GUID& format) : m_format(&FormatOf(format)) {}
@@ -26,9 +27,9 @@ public:
     GuardedImage& operator=(const GuardedImage&) = delete;
 
     const FormatCase& Format() const { return *m_format; }
-    long Width() const { return m_width; }
-    long Height() const { return m_height; }
-    bool Contains(long x, long y) const { return x >= 0 && y >= 0 && x < m_width && y < m_height; }
+    long Width() const { return m_size[0]; }
+    long Height() const { return m_size[1]; }
+    bool Contains(long x, long y) const { return x >= 0 && y >= 0 && x < Width() && y < Height(); }
     Pixel Get(long x, long y) const;
     void Set(long x, long y, const Pixel& pixel);
     /// Fills the pixels with noise that is rich in 0 and in full values.
@@ -46,43 +47,51 @@ public:
     HRESULT QueryInterface(const IID& riid, void** object) override;
     unsigned long AddRef() override { return ++references; }
     unsigned long Release() override;
-
-    HRESULT GetFormat(GUID* format) override;
-    HRESULT SetFormat(const GUID& format) override;
-    HRESULT GetDimensions(long* width, long* height) override;
-    HRESULT GetExtent(double* width, double* height) override;
-    HRESULT SetExtent(double width, double height) override;
-    HRESULT GetOrigin(double* x, double* y) override;
-    HRESULT SetOrigin(double x, double y) override;
-    HRESULT GetChannelCount(long* count) override;
-    HRESULT GetSampleBytes(long* bytes) override;
-    HRESULT GetChannelBytes(long* bytes) override;
-    HRESULT GetPixelBytes(long* bytes) override;
+    HRESULT GetFormat(GUID* format) override { return Give(m_format->id, format); }
+    HRESULT SetFormat(const GUID* format) override;
+    HRESULT GetDimensions(long* width, long* height) override { return GivePair(m_size, width, height); }
+    HRESULT GetExtent(double* width, double* height) override { return GivePair(m_extent, width, height); }
+    HRESULT SetExtent(double width, double height) override { return Give({width, height}, &m_extent); }
+    HRESULT GetOrigin(double* x, double* y) override { return GivePair(m_origin, x, y); }
+    HRESULT SetOrigin(double x, double y) override { return Give({x, y}, &m_origin); }
+    HRESULT GetChannelCount(long* count) override { return Give<long>(m_format->channels, count); }
+    HRESULT GetSampleBytes(long* bytes) override { return Give<long>(m_format->sampleBytes, bytes); }
+    HRESULT GetChannelBytes(long* bytes) override { return GetSampleBytes(bytes); }
+    HRESULT GetPixelBytes(long* bytes) override { return Give<long>(m_format->pixelBytes, bytes); }
     HRESULT GetPixelArray(void** pixels) override;
-    HRESULT GetPixelArraySize(unsigned long* bytes) override;
+    HRESULT GetPixelArraySize(unsigned long* bytes) override
+    {
+        return Give<unsigned long>(ArraySize(), bytes);
+    }
     HRESULT SetDimensions(long width, long height) override;
     HRESULT ReadRegion(void* destination, long x, long y, long width, long height) override;
     HRESULT FillRegion(const void* pixel, long x, long y, long width, long height) override;
     HRESULT CopyFrom(IPXImage* source) override;
     HRESULT GetImageState(long id, long* value) override;
     HRESULT SetImageState(long id, long value) override;
-    HRESULT GetTag(unsigned long* value) override;
-    HRESULT SetTag(unsigned long value) override;
-
-    HRESULT CloneImage(const IID& riid, void** out) override;
-    HRESULT CloneImageNoData(const IID& riid, void** out) override;
-    HRESULT SwapImage(IPXImage* other) override;
-    HRESULT SwapImageData(IPXImage* other) override;
+    HRESULT GetTag(unsigned long* value) override { return Give(m_tag, value); }
+    HRESULT SetTag(unsigned long value) override { return Give(value, &m_tag); }
 
 private:
+    template <class T>
+    static HRESULT Give(const T& value, T* to)
+    {
+        *to = value;
+        return S_OK;
+    }
+    template <class T>
+    static HRESULT GivePair(const std::array<T, 2>& pair, T* first, T* second)
+    {
+        Give(pair[0], first);
+        return Give(pair[1], second);
+    }
     std::size_t ArraySize() const;
     long MemoryRow(long y) const;
     /// Address of sample \p channel of the pixel; null for a channel that the format has not.
-    const std::uint8_t* Sample(long x, long y, int channel) const;
+    std::uint8_t* Sample(long x, long y, std::size_t channel);
 
     const FormatCase* m_format;
-    long m_width = 0;
-    long m_height = 0;
+    std::array<long, 2> m_size{};
     std::vector<std::uint8_t> m_storage; ///< guard, pixels, guard; empty without pixels
     std::array<double, 2> m_extent{};
     std::array<double, 2> m_origin{};

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <cstdlib>
 
 namespace vfil::test {
 namespace {
@@ -34,8 +33,10 @@ Hls ToHls(double r, double g, double b)
     if (range == 0.0) return {0.0, l, 0.0};
     const double s = range / (l > 0.5 ? 2.0 - sum : sum);
     double h = (r - g) / range + 4.0;
-    if (r == high) h = (g - b) / range;
-    else if (g == high) h = (b - r) / range + 2.0;
+    if (r == high)
+        h = (g - b) / range;
+    else if (g == high)
+        h = (b - r) / range + 2.0;
     h *= 60.0;
     if (h < 0.0) h += 360.0;
     return {h * (1.0 / 360.0), l, s};
@@ -49,14 +50,9 @@ std::array<double, 3> FromHls(const Hls& c)
     const double k = std::floor(h6);
     const double m = 2.0 * c.l - v;
     const double w = (v - m) * (h6 - k);
-    switch (static_cast<int>(k)) {
-    case 1: return {v - w, v, m};
-    case 2: return {m, v, m + w};
-    case 3: return {m, v - w, v};
-    case 4: return {m + w, m, v};
-    case 5: return {v, m, v - w};
-    default: return {v, m + w, m};
-    }
+    const std::array<std::array<double, 3>, 6> sextants{
+        {{v, m + w, m}, {v - w, v, m}, {m, v, m + w}, {m, v - w, v}, {m + w, m, v}, {v, m, v - w}}};
+    return sextants[static_cast<std::size_t>(k) % 6];
 }
 
 /// The lightness of one pixel with the hue, the saturation and the alpha of another.
@@ -77,30 +73,25 @@ bool TakesWholePixels(Layer layer)
 
 Pixel WholePixel(Layer layer, const Pixel& a, const Pixel& s, int full)
 {
-    switch (layer) {
-    case Layer::Lum: return LightnessOf(s, a, full);
-    case Layer::Col: return LightnessOf(a, s, full);
-    case Layer::NonAdd: return Grey(a) < Grey(s) ? s : a;
-    default: return Grey(s) < Grey(a) ? s : a;
-    }
+    if (layer == Layer::Lum) return LightnessOf(s, a, full);
+    if (layer == Layer::Col) return LightnessOf(a, s, full);
+    const bool front = layer == Layer::NonAdd ? Grey(a) < Grey(s) : Grey(s) < Grey(a);
+    return front ? s : a;
 }
 
 /// The formula of colour channels, and of alpha with f = u, q = aAlpha, s = t times the front's alpha.
 int LayerChannel(Layer layer, const Arithmetic& math, int f, int q, int s, int a, int u, int aAlpha)
 {
-    switch (layer) {
-    case Layer::Over: return math.Over(f, q, u);
-    case Layer::In: return math.In(f, aAlpha);
-    case Layer::Out: return math.Out(f, aAlpha);
-    case Layer::Atop: return math.Atop(f, q, u, aAlpha);
-    case Layer::Xor: return math.Xor(f, q, u, aAlpha);
-    case Layer::Add: return math.Add(s, a);
-    case Layer::AddNoClip: return math.AddNoClip(s, a);
-    case Layer::Diff: return math.Difference(s, a);
-    case Layer::Mult: return math.Product(s, a);
-    case Layer::Lighter: return std::max(s, a);
-    default: return std::min(s, a);
-    }
+    if (layer == Layer::Over) return math.Over(f, q, u);
+    if (layer == Layer::In) return math.In(f, aAlpha);
+    if (layer == Layer::Out) return math.Out(f, aAlpha);
+    if (layer == Layer::Atop) return math.Atop(f, q, u, aAlpha);
+    if (layer == Layer::Xor) return math.Xor(f, q, u, aAlpha);
+    if (layer == Layer::Add) return math.Add(s, a);
+    if (layer == Layer::AddNoClip) return math.AddNoClip(s, a);
+    if (layer == Layer::Diff) return math.Difference(s, a);
+    if (layer == Layer::Mult) return math.Product(s, a);
+    return layer == Layer::Lighter ? std::max(s, a) : std::min(s, a);
 }
 
 } // namespace
@@ -110,38 +101,9 @@ int Arithmetic::Product(int a, int b) const
     return full == 255 ? (a * b + 127) / 255 : Quotient16(Times(a, b));
 }
 
-int Arithmetic::Blend(int f, int b, int m) const
+int Arithmetic::Sum(int a, int b, int c, int d) const
 {
-    if (full == 255) return Product(m, f) + Product(255 - m, b);
-    return Quotient16(Times(f, m) + Times(full - m, b));
-}
-
-int Arithmetic::Over(int f, int b, int fAlpha) const
-{
-    if (full == 255) return std::min(255, f + Product(255 - fAlpha, b));
-    return Quotient16(static_cast<std::uint64_t>(f) + Times(full - fAlpha, b));
-}
-
-int Arithmetic::Atop(int f, int b, int fAlpha, int bAlpha) const
-{
-    if (full == 255) return std::min(255, Product(255 - fAlpha, b) + Product(bAlpha, f));
-    return Quotient16(Times(full - fAlpha, b) + Times(bAlpha, f));
-}
-
-int Arithmetic::Xor(int f, int b, int fAlpha, int bAlpha) const
-{
-    return Atop(f, b, fAlpha, full - bAlpha);
-}
-
-int Arithmetic::AddNoClip(int a, int b) const
-{
-    if (full == 255) return std::min(255, Product(a, 255 - b) + b);
-    return Quotient16(Times(full - b, a) + static_cast<std::uint64_t>(b));
-}
-
-int Arithmetic::Difference(int a, int b) const
-{
-    return std::abs(a - b) & 0xFF;
+    return full == 255 ? std::min(255, Product(a, b) + Product(c, d)) : Quotient16(Times(a, b) + Times(c, d));
 }
 
 int Arithmetic::Strength(double strength) const
@@ -154,17 +116,27 @@ int Grey(const Pixel& pixel)
     return (29 * pixel[0] + 57 * pixel[1] + 11 * pixel[2]) / 97;
 }
 
+std::ostream& operator<<(std::ostream& text, const LayerSetup& setup)
+{
+    return text << "layer " << static_cast<int>(setup.layer) << " full " << setup.full << " strength "
+                << setup.strength << " alpha mode " << setup.alphaMode << " A pre " << setup.aPremultiplied
+                << " B pre " << setup.bPremultiplied << " never " << setup.neverPremultiplyBack
+                << " dominant " << (setup.dominantB ? 'B' : 'A') << " mode " << setup.mode;
+}
+
 Pixel LayerPixel(const LayerSetup& setup, const Pixel& a, const Pixel& b)
 {
     const Arithmetic math{setup.full};
     const int t = math.Strength(setup.strength);
     const int u = b[3] == setup.full ? t : math.Product(b[3], t);
     Pixel s;
-    for (std::size_t c = 0; c < 4; ++c) s[c] = math.Product(t, b[c]);
+    for (std::size_t c = 0; c < 4; ++c)
+        s[c] = math.Product(t, b[c]);
 
     Pixel out = TakesWholePixels(setup.layer) ? WholePixel(setup.layer, a, s, setup.full) : Pixel{};
     if (!TakesWholePixels(setup.layer)) {
-        const bool asItIs = setup.aPremultiplied || (setup.layer == Layer::Over && setup.neverPremultiplyBack);
+        const bool asItIs =
+            setup.aPremultiplied || (setup.layer == Layer::Over && setup.neverPremultiplyBack);
         for (std::size_t c = 0; c < 3; ++c) {
             const int f = math.Product(t, setup.bPremultiplied ? b[c] : math.Product(b[3], b[c]));
             const int q = asItIs ? a[c] : math.Product(a[3], a[c]);
@@ -187,35 +159,37 @@ bool IsLayerResultPremultiplied(const LayerSetup& setup)
     return setup.aPremultiplied || setup.bPremultiplied;
 }
 
-Pixel CompositePixel(int full, double amount, vfILAlphaMode alphaMode, const Pixel& a, const Pixel& b, int mask)
+Pixel CompositePixel(int full, double amount, vfILAlphaMode alphaMode, const Pixel& a, const Pixel& b,
+                     int mask)
 {
     const Arithmetic math{full};
     const int t = math.Strength(amount);
     const int k = mask == full ? t : math.Product(mask, t);
     Pixel out = a;
-    for (std::size_t c = 0; c < 3 && mask != 0; ++c) out[c] = math.Blend(b[c], a[c], k);
+    for (std::size_t c = 0; c < 3; ++c)
+        out[c] = math.Blend(b[c], a[c], k);
     out[3] = a[3] | b[3];
     if (alphaMode != VFIL_ALPHA_COMPUTED) out[3] = alphaMode == VFIL_ALPHA_FULL ? full : 0;
     return out;
 }
 
-Pixel SelectAndMix(int full, int channels, unsigned long mode, const Pixel& input, const Pixel& processed, int mask)
+Pixel SelectAndMix(int full, int channels, unsigned long mode, const Pixel& input, const Pixel& processed,
+                   int mask)
 {
-    if (mask == 0) return input;
     Pixel out = input;
-    for (int c = 0; c < channels; ++c) {
-        const auto i = static_cast<std::size_t>(c);
-        if (channels > 1 && !(mode & (1UL << c))) continue;
-        const bool whole = mask < 0 || mask == full;
-        out[i] = whole ? processed[i] : Arithmetic{full}.Blend(processed[i], input[i], mask);
-    }
+    for (std::size_t c = 0; c < static_cast<std::size_t>(channels); ++c)
+        if (channels == 1 || mode & (1UL << c))
+            out[c] = mask < 0 ? processed[c] : Arithmetic{full}.Blend(processed[c], input[c], mask);
     return out;
 }
 
-std::vector<Pixel> OverRow422(const LayerSetup& setup, const std::vector<Pixel>& a, const std::vector<Pixel>& b)
+std::vector<Pixel> OverRow422(const LayerSetup& setup, const std::vector<Pixel>& a,
+                              const std::vector<Pixel>& b)
 {
     const Arithmetic math{255};
-    const auto scaled = [&](int alpha, int v) { return v < 0 ? -math.Product(alpha, -v) : math.Product(alpha, v); };
+    const auto scaled = [&](int alpha, int v) {
+        return v < 0 ? -math.Product(alpha, -v) : math.Product(alpha, v);
+    };
     const int t = math.Strength(setup.strength);
     const bool backAsItIs = setup.aPremultiplied || setup.neverPremultiplyBack;
     const auto value = [&](int va, int vb, int aAlpha, int bAlpha) {

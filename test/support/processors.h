@@ -1,5 +1,6 @@
 /// \file
-/// Operators made for tests: with the fast arithmetic on or off, by layer, and two that have only a sample operation.
+/// Operators made for tests: with the fast arithmetic on or off, by layer, and two that have only a sample
+/// operation.
 #pragma once
 
 #include "support/layermodel.h"
@@ -25,7 +26,10 @@ public:
 
 protected:
     unsigned char Operation8(unsigned char v) override { return static_cast<unsigned char>(Rule(v, 255)); }
-    unsigned short Operation16(unsigned short v) override { return static_cast<unsigned short>(Rule(v, 65535)); }
+    unsigned short Operation16(unsigned short v) override
+    {
+        return static_cast<unsigned short>(Rule(v, 65535));
+    }
 };
 
 /// One sample for two, not symmetric.
@@ -44,25 +48,21 @@ protected:
     }
 };
 
+template <class LayerClass>
+std::unique_ptr<vfILCompImg> MakeLayerOf(bool simd)
+{
+    return std::make_unique<Switched<LayerClass>>(simd);
+}
+
 inline std::unique_ptr<vfILCompImg> MakeLayer(Layer layer, bool simd)
 {
-    switch (layer) {
-    case Layer::Over: return std::make_unique<Switched<vfILOverImage>>(simd);
-    case Layer::In: return std::make_unique<Switched<vfILInImage>>(simd);
-    case Layer::Out: return std::make_unique<Switched<vfILOutImage>>(simd);
-    case Layer::Atop: return std::make_unique<Switched<vfILAtopImage>>(simd);
-    case Layer::Xor: return std::make_unique<Switched<vfILXorImage>>(simd);
-    case Layer::Add: return std::make_unique<Switched<vfILAddImage>>(simd);
-    case Layer::AddNoClip: return std::make_unique<Switched<vfILAddNoClipImage>>(simd);
-    case Layer::Diff: return std::make_unique<Switched<vfILDiffImage>>(simd);
-    case Layer::Mult: return std::make_unique<Switched<vfILMultImage>>(simd);
-    case Layer::Lighter: return std::make_unique<Switched<vfILLighterImage>>(simd);
-    case Layer::Darker: return std::make_unique<Switched<vfILDarkerImage>>(simd);
-    case Layer::Lum: return std::make_unique<Switched<vfILLumImage>>(simd);
-    case Layer::Col: return std::make_unique<Switched<vfILColImage>>(simd);
-    case Layer::NonAdd: return std::make_unique<Switched<vfILNonAddImage>>(simd);
-    default: return std::make_unique<Switched<vfILInvNonAddImage>>(simd);
-    }
+    static constexpr std::unique_ptr<vfILCompImg> (*kMakers[kLayers])(bool) = {
+        MakeLayerOf<vfILOverImage>,      MakeLayerOf<vfILInImage>,     MakeLayerOf<vfILOutImage>,
+        MakeLayerOf<vfILAtopImage>,      MakeLayerOf<vfILXorImage>,    MakeLayerOf<vfILAddImage>,
+        MakeLayerOf<vfILAddNoClipImage>, MakeLayerOf<vfILDiffImage>,   MakeLayerOf<vfILMultImage>,
+        MakeLayerOf<vfILLighterImage>,   MakeLayerOf<vfILDarkerImage>, MakeLayerOf<vfILLumImage>,
+        MakeLayerOf<vfILColImage>,       MakeLayerOf<vfILNonAddImage>, MakeLayerOf<vfILInvNonAddImage>};
+    return kMakers[static_cast<int>(layer)](simd);
 }
 
 /// Sets what a model's setup holds. The pictures are connected: connecting resets the premultiplied flags.

@@ -36,7 +36,7 @@ TEST(Com, ARegisteredFactoryMakesPicturesUntilItIsRevoked)
     void* object = nullptr;
     ASSERT_EQ(Create(kClass, &object), S_OK);
     auto* image = static_cast<IPXImage*>(object);
-    EXPECT_EQ(image->SetFormat(PXFormat_Mono16), S_OK);
+    EXPECT_EQ(image->SetFormat(&PXFormat_Mono16), S_OK);
     EXPECT_EQ(image->SetDimensions(3, 2), S_OK);
     EXPECT_EQ(image->Release(), 0U);
     EXPECT_TRUE(FAILED(CoCreateInstance(kClass, nullptr, CLSCTX_INPROC_SERVER, kClass, &object)));
@@ -57,7 +57,8 @@ TEST(Com, ALaterRegistrationComesFirst)
 {
     GuardedImageFactory factories[2];
     unsigned long cookies[2];
-    for (int i = 0; i < 2; ++i) ASSERT_EQ(CoRegisterClassObject(kClass, &factories[i], &cookies[i]), S_OK);
+    for (int i = 0; i < 2; ++i)
+        ASSERT_EQ(CoRegisterClassObject(kClass, &factories[i], &cookies[i]), S_OK);
     EXPECT_NE(cookies[0], cookies[1]);
     const auto current = [] {
         void* object = nullptr;

@@ -1,65 +1,8 @@
 #include "support/framemodel.h"
 #include "support/processors.h"
+#include "support/shortmemory.h"
 
 #include <gtest/gtest.h>
-
-#include <atomic>
-#include <cstdlib>
-#include <new>
-
-namespace {
-
-/// Allocations of so many bytes and more fail.
-std::atomic<std::size_t> g_failFrom{SIZE_MAX};
-
-void* AllocateOrNull(std::size_t bytes) noexcept
-{
-    return bytes >= g_failFrom ? nullptr : std::malloc(bytes ? bytes : 1);
-}
-
-} // namespace
-
-// Every form that the library and its runtime use comes here, so that a sanitizer's own forms are not mixed in.
-void* operator new(std::size_t bytes)
-{
-    if (void* memory = AllocateOrNull(bytes)) return memory;
-    throw std::bad_alloc();
-}
-
-void* operator new[](std::size_t bytes)
-{
-    return operator new(bytes);
-}
-
-void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept
-{
-    return AllocateOrNull(bytes);
-}
-
-void* operator new[](std::size_t bytes, const std::nothrow_t&) noexcept
-{
-    return AllocateOrNull(bytes);
-}
-
-void operator delete(void* memory) noexcept
-{
-    std::free(memory);
-}
-
-void operator delete[](void* memory) noexcept
-{
-    std::free(memory);
-}
-
-void operator delete(void* memory, std::size_t) noexcept
-{
-    std::free(memory);
-}
-
-void operator delete[](void* memory, std::size_t) noexcept
-{
-    std::free(memory);
-}
 
 using namespace vfil::test;
 
@@ -70,10 +13,10 @@ void CheckOutOfMemory(vfILImgProc& processor, GuardedImage& output)
 {
     const Snapshot before(output);
     ASSERT_EQ(processor.Verify(), VFIL_SUCCESS);
-    g_failFrom = 4096;
-    const vfILStatus status = processor.Execute();
-    g_failFrom = SIZE_MAX;
-    EXPECT_EQ(status, VFIL_FAILURE);
+    {
+        const ShortMemory failing(4096);
+        EXPECT_EQ(processor.Execute(), VFIL_FAILURE);
+    }
     EXPECT_EQ(processor.GetLastError().GetErrorCode(), 0x10001U);
     EXPECT_EQ(Difference(before, output), "");
     EXPECT_EQ(processor.Execute(), VFIL_SUCCESS);
@@ -118,7 +61,7 @@ TEST(Failure, MissingPicturesAreNoticedWithoutVerify)
         for (const bool withoutPixels : {false, true}) {
             GuardedImage a(PXFormat_RGBA32, 4, 4), b(PXFormat_RGBA32, 4, 4), out(PXFormat_RGBA32, 4, 4);
             GuardedImage empty(PXFormat_Mono8, 4, 4);
-            empty.SetFormat(PXFormat_RGBA32); // keeps its size and loses its pixels
+            empty.SetFormat(&PXFormat_RGBA32); // keeps its size and loses its pixels
             out.Randomise(random);
             const Snapshot before(out);
             const auto pick = [&](int bit, GuardedImage& image) {
@@ -142,10 +85,46 @@ TEST(Failure, MissingPicturesAreNoticedWithoutVerify)
             for (int kind = 0; kind < 4; ++kind) {
                 if ((missing & (kind < 2 ? 3 : 7)) == 0) continue;
                 processors[kind]->SetROI({0, 0, 4, 4});
-                EXPECT_EQ(processors[kind]->Execute(), VFIL_FAILURE) << "kind " << kind << " missing " << missing;
+                EXPECT_EQ(processors[kind]->Execute(), VFIL_FAILURE)
+                    << "kind " << kind << " missing " << missing;
                 EXPECT_EQ(Difference(before, out), "") << "kind " << kind << " missing " << missing;
             }
         }
+}
+
+// Nor did anybody ask whether the format suits, or set what the operator needs.
+TEST(Failure, UnsuitableRunsLeaveTheOutputAlone)
+{
+    std::mt19937 random(3);
+    for (const GUID& format :
+         {PXFormat_Mono8, PXFormat_BGRA32, PXFormat_HLSA64, PXFormat_YCC422_601, PXFormat_RGBA32}) {
+        GuardedImage in(format, 5, 4), out(format, 5, 4);
+        in.Randomise(random);
+        out.Randomise(random);
+        const Snapshot before(out);
+        vfILAtopImage atop;
+        vfILOverImage over;
+        vfILCompositeImg withoutMask;
+        for (vfILDyadicPixelProc* p :
+             std::initializer_list<vfILDyadicPixelProc*>{&atop, &over, &withoutMask}) {
+            if (format == PXFormat_RGBA32 && p != &withoutMask) continue;
+            p->SetInputImgA(&in);
+            p->SetInputImgB(&in);
+            p->SetOutputImg(&out);
+            EXPECT_EQ(p->Execute(), VFIL_SUCCESS);
+            EXPECT_EQ(Difference(before, out), "") << FormatOf(format).name;
+        }
+        ProbeMonadic probe;
+        vfILGrayscaleImg grey;
+        vfILInvertImg invert;
+        for (vfILMonadicPixelProc* p : std::initializer_list<vfILMonadicPixelProc*>{&probe, &grey, &invert}) {
+            if (format == PXFormat_RGBA32 || (format == PXFormat_Mono8 && p != &grey)) continue;
+            p->SetInputImg(&in);
+            p->SetOutputImg(&out);
+            EXPECT_EQ(p->Execute(), VFIL_SUCCESS);
+            EXPECT_EQ(Difference(before, out), "") << FormatOf(format).name;
+        }
+    }
 }
 
 } // namespace

@@ -31,11 +31,12 @@ TEST(Fields, CopyTakesTheRowsOfTheField)
                     copy.SetProcessingMode(mode);
                     Snapshot expected(out);
                     for (long y = 0; y < height; ++y)
-                        for (long x = 0; x < width && IsRowTreated(mode, y); ++x) expected.At(x, y) = in.Get(x, y);
+                        for (long x = 0; x < width && IsRowTreated(mode, y); ++x)
+                            expected.At(x, y) = in.Get(x, y);
                     ASSERT_EQ(copy.Verify(), VFIL_SUCCESS) << format.name;
                     ASSERT_EQ(copy.Execute(), VFIL_SUCCESS);
-                    ASSERT_EQ(Difference(expected, out), "") << format.name << ' ' << width << 'x' << height
-                                                             << " mode " << std::hex << mode;
+                    ASSERT_EQ(Difference(expected, out), "")
+                        << format.name << ' ' << width << 'x' << height << " mode " << std::hex << mode;
                 }
 }
 
@@ -45,10 +46,14 @@ Pixel FillPixel(const FormatCase& format, const vfILColor& color, long x)
     unsigned char b[4] = {};
     unsigned short w[4] = {};
     const auto model = static_cast<PXColorModel>(format.model == 0 ? 1 : format.model);
-    if (format.channels == 1 && format.sampleBytes == 1) color.GetColorAs8(b, model);
-    else if (format.channels == 1) color.GetColorAs16(w, model);
-    else if (format.sampleBytes == 2) color.GetColorAs64(w, model);
-    else color.GetColorAs32(b, model);
+    if (format.channels == 1 && format.sampleBytes == 1)
+        color.GetColorAs8(b, model);
+    else if (format.channels == 1)
+        color.GetColorAs16(w, model);
+    else if (format.sampleBytes == 2)
+        color.GetColorAs64(w, model);
+    else
+        color.GetColorAs32(b, model);
     if (format.sampleBytes == 2) return {w[0], w[1], w[2], w[3]};
     if (format.IsSubsampled()) {
         const int chroma = x % 2 ? b[2] : b[1];
@@ -85,8 +90,8 @@ TEST(Fields, FillOutputImageFillsTheTargetOfEveryFormat)
                     expected.At(x, y) = FillPixel(format, color, x);
             ASSERT_EQ(proc.FillOutputImage(color), VFIL_SUCCESS);
             ASSERT_EQ(Difference(expected, out), "")
-                << format.name << ' ' << out.Width() << 'x' << out.Height() << " target " << width << 'x' << height
-                << '+' << left << '+' << bottom << " mode " << std::hex << mode;
+                << format.name << ' ' << out.Width() << 'x' << out.Height() << " target " << width << 'x'
+                << height << '+' << left << '+' << bottom << " mode " << std::hex << mode;
         }
 }
 
@@ -127,7 +132,8 @@ TEST(Fields, RowsOfSplitFieldsInMemory)
             const std::vector<std::uint8_t> bytes = out.Bytes();
             const std::size_t rowBytes = bytes.size() / c.rows.size();
             for (std::size_t i = 0; i < bytes.size(); ++i)
-                ASSERT_EQ(bytes[i] != 0, i / rowBytes == c.rows[y]) << FormatOf(c.format).name << " row " << y;
+                ASSERT_EQ(bytes[i] != 0, i / rowBytes == c.rows[y])
+                    << FormatOf(c.format).name << " row " << y;
         }
 }
 

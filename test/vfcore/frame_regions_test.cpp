@@ -3,249 +3,279 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <sstream>
 
 using namespace vfil::test;
 
 namespace {
 
-const std::array<const GUID*, 4> kPointFormats{&PXFormat_RGBA32, &PXFormat_RGBA64, &PXFormat_Mono8, &PXFormat_Mono16};
+enum Kind { kInvert, kCopy, kGrayscale, kProbeMonadic, kProbeDyadic, kMix, kFirstLayer };
 
-std::string Text(const vfILBbox2l& box)
+std::ostream& operator<<(std::ostream& text, const vfILBbox2l& box)
 {
-    std::ostringstream text;
-    text << box.GetSizeX() << 'x' << box.GetSizeY() << '+' << box.GetOffsetX() << '+' << box.GetOffsetY();
-    return text.str();
+    return text << box.GetSizeX() << 'x' << box.GetSizeY() << '+' << box.GetOffsetX() << '+'
+                << box.GetOffsetY();
 }
 
-/// A size that is mostly small, sometimes past a vector and past the length from which rows are copied otherwise.
-long RandomWidth(std::mt19937& random)
+/// Lays clear and solid stretches over a picture, past which a fast loop may jump.
+void LayRuns(GuardedImage& image, std::mt19937& random)
 {
-    return random() % 8 ? RandomIn(random, 0, 8) : RandomIn(random, 9, 100);
+    const int full = image.Format().Full();
+    for (long y = 0; y < image.Height(); ++y)
+        for (long x = 0, end = 0; x < image.Width(); x = end) {
+            end = std::min(image.Width(), x + RandomIn(random, 1, 50));
+            const auto kind = random() % 5;
+            for (long i = x; i < end; ++i) {
+                Pixel pixel = image.Get(i, y);
+                if (kind < 2) pixel[3] = kind == 0 ? 0 : full;
+                if (kind == 2 || kind == 3) pixel.fill(kind == 2 ? 0 : full);
+                image.Set(i, y, pixel);
+            }
+        }
 }
 
-/// One run of random regions: the pictures, the boxes and the mask.
-struct Scene {
+const GUID& RandomFormat(std::mt19937& random, int kind)
+{
+    static constexpr std::array<const GUID*, 4> kFormatIds{&PXFormat_RGBA32, &PXFormat_RGBA64,
+                                                           &PXFormat_Mono8, &PXFormat_Mono16};
+    const bool takesMono = kind != kGrayscale && kind <= kProbeDyadic;
+    return *kFormatIds[random() % (takesMono ? 4 : 2)];
+}
+
+/// One run of an operator on random pictures, regions and masks. A third of the runs take whole pictures.
+class Scene {
+public:
+    Scene(int operatorKind, unsigned seed);
+    void Check();
+
+private:
+    vfILBbox2l RandomSize(long least);
+    void PlaceRegions();
+    void PlaceMask();
+    void MaskByOwnAlpha();
+    void ChooseMaskChannel(std::size_t channel);
+    void MakeMonadic();
+    void MakeDyadic();
+    Pixel Processed(const Pixel& p, const Pixel& q, int mask) const;
+    std::string Text() const;
+
+    std::mt19937 random;
+    const int kind;
     const FormatCase& format;
-    GuardedImage a;
-    GuardedImage b;
-    GuardedImage separateOutput;
+    const bool whole;
+    const bool simd;
+    const vfILBbox2l size;
+    GuardedImage a, b, separateOutput;
+    GuardedImage* front = &b;
     GuardedImage* output = &separateOutput; ///< or an input
     std::unique_ptr<GuardedImage> ownMask;
     PXImageChannel maskChannel = PXImageChannel_MONO;
     FrameCase run;
-
-    Scene(std::mt19937& random, const GUID& id)
-        : format(FormatOf(id)), a(id, RandomWidth(random), RandomIn(random, 0, 7)),
-          b(id, RandomWidth(random), RandomIn(random, 0, 7)),
-          separateOutput(id, 1 + RandomWidth(random), RandomIn(random, 1, 8))
-    {
-        for (GuardedImage* image : {&a, &b, &separateOutput}) image->Randomise(random);
-        const int full = format.Full();
-        run.defaultPixel = format.channels == 1 ? Pixel{full, 0, 0, 0} : Pixel{full, 0, full / 5, full / 5 * 3};
-        run.mode = random() % 3 ? random() % 16 : static_cast<unsigned long>(VFIL_MODE_RGBA);
-        run.mode |= RandomFieldBits(random);
-    }
-
-    void OutputInto(GuardedImage& image)
-    {
-        if (image.Width() > 0 && image.Height() > 0) output = &image;
-    }
-
-    /// A region of interest that may hang over the input, and a place for it within the output.
-    void PlaceRegions(std::mt19937& random)
-    {
-        const long width = RandomIn(random, 1, output->Width());
-        const long height = RandomIn(random, 1, output->Height());
-        const bool atStart = random() % 4 == 0;
-        run.outputOffset = atStart ? vfILVector2l(0, 0)
-                                   : vfILVector2l(RandomIn(random, 0, output->Width() - width),
-                                                  RandomIn(random, 0, output->Height() - height));
-        const long x = random() % 3 ? RandomIn(random, -3, 5) : run.outputOffset[0];
-        const long y = random() % 3 ? RandomIn(random, -3, 5) : run.outputOffset[1];
-        run.roi = vfILBbox2l(x, y, width, height);
-        run.inputOffset = vfILVector2l(RandomIn(random, -4, 4), RandomIn(random, -4, 4));
-        if (random() % 3 == 0) run.inputOffset = vfILVector2l(0, 0);
-    }
-
-    /// None, a box, or a box with a mono or a four-channel picture of the output's depth.
-    void PlaceMask(std::mt19937& random, bool needed)
-    {
-        const auto kind = needed ? 2 : random() % 4;
-        if (kind == 0) return;
-        run.maskBox = vfILBbox2l(RandomIn(random, -2, 3), RandomIn(random, -2, 3), RandomIn(random, 1, 40),
-                                 RandomIn(random, 1, 9));
-        if (kind == 1) return;
-        const bool mono = random() % 2;
-        const GUID& id = format.sampleBytes == 1 ? (mono ? PXFormat_Mono8 : PXFormat_RGBA32)
-                                                 : (mono ? PXFormat_Mono16 : PXFormat_RGBA64);
-        ownMask = std::make_unique<GuardedImage>(id, run.maskBox.GetSizeX(), run.maskBox.GetSizeY());
-        ownMask->Randomise(random);
-        run.mask = ownMask.get();
-        if (!mono) ChooseMaskChannel(random() % 4);
-    }
-
-    void ChooseMaskChannel(std::size_t channel)
-    {
-        run.maskChannel = channel;
-        maskChannel = static_cast<PXImageChannel>(1 << channel);
-    }
-
-    /// Masks the output by its own alpha, which then is not processed.
-    void MaskByOwnAlpha()
-    {
-        const vfILVector2l place = run.dominantB ? run.inputOffset : vfILVector2l(0, 0);
-        run.roi.SetOffset(run.outputOffset + place);
-        run.maskBox = vfILBbox2l(place[0], place[1], output->Width(), output->Height());
-        run.mask = output;
-        run.mode &= ~static_cast<unsigned long>(VFIL_MODE_ALPHA);
-        ChooseMaskChannel(3);
-    }
-
-    void Connect(vfILImgProc& processor) const
-    {
-        processor.SetOutputImg(output);
-        processor.SetROI(run.roi);
-        processor.SetOutputOffset(run.outputOffset);
-        processor.SetDefaultColor(vfILColor(1.0, 0.0, 0.2, 0.6));
-        processor.SetMask(run.maskBox, const_cast<GuardedImage*>(run.mask), maskChannel);
-        processor.SetProcessingMode(run.mode);
-    }
-
-    /// Runs and compares all three pictures with what the model foretells.
-    void Check(vfILImgProc& processor, const PixelRule& rule, const GuardedImage& second)
-    {
-        std::ostringstream text;
-        text << format.name << " A " << a.Width() << 'x' << a.Height() << " B " << b.Width() << 'x' << b.Height()
-             << " at " << run.inputOffset[0] << ',' << run.inputOffset[1] << " output " << output->Width() << 'x'
-             << output->Height() << (output == &a ? " is A" : output == &b ? " is B" : "") << " roi " << Text(run.roi)
-             << " to " << run.outputOffset[0] << ',' << run.outputOffset[1] << " mask " << Text(run.maskBox)
-             << (run.mask ? " picture" : "") << " channel " << run.maskChannel << " mode " << std::hex << run.mode
-             << " dominant " << (run.dominantB ? 'B' : 'A');
-        SCOPED_TRACE(text.str());
-        ASSERT_EQ(processor.Verify(), VFIL_SUCCESS) << std::hex << processor.GetLastError().GetErrorCode();
-        const Snapshot expected = ModelRun(run, a, second, *output, rule);
-        const std::vector<std::uint8_t> beforeA = a.Bytes();
-        const std::vector<std::uint8_t> beforeB = b.Bytes();
-        ASSERT_EQ(processor.Execute(), VFIL_SUCCESS);
-        ASSERT_EQ(Difference(expected, *output), "");
-        ASSERT_TRUE(output == &a || a.Bytes() == beforeA) << "A was written";
-        ASSERT_TRUE(output == &b || b.Bytes() == beforeB) << "B was written";
-        ASSERT_TRUE(output != &separateOutput || a.readRegionCalls + b.readRegionCalls == 0) << "needless copies";
-    }
+    LayerSetup setup;
+    std::unique_ptr<vfILImgProc> processor;
 };
 
-enum class Monadic { Probe, Invert, Grayscale, Copy };
-
-std::unique_ptr<vfILMonadicPixelProc> MakeMonadic(Monadic kind, bool simd)
+Scene::Scene(int operatorKind, unsigned seed)
+    : random(seed), kind(operatorKind), format(FormatOf(RandomFormat(random, kind))),
+      whole(random() % 3 == 0), simd(random() % 2), size(0, 0, RandomIn(random, 1, 140), 2), a(format.id),
+      b(format.id), separateOutput(format.id)
 {
-    switch (kind) {
-    case Monadic::Probe: return std::make_unique<Switched<ProbeMonadic>>(simd);
-    case Monadic::Invert: return std::make_unique<Switched<vfILInvertImg>>(simd);
-    case Monadic::Grayscale: return std::make_unique<Switched<vfILGrayscaleImg>>(simd);
-    default: return std::make_unique<Switched<vfILCopyImg>>(simd);
+    for (GuardedImage* image : {&a, &b, &separateOutput}) {
+        const vfILBbox2l box = RandomSize(image == &separateOutput ? 1 : 0);
+        image->SetDimensions(box.GetSizeX(), box.GetSizeY());
+        image->Randomise(random);
+        if (random() % 3) LayRuns(*image, random);
     }
+    const bool monadic = kind <= kProbeMonadic;
+    if (monadic || random() % 8 == 0) front = &a;
+    GuardedImage& input = random() % 2 ? a : *front;
+    if (random() % 3 == 0 && input.Width() > 0 && input.Height() > 0) output = &input;
+    run.dominantB = kind != kMix && front != &a && random() % 2;
+    setup = RandomSetup(random, static_cast<Layer>(kind - kFirstLayer), format.Full());
+    setup.dominantB = run.dominantB;
+    if (kind == kMix) setup.mode = VFIL_MODE_RGBA;
+    if (kind == kGrayscale) setup.mode |= VFIL_MODE_RGB;
+    setup.mode |= RandomFieldBits(random);
+    run.mode = setup.mode;
+    const int full = format.Full();
+    run.defaultPixel = format.channels == 1 ? Pixel{full, 0, 0, 0} : Pixel{full, 0, full / 5, full / 5 * 3};
+    PlaceRegions();
+    const bool samplesMask = kind < kFirstLayer && kind != kMix && kind != kCopy;
+    const bool intoDominant = output == (run.dominantB ? front : &a);
+    if (samplesMask && intoDominant && format.channels == 4 && random() % 3 == 0)
+        MaskByOwnAlpha();
+    else
+        PlaceMask();
+    monadic ? MakeMonadic() : MakeDyadic();
+    processor->SetOutputImg(output);
+    processor->SetROI(run.roi);
+    processor->SetOutputOffset(run.outputOffset);
+    processor->SetDefaultColor(vfILColor(1.0, 0.0, 0.2, 0.6));
+    processor->SetMask(run.maskBox, const_cast<GuardedImage*>(run.mask), maskChannel);
+    processor->SetProcessingMode(run.mode);
 }
 
-Pixel MonadicPixel(Monadic kind, const Scene& scene, const Pixel& in, int mask)
+/// Mostly small, sometimes past a vector and past the length from which rows are copied another way.
+vfILBbox2l Scene::RandomSize(long least)
 {
-    const int full = scene.format.Full();
-    Pixel processed = in;
-    if (kind == Monadic::Copy) return in;
-    if (kind == Monadic::Grayscale) {
-        const int grey = Grey(in);
-        return SelectAndMix(full, 4, VFIL_MODE_RGB, in, {grey, grey, grey, in[3]}, mask);
-    }
-    for (int& v : processed) v = kind == Monadic::Invert ? full - v : ProbeMonadic::Rule(v, full);
-    return SelectAndMix(full, scene.format.channels, scene.run.mode, in, processed, mask);
+    if (whole) return size;
+    return {0, 0, random() % 8 ? RandomIn(random, least, 8) : RandomIn(random, 9, 100),
+            RandomIn(random, least, 7)};
 }
 
-class MonadicRegions : public testing::TestWithParam<int> {};
-
-TEST_P(MonadicRegions, FollowTheBoxes)
+/// A region of interest that may hang over the input, and a place for it within the output.
+void Scene::PlaceRegions()
 {
-    const auto kind = static_cast<Monadic>(GetParam());
-    std::mt19937 random(static_cast<unsigned>(100 + GetParam()));
-    for (int round = 0; round < 1500; ++round) {
-        Scene scene(random, *kPointFormats[random() % (kind == Monadic::Grayscale ? 2 : 4)]);
-        if (random() % 3 == 0) scene.OutputInto(scene.a);
-        scene.PlaceRegions(random);
-        if (kind == Monadic::Grayscale) scene.run.mode |= VFIL_MODE_RGB;
-        const bool ownAlpha = scene.output == &scene.a && scene.format.channels == 4 && random() % 4 == 0;
-        scene.run.inputOffset = vfILVector2l(0, 0);
-        if (ownAlpha) scene.MaskByOwnAlpha();
-        else scene.PlaceMask(random, false);
-        const auto processor = MakeMonadic(kind, round % 2);
-        processor->SetInputImg(&scene.a);
-        scene.Connect(*processor);
-        scene.Check(*processor, [&](const Pixel& in, const Pixel&, int mask) {
-            return MonadicPixel(kind, scene, in, mask);
-        }, scene.a);
+    run.roi = vfILBbox2l(0, 0, output->Width(), output->Height());
+    if (whole) return;
+    run.roi.SetSize(RandomIn(random, 1, output->Width()), RandomIn(random, 1, output->Height()));
+    const auto place = [this](long space) { return random() % 4 ? RandomIn(random, 0, space) : 0; };
+    run.outputOffset = vfILVector2l(place(output->Width() - run.roi.GetSizeX()),
+                                    place(output->Height() - run.roi.GetSizeY()));
+    run.roi.SetOffset(random() % 3 ? RandomIn(random, -3, 5) : run.outputOffset[0],
+                      random() % 3 ? RandomIn(random, -3, 5) : run.outputOffset[1]);
+    if (kind > kProbeMonadic && random() % 3)
+        run.inputOffset = vfILVector2l(RandomIn(random, -4, 4), RandomIn(random, -4, 4));
+}
+
+/// None, a box, or a box with a mono or a four-channel picture of the output's depth.
+void Scene::PlaceMask()
+{
+    const auto choice = kind == kMix ? 3 : random() % 4;
+    if (choice == 0) return;
+    if (!whole || choice == 1)
+        run.maskBox = vfILBbox2l(RandomIn(random, -2, 3), RandomIn(random, -2, 3), RandomIn(random, 1, 40),
+                                 RandomIn(random, 1, 9));
+    else
+        run.maskBox = size;
+    if (choice == 1) return;
+    const bool mono = random() % 2;
+    const GUID& id = format.sampleBytes == 1 ? (mono ? PXFormat_Mono8 : PXFormat_RGBA32)
+                                             : (mono ? PXFormat_Mono16 : PXFormat_RGBA64);
+    ownMask = std::make_unique<GuardedImage>(id, run.maskBox.GetSizeX(), run.maskBox.GetSizeY());
+    ownMask->Randomise(random);
+    run.mask = ownMask.get();
+    if (!mono) ChooseMaskChannel(random() % 4);
+}
+
+void Scene::ChooseMaskChannel(std::size_t channel)
+{
+    run.maskChannel = channel;
+    maskChannel = static_cast<PXImageChannel>(1 << channel);
+}
+
+/// Masks the output by its own alpha, which then is not processed.
+void Scene::MaskByOwnAlpha()
+{
+    const vfILVector2l place = run.dominantB ? run.inputOffset : vfILVector2l(0, 0);
+    run.roi.SetOffset(run.outputOffset + place);
+    run.maskBox = vfILBbox2l(place[0], place[1], output->Width(), output->Height());
+    run.mask = output;
+    run.mode &= ~static_cast<unsigned long>(VFIL_MODE_ALPHA);
+    ChooseMaskChannel(3);
+}
+
+void Scene::MakeMonadic()
+{
+    std::unique_ptr<vfILMonadicPixelProc> monadic;
+    if (kind == kInvert) monadic = std::make_unique<Switched<vfILInvertImg>>(simd);
+    if (kind == kCopy) monadic = std::make_unique<Switched<vfILCopyImg>>(simd);
+    if (kind == kGrayscale) monadic = std::make_unique<Switched<vfILGrayscaleImg>>(simd);
+    if (kind == kProbeMonadic) monadic = std::make_unique<Switched<ProbeMonadic>>(simd);
+    monadic->SetInputImg(&a);
+    processor = std::move(monadic);
+}
+
+void Scene::MakeDyadic()
+{
+    std::unique_ptr<vfILDyadicPixelProc> dyadic;
+    if (kind == kProbeDyadic) dyadic = std::make_unique<Switched<ProbeDyadic>>(simd);
+    if (kind == kMix) {
+        auto mix = std::make_unique<Switched<vfILCompositeImg>>(simd);
+        mix->SetAlpha(setup.strength);
+        mix->SetAlphaMode(setup.alphaMode);
+        dyadic = std::move(mix);
+    }
+    if (kind >= kFirstLayer) {
+        auto layer = MakeLayer(setup.layer, simd);
+        layer->SetInputImgA(&a);
+        layer->SetInputImgB(front);
+        Configure(*layer, setup);
+        dyadic = std::move(layer);
+    }
+    dyadic->SetInputImgA(&a);
+    dyadic->SetInputImgB(front);
+    dyadic->SetDominantInput(run.dominantB ? front : &a);
+    dyadic->SetInputOffset(run.inputOffset);
+    processor = std::move(dyadic);
+}
+
+Pixel Scene::Processed(const Pixel& p, const Pixel& q, int mask) const
+{
+    const int full = format.Full();
+    if (kind >= kFirstLayer) return LayerPixel(setup, p, q);
+    if (kind == kMix) return CompositePixel(full, setup.strength, setup.alphaMode, p, q, mask);
+    if (kind == kCopy) return p;
+    const int grey = Grey(p);
+    if (kind == kGrayscale) return SelectAndMix(full, 4, VFIL_MODE_RGB, p, {grey, grey, grey, p[3]}, mask);
+    Pixel processed{};
+    for (std::size_t c = 0; c < 4; ++c) {
+        if (kind == kInvert) processed[c] = full - p[c];
+        if (kind == kProbeMonadic) processed[c] = ProbeMonadic::Rule(p[c], full);
+        if (kind == kProbeDyadic) processed[c] = ProbeDyadic::Rule(p[c], q[c], full);
+    }
+    return SelectAndMix(full, format.channels, run.mode, p, processed, mask);
+}
+
+std::string Scene::Text() const
+{
+    std::ostringstream text;
+    text << format.name << " A " << a.Width() << 'x' << a.Height() << " B " << front->Width() << 'x'
+         << front->Height() << " at " << run.inputOffset[0] << ',' << run.inputOffset[1] << " output "
+         << output->Width() << 'x' << output->Height()
+         << (output == &a   ? " is A"
+             : output == &b ? " is B"
+                            : "")
+         << " roi " << run.roi << " to " << run.outputOffset[0] << ',' << run.outputOffset[1] << " mask "
+         << run.maskBox << (run.mask ? " picture" : "") << " channel " << run.maskChannel << " simd " << simd
+         << '\n'
+         << setup;
+    return text.str();
+}
+
+/// Runs and compares all three pictures with what the model foretells.
+void Scene::Check()
+{
+    SCOPED_TRACE(Text());
+    ASSERT_EQ(processor->Verify(), VFIL_SUCCESS) << std::hex << processor->GetLastError().GetErrorCode();
+    const Snapshot expected =
+        ModelRun(run, a, *front, *output,
+                 [this](const Pixel& p, const Pixel& q, int mask) { return Processed(p, q, mask); });
+    const std::vector<std::uint8_t> beforeA = a.Bytes();
+    const std::vector<std::uint8_t> beforeB = b.Bytes();
+    ASSERT_EQ(processor->Execute(), VFIL_SUCCESS);
+    ASSERT_EQ(Difference(expected, *output), "");
+    ASSERT_TRUE(output == &a || a.Bytes() == beforeA) << "A was written";
+    ASSERT_TRUE(output == &b || b.Bytes() == beforeB) << "B was written";
+    ASSERT_TRUE(output != &separateOutput || a.readRegionCalls + b.readRegionCalls == 0) << "needless copies";
+    if (!whole || !ownMask) return; // without a treated pixel no state is reported
+    long state = 0;
+    output->GetImageState(PXImageState_PREMULTIPLIED, &state);
+    ASSERT_EQ(state, kind >= kFirstLayer && IsLayerResultPremultiplied(setup));
+}
+
+class EveryOperator : public testing::TestWithParam<int> {};
+
+TEST_P(EveryOperator, FollowsTheBoxesAndTheModel)
+{
+    for (unsigned round = 0; round < 1000; ++round) {
+        Scene(GetParam(), 1000 * static_cast<unsigned>(GetParam()) + round).Check();
         if (HasFatalFailure()) return;
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Frame, MonadicRegions, testing::Range(0, 4));
-
-enum class Dyadic { Probe, Layer, Mix };
-
-class DyadicRegions : public testing::TestWithParam<int> {};
-
-TEST_P(DyadicRegions, FollowTheBoxes)
-{
-    const auto kind = static_cast<Dyadic>(GetParam());
-    std::mt19937 random(static_cast<unsigned>(200 + GetParam()));
-    for (int round = 0; round < 2000; ++round) {
-        Scene scene(random, *kPointFormats[random() % (kind == Dyadic::Probe ? 4 : 2)]);
-        FrameCase& run = scene.run;
-        GuardedImage* back = &scene.a;
-        GuardedImage* front = &scene.b;
-        if (random() % 8 == 0) front = back;
-        run.dominantB = kind != Dyadic::Mix && front != back && random() % 2;
-        if (random() % 2) scene.OutputInto(random() % 2 ? scene.a : scene.b);
-        scene.PlaceRegions(random);
-        const GuardedImage* dominant = run.dominantB ? front : back;
-        const bool ownAlpha = kind == Dyadic::Probe && scene.output == dominant && scene.format.channels == 4;
-        if (ownAlpha && random() % 3 == 0) scene.MaskByOwnAlpha();
-        else scene.PlaceMask(random, kind == Dyadic::Mix);
-
-        const auto layer = static_cast<Layer>(random() % kLayers);
-        LayerSetup setup = RandomSetup(random, layer, scene.format.Full());
-        setup.dominantB = run.dominantB;
-        setup.mode = run.mode;
-        std::unique_ptr<vfILDyadicPixelProc> processor = std::make_unique<Switched<ProbeDyadic>>(round % 2);
-        const auto connect = [&](auto& proc) {
-            proc.SetInputImgA(back);
-            proc.SetInputImgB(front);
-        };
-        connect(*processor);
-        if (kind == Dyadic::Mix) {
-            processor = std::make_unique<Switched<vfILCompositeImg>>(round % 2);
-            connect(*processor);
-            run.mode |= VFIL_MODE_RGBA;
-        }
-        if (kind == Dyadic::Layer) {
-            auto comp = MakeLayer(layer, round % 2);
-            connect(*comp);
-            Configure(*comp, setup);
-            processor = std::move(comp);
-        }
-        processor->SetDominantInput(run.dominantB ? front : back);
-        processor->SetInputOffset(run.inputOffset);
-        scene.Connect(*processor);
-        const int full = scene.format.Full();
-        scene.Check(*processor, [&](const Pixel& a, const Pixel& b, int mask) {
-            if (kind == Dyadic::Layer) return LayerPixel(setup, a, b);
-            if (kind == Dyadic::Mix) return CompositePixel(full, 1.0, VFIL_ALPHA_COMPUTED, a, b, mask);
-            Pixel processed;
-            for (std::size_t c = 0; c < 4; ++c) processed[c] = ProbeDyadic::Rule(a[c], b[c], full);
-            return SelectAndMix(full, scene.format.channels, run.mode, a, processed, mask);
-        }, *front);
-        if (HasFatalFailure()) return;
-    }
-}
-
-INSTANTIATE_TEST_SUITE_P(Frame, DyadicRegions, testing::Range(0, 3));
+INSTANTIATE_TEST_SUITE_P(Frame, EveryOperator, testing::Range(0, kFirstLayer + kLayers));
 
 // A mask box far to the right reaches beyond 32 bits; it still is everything from its offset on.
 TEST(Frame, MaskBoxAtTheEndOfTheNumbers)

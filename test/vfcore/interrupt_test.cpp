@@ -103,8 +103,10 @@ long RowsUntilStopped(vfILImgProc& p, GuardedImage& out)
     EXPECT_EQ(p.Execute(), VFIL_SUCCESS);
     EXPECT_TRUE(p.GetLastError().IsNoError());
     long rows = 0;
-    while (rows < kRows && out.Get(0, rows) != before.At(0, rows)) ++rows;
-    for (long y = rows; y < kRows; ++y) EXPECT_EQ(out.Get(0, y), before.At(0, y)) << "row " << y;
+    while (rows < kRows && out.Get(0, rows) != before.At(0, rows))
+        ++rows;
+    for (long y = rows; y < kRows; ++y)
+        EXPECT_EQ(out.Get(0, y), before.At(0, y)) << "row " << y;
     return rows;
 }
 
@@ -115,7 +117,8 @@ TEST(Interrupt, MonadicLoopsStopAfterTheRow)
         for (const bool simd : {false, true})
             for (const bool masked : {false, true}) {
                 std::unique_ptr<vfILMonadicPixelProc> processors[] = {
-                    std::make_unique<Switched<ProbeMonadic>>(simd), std::make_unique<Switched<vfILInvertImg>>(simd),
+                    std::make_unique<Switched<ProbeMonadic>>(simd),
+                    std::make_unique<Switched<vfILInvertImg>>(simd),
                     std::make_unique<Switched<vfILGrayscaleImg>>(simd)};
                 for (int kind = 0; kind < 3; ++kind) {
                     vfILMonadicPixelProc& p = *processors[kind];
@@ -151,16 +154,20 @@ TEST(Interrupt, DyadicLoopsStopAfterTheRowAndReportTheirState)
                     b.Set(0, y, {9, 9, 9, 9});
                 }
                 std::unique_ptr<vfILDyadicPixelProc> p;
-                if (kind >= 0) p = MakeLayer(static_cast<Layer>(kind), simd);
-                else if (kind == -1) p = std::make_unique<Switched<ProbeDyadic>>(simd);
-                else p = std::make_unique<Switched<vfILCompositeImg>>(simd);
+                if (kind >= 0)
+                    p = MakeLayer(static_cast<Layer>(kind), simd);
+                else if (kind == -1)
+                    p = std::make_unique<Switched<ProbeDyadic>>(simd);
+                else
+                    p = std::make_unique<Switched<vfILCompositeImg>>(simd);
                 p->SetInputImgA(&a);
                 p->SetInputImgB(&b);
                 p->SetOutputImg(&out);
                 p->SetDominantInput(&a);
                 if (kind == -2) p->SetMask({0, 0, 9, kRows}, &b, PXImageChannel_GREEN);
                 ASSERT_EQ(p->Verify(), VFIL_SUCCESS);
-                EXPECT_EQ(RowsUntilStopped(*p, out), plainOver ? kRows : 2) << "kind " << kind << " simd " << simd;
+                EXPECT_EQ(RowsUntilStopped(*p, out), plainOver ? kRows : 2)
+                    << "kind " << kind << " simd " << simd;
                 long state = 0;
                 out.GetImageState(PXImageState_PREMULTIPLIED, &state);
                 EXPECT_EQ(state, kind >= 0 && kind <= 2) << "kind " << kind;

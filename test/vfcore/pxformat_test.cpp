@@ -13,11 +13,12 @@ namespace {
 GUID Parse(const char* text)
 {
     unsigned d1 = 0, d2 = 0, d3 = 0, b[8] = {};
-    EXPECT_EQ(std::sscanf(text, "%8x-%4x-%4x-%2x%2x-%2x%2x%2x%2x%2x%2x", &d1, &d2, &d3, b, b + 1, b + 2, b + 3,
-                          b + 4, b + 5, b + 6, b + 7),
+    EXPECT_EQ(std::sscanf(text, "%8x-%4x-%4x-%2x%2x-%2x%2x%2x%2x%2x%2x", &d1, &d2, &d3, b, b + 1, b + 2,
+                          b + 3, b + 4, b + 5, b + 6, b + 7),
               11);
     GUID id{d1, static_cast<std::uint16_t>(d2), static_cast<std::uint16_t>(d3), {}};
-    for (int i = 0; i < 8; ++i) id.Data4[i] = static_cast<std::uint8_t>(b[i]);
+    for (int i = 0; i < 8; ++i)
+        id.Data4[i] = static_cast<std::uint8_t>(b[i]);
     return id;
 }
 
@@ -26,13 +27,33 @@ std::string Flags(const GUID& id)
 {
     using Predicate = int (*)(const GUID&);
     static constexpr std::pair<char, Predicate> kPredicates[] = {
-        {'A', IsFormatWithAlpha}, {'T', IsFormatTopDown},      {'6', IsFormat601},
-        {'7', IsFormat709},       {'Y', IsFormatYCC},          {'P', IsFormatYCCA},
+        {'A', IsFormatWithAlpha},    {'T', IsFormatTopDown},    {'6', IsFormat601},
+        {'7', IsFormat709},          {'Y', IsFormatYCC},        {'P', IsFormatYCCA},
         {'C', IsFormatAlternateYUV}, {'S', IsFormatSplitField}, {'E', IsFormatSplitFieldEven},
     };
     std::string flags;
     for (const auto& [flag, predicate] : kPredicates)
         if (predicate(id)) flags += flag;
+    return flags;
+}
+
+/// The record's answers in the same notation.
+std::string Flags(const vfILFormatInfo& info)
+{
+    const std::pair<char, bool> answers[] = {
+        {'A', info.alpha},
+        {'T', info.topDown},
+        {'6', info.model == PXColorModel_YCC},
+        {'7', info.model == PXColorModel_YCC709},
+        {'Y', info.ycc},
+        {'P', info.alphaPlane},
+        {'C', info.chromaFirst},
+        {'S', info.splitField},
+        {'E', info.evenFieldFirst},
+    };
+    std::string flags;
+    for (const auto& [flag, answer] : answers)
+        if (answer) flags += flag;
     return flags;
 }
 
@@ -47,6 +68,8 @@ TEST(PxFormat, EveryFormatIsWhatItsNameSays)
         const vfILFormatInfo* info = vfILFindFormat(format.id);
         ASSERT_NE(info, nullptr);
         EXPECT_STREQ(info->name, format.name);
+        EXPECT_EQ(info->model, format.model);
+        EXPECT_EQ(Flags(*info), format.flags);
         EXPECT_EQ(info->channels, format.channels);
         EXPECT_EQ(info->sampleBytes, format.sampleBytes);
         EXPECT_EQ(info->pixelBytes, format.pixelBytes);

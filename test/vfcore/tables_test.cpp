@@ -31,13 +31,4 @@ TEST(Tables, HoldTheRoundedRealNumbers)
     }
 }
 
-TEST(Tables, RoundTiesUpAndStopAtTheEnd)
-{
-    EXPECT_EQ(ilNormDiv[1][2], 128);
-    EXPECT_EQ(ilNormDiv[3][2], 255);
-    EXPECT_EQ(ilNormDiv[5][0], 0);
-    EXPECT_EQ(ilHueTable[1][1], 43);
-    EXPECT_EQ(ilHueTable[7][1], 255);
-}
-
 } // namespace

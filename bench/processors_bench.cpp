@@ -1,0 +1,112 @@
+/// \file
+/// Our processors, over whole pictures.
+#include "frames.h"
+
+#include <vfil/composite.h>
+#include <vfil/pixel.h>
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace bench {
+
+namespace {
+
+/// Where a layer operator works.
+struct Layers {
+    PicturePtr Frame::*back;
+    PicturePtr Frame::*front;
+    PicturePtr Frame::*out;
+};
+constexpr Layers kApart = {&Frame::back, &Frame::front, &Frame::out};
+constexpr Layers kOverBack = {&Frame::back, &Frame::front, &Frame::back};
+constexpr Layers kApart16 = {&Frame::back16, &Frame::front16, &Frame::out16};
+
+void Run(vfILImgProc& processor)
+{
+    if (processor.Verify() == VFIL_SUCCESS && processor.Execute() == VFIL_SUCCESS) return;
+    std::fprintf(stderr, "a processor refused with %#lx\n", processor.GetLastError().GetErrorCode());
+    std::abort();
+}
+
+template <class Processor>
+void RunLayer(const Frame& frame, Layers layers, bool frontPremultiplied, bool backPremultiplied)
+{
+    Processor processor;
+    processor.SetInputImgA((frame.*layers.back).Get());
+    processor.SetInputImgB((frame.*layers.front).Get());
+    processor.SetOutputImg((frame.*layers.out).Get());
+    processor.SetDominantInput((frame.*layers.back).Get());
+    processor.SetImgAPremultiplied(backPremultiplied);
+    processor.SetImgBPremultiplied(frontPremultiplied);
+    processor.SetProcessingMode(15);
+    Run(processor);
+}
+
+template <class Processor>
+void AddLayer(const std::string& operation, Layers layers = kApart, bool frontPremultiplied = true,
+              bool backPremultiplied = true)
+{
+    Add(operation, kOurs, [=](const Frame& frame) {
+        RunLayer<Processor>(frame, layers, frontPremultiplied, backPremultiplied);
+    });
+}
+
+template <class Processor>
+void AddLayerBothPlaces(const std::string& operation)
+{
+    AddLayer<Processor>(operation);
+    AddLayer<Processor>(operation + kInPlace, kOverBack);
+}
+
+void AddMix(const std::string& operation, Layers layers)
+{
+    Add(operation, kOurs, [=](const Frame& frame) {
+        vfILCompositeImg processor;
+        processor.SetInputImgA((frame.*layers.back).Get());
+        processor.SetInputImgB((frame.*layers.front).Get());
+        processor.SetOutputImg((frame.*layers.out).Get());
+        processor.SetMask(0, 0, kWidth, kHeight, frame.mask.Get(), PXImageChannel_MONO);
+        Run(processor);
+    });
+}
+
+template <class Processor>
+void AddOneInput(const std::string& operation)
+{
+    Add(operation, kOurs, [](const Frame& frame) {
+        Processor processor;
+        processor.SetInputImg(frame.back.Get());
+        processor.SetOutputImg(frame.out.Get());
+        processor.SetProcessingMode(15);
+        Run(processor);
+    });
+}
+
+} // namespace
+
+void AddProcessors()
+{
+    AddOneInput<vfILInvertImg>("invert");
+    AddOneInput<vfILCopyImg>("copy");
+    AddLayerBothPlaces<vfILOverImage>("over");
+    AddLayer<vfILOverImage>("over, front straight", kApart, false, true);
+    AddLayer<vfILOverImage>("over, back straight", kApart, true, false);
+    AddLayer<vfILOverImage>("over, both straight", kApart, false, false);
+    AddLayerBothPlaces<vfILInImage>("in");
+    AddLayerBothPlaces<vfILOutImage>("out");
+    AddLayerBothPlaces<vfILAtopImage>("atop");
+    AddLayerBothPlaces<vfILXorImage>("xor");
+    AddLayerBothPlaces<vfILAddImage>("add");
+    AddLayerBothPlaces<vfILAddNoClipImage>("add-no-clip");
+    AddLayer<vfILDiffImage>("diff");
+    AddLayer<vfILMultImage>("mult");
+    AddLayer<vfILLighterImage>("lighter");
+    AddLayer<vfILDarkerImage>("darker");
+    AddMix("masked mix", kApart);
+    AddMix(std::string("masked mix") + kInPlace, kOverBack);
+    AddLayer<vfILOverImage>("over, 16 bits", kApart16);
+    AddLayer<vfILOverImage>("over, both straight, 16 bits", kApart16, false, false);
+}
+
+} // namespace bench

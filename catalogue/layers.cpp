@@ -1,0 +1,289 @@
+/// \file
+/// The layer family: two pictures, a front and a back.
+#include <catalogue/families.h>
+#include <catalogue/names.h>
+
+#include <vfil/composite.h>
+
+#include <cstdint>
+#include <limits>
+#include <utility>
+
+namespace vfil::catalogue {
+
+namespace {
+
+constexpr double kLowest = std::numeric_limits<std::int32_t>::min();
+constexpr double kHighest = std::numeric_limits<std::int32_t>::max();
+
+constexpr double kDominantA = 0;
+constexpr double kDominantB = 1;
+
+template <class P>
+P& As(vfILImgProc& processor)
+{
+    return static_cast<P&>(processor);
+}
+
+template <class P>
+const P& As(const vfILImgProc& processor)
+{
+    return static_cast<const P&>(processor);
+}
+
+vfILAlphaMode AlphaModeOf(const Value& value)
+{
+    return static_cast<vfILAlphaMode>(static_cast<int>(value.x));
+}
+
+std::vector<Choice> AlphaModes()
+{
+    return {{"zero", VFIL_ALPHA_ZERO, "clear"},
+            {"full", VFIL_ALPHA_FULL, "opaque"},
+            {"computed", VFIL_ALPHA_COMPUTED, "by the operator's rule"}};
+}
+
+// P is the class that declares the accessors: the layer frame and the masked mix each have their own.
+template <class P>
+Parameter AlphaMode()
+{
+    return {.name = ParameterName("SetAlphaMode"),
+            .type = ParameterType::Choice,
+            .unit = "",
+            .minimum = VFIL_ALPHA_ZERO,
+            .maximum = VFIL_ALPHA_COMPUTED,
+            .fallback = Value{VFIL_ALPHA_COMPUTED},
+            .summary = "what becomes of the output's alpha",
+            .choices = AlphaModes(),
+            .refusal = 0x1005A,
+            .apply = [](vfILImgProc& p, const Value& v) { As<P>(p).SetAlphaMode(AlphaModeOf(v)); },
+            .read = [](const vfILImgProc& p) { return Value{static_cast<double>(As<P>(p).GetAlphaMode())}; }};
+}
+
+Parameter InputOffset()
+{
+    return {
+        .name = ParameterName("SetInputOffset"),
+        .type = ParameterType::Point,
+        .unit = "pixels",
+        .minimum = kLowest,
+        .maximum = kHighest,
+        .fallback = Value{},
+        .summary =
+            "position of the front relative to the back; x to the right, y up, between bottom-left pixels",
+        .choices = {},
+        .refusal = 0,
+        .apply =
+            [](vfILImgProc& p, const Value& v) {
+                As<vfILDyadicImgProc>(p).SetInputOffset({static_cast<long>(v.x), static_cast<long>(v.y)});
+            },
+        .read =
+            [](const vfILImgProc& p) {
+                const vfILVector2l& offset = As<vfILDyadicImgProc>(p).GetInputOffset();
+                return Value{static_cast<double>(offset[0]), static_cast<double>(offset[1])};
+            }};
+}
+
+Parameter DominantInput()
+{
+    return {.name = ParameterName("SetDominantInput"),
+            .type = ParameterType::Choice,
+            .unit = "",
+            .minimum = kDominantA,
+            .maximum = kDominantB,
+            .fallback = Value{kDominantA},
+            .summary =
+                "the picture that shows where the two do not overlap and in channels that are not selected",
+            .choices = {{"a", kDominantA, "the back"}, {"b", kDominantB, "the front"}},
+            .refusal = 0,
+            .apply =
+                [](vfILImgProc& p, const Value& v) {
+                    auto& dyadic = As<vfILDyadicImgProc>(p);
+                    dyadic.SetDominantInput(v.x == kDominantB ? dyadic.GetInputImgB()
+                                                              : dyadic.GetInputImgA());
+                },
+            .read =
+                [](const vfILImgProc& p) {
+                    const auto& dyadic = As<vfILDyadicImgProc>(p);
+                    const bool isA = dyadic.GetDominantInput() == dyadic.GetInputImgA();
+                    return Value{isA ? kDominantA : kDominantB};
+                }};
+}
+
+using Setter = void (*)(vfILImgProc&, const Value&);
+using Getter = Value (*)(const vfILImgProc&);
+
+// A share of 0 .. 1, full by default.
+Parameter ShareParameter(const char* setter, const char* summary, Setter apply, Getter read)
+{
+    return {.name = ParameterName(setter),
+            .type = ParameterType::Number,
+            .unit = "",
+            .minimum = 0,
+            .maximum = 1,
+            .fallback = Value{1},
+            .summary = summary,
+            .choices = {},
+            .refusal = 0x10012,
+            .apply = apply,
+            .read = read};
+}
+
+Parameter ExtraTransparency()
+{
+    return ShareParameter(
+        "SetExtraTransparency", "strength of the front; 1 is full strength, 0 leaves nothing of it",
+        [](vfILImgProc& p, const Value& v) { As<vfILCompImg>(p).SetExtraTransparency(v.x); },
+        [](const vfILImgProc& p) { return Value{As<vfILCompImg>(p).GetExtraTransparency()}; });
+}
+
+Parameter MixAmount()
+{
+    return ShareParameter(
+        "SetAlpha", "amount of the mix, multiplied with the mask; 0 leaves the back's colour",
+        [](vfILImgProc& p, const Value& v) { As<vfILCompositeImg>(p).SetAlpha(v.x); },
+        [](const vfILImgProc& p) { return Value{As<vfILCompositeImg>(p).GetAlpha()}; });
+}
+
+Parameter FlagParameter(const char* setter, std::optional<Value> fallback, const char* summary, Setter apply,
+                        Getter read)
+{
+    return {.name = ParameterName(setter),
+            .type = ParameterType::Flag,
+            .unit = "",
+            .minimum = 0,
+            .maximum = 1,
+            .fallback = fallback,
+            .summary = summary,
+            .choices = {},
+            .refusal = 0,
+            .apply = apply,
+            .read = read};
+}
+
+Parameter ImgAPremultiplied()
+{
+    return FlagParameter(
+        "SetImgAPremultiplied", std::nullopt, "take the back's colour as already multiplied by its alpha",
+        [](vfILImgProc& p, const Value& v) { As<vfILCompImg>(p).SetImgAPremultiplied(v.x != 0); },
+        [](const vfILImgProc& p) {
+            return Value{static_cast<double>(As<vfILCompImg>(p).GetImgAPremultiplied())};
+        });
+}
+
+Parameter ImgBPremultiplied()
+{
+    return FlagParameter(
+        "SetImgBPremultiplied", std::nullopt, "take the front's colour as already multiplied by its alpha",
+        [](vfILImgProc& p, const Value& v) { As<vfILCompImg>(p).SetImgBPremultiplied(v.x != 0); },
+        [](const vfILImgProc& p) {
+            return Value{static_cast<double>(As<vfILCompImg>(p).GetImgBPremultiplied())};
+        });
+}
+
+Parameter NeverPremultiplyBackImage()
+{
+    return FlagParameter(
+        "NeverPremultiplyBackImage", Value{0}, "take the back's colour as it stands, whatever its alpha",
+        [](vfILImgProc& p, const Value& v) { As<vfILCompImg>(p).NeverPremultiplyBackImage(v.x != 0); },
+        [](const vfILImgProc& p) {
+            return Value{static_cast<double>(As<vfILCompImg>(p).IsNeverPremultiplyBackImage())};
+        });
+}
+
+std::vector<Parameter> LayerParameters()
+{
+    return {ExtraTransparency(), AlphaMode<vfILCompImg>(), InputOffset(),
+            DominantInput(),     ImgAPremultiplied(),      ImgBPremultiplied()};
+}
+
+template <class P>
+Entry Layer(const char* className, const char* summary)
+{
+    return {
+        .name = CommandName(className),
+        .className = className,
+        .family = "layer",
+        .summary = summary,
+        .inputs = {{"back", "input A, the lower picture"}, {"front", "input B, the upper picture"}},
+        .formats = {PXFormat_RGBA32, PXFormat_RGBA64},
+        .parameters = LayerParameters(),
+        .channels = VFIL_MODE_RGBA,
+        .fixedChannels = 0,
+        .mask = MaskUse::BoxOnly,
+        .multiplied = false,
+        .spatialReach = 0,
+        .temporalReach = 0,
+        .bands = true,
+        .make = [](bool simd) -> std::unique_ptr<Operator> { return std::make_unique<OperatorOf<P>>(simd); }};
+}
+
+// Weighs colour by coverage.
+template <class P>
+Entry CoverageLayer(const char* className, const char* summary)
+{
+    Entry entry = Layer<P>(className, summary);
+    entry.multiplied = true;
+    return entry;
+}
+
+// Writes whole colours: only alpha can be left out.
+template <class P>
+Entry WholeColourLayer(const char* className, const char* summary)
+{
+    Entry entry = Layer<P>(className, summary);
+    entry.fixedChannels = VFIL_MODE_RGB;
+    return entry;
+}
+
+Entry Over()
+{
+    Entry entry = CoverageLayer<vfILOverImage>("vfILOverImage", "put the front over the back");
+    entry.formats.push_back(PXFormat_YCCA422_601);
+    entry.formats.push_back(PXFormat_YCCA422_709);
+    entry.parameters.push_back(NeverPremultiplyBackImage());
+    return entry;
+}
+
+// A is always dominant in the masked mix, and all channels are always written.
+Entry Composite()
+{
+    Entry entry = Layer<vfILCompositeImg>("vfILCompositeImg", "mix the front over the back by a mask");
+    entry.parameters = {MixAmount(), AlphaMode<vfILCompositeImg>(), InputOffset()};
+    entry.fixedChannels = VFIL_MODE_RGBA;
+    entry.mask = MaskUse::Required;
+    return entry;
+}
+
+} // namespace
+
+std::vector<Entry> LayerEntries()
+{
+    std::vector<Entry> entries;
+    entries.push_back(Over());
+    entries.push_back(CoverageLayer<vfILInImage>("vfILInImage", "keep the front where the back is"));
+    entries.push_back(CoverageLayer<vfILOutImage>("vfILOutImage", "keep the front where the back is not"));
+    entries.push_back(
+        CoverageLayer<vfILAtopImage>("vfILAtopImage", "put the front, where the back is, over the back"));
+    entries.push_back(
+        CoverageLayer<vfILXorImage>("vfILXorImage", "keep either picture where the other is not"));
+    entries.push_back(Layer<vfILAddImage>("vfILAddImage", "add the pictures, clipped at full"));
+    entries.push_back(
+        Layer<vfILAddNoClipImage>("vfILAddNoClipImage", "add the pictures softly, so that nothing clips"));
+    entries.push_back(Layer<vfILDiffImage>("vfILDiffImage", "take the distance between the pictures"));
+    entries.push_back(Layer<vfILMultImage>("vfILMultImage", "multiply the pictures"));
+    entries.push_back(Layer<vfILLighterImage>("vfILLighterImage", "take the larger value of each channel"));
+    entries.push_back(Layer<vfILDarkerImage>("vfILDarkerImage", "take the smaller value of each channel"));
+    entries.push_back(
+        WholeColourLayer<vfILLumImage>("vfILLumImage", "lightness of the front, colour of the back"));
+    entries.push_back(
+        WholeColourLayer<vfILColImage>("vfILColImage", "colour of the front, lightness of the back"));
+    entries.push_back(
+        WholeColourLayer<vfILNonAddImage>("vfILNonAddImage", "take the brighter pixel as a whole"));
+    entries.push_back(
+        WholeColourLayer<vfILInvNonAddImage>("vfILInvNonAddImage", "take the darker pixel as a whole"));
+    entries.push_back(Composite());
+    return entries;
+}
+
+} // namespace vfil::catalogue

@@ -1,0 +1,13 @@
+/// \file
+/// The class factory of host pictures.
+#pragma once
+
+namespace vfil::host {
+
+/// Makes host pictures what the library gets when it asks for a new one (CLSID_PXImage). Call it once before
+/// the first run of a processor; further calls, from any thread, do nothing.
+///
+/// \throws std::bad_alloc  Memory is short.
+void RegisterPictureClass();
+
+} // namespace vfil::host

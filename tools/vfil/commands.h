@@ -1,0 +1,29 @@
+/// \file
+/// The commands that are not operators.
+#pragma once
+
+#include "tools/vfil/arguments.h"
+
+#include <string>
+
+namespace vfil::tool {
+
+/// Lists the operators.
+void RunList(const Arguments& arguments);
+
+/// Shows what picture files hold. A file that cannot be read gets its line on standard error, and the others
+/// are shown.
+///
+/// \return the exit status
+int RunInfo(const Arguments& arguments);
+
+/// Explains an operator, or the command.
+void RunHelp(const Arguments& arguments);
+
+/// The bash completion script.
+std::string BashCompletion();
+
+/// The manual page.
+std::string ManPage();
+
+} // namespace vfil::tool

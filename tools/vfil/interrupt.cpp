@@ -1,0 +1,37 @@
+/// \file
+/// The interrupt key.
+#include "tools/vfil/interrupt.h"
+#include "tools/vfil/failure.h"
+
+#include <csignal>
+
+namespace vfil::tool {
+
+namespace {
+
+volatile long g_interrupted = 0;
+
+extern "C" void SetInterrupted(int)
+{
+    g_interrupted = 1;
+}
+
+} // namespace
+
+void CatchInterrupts()
+{
+    std::signal(SIGINT, SetInterrupted);
+    std::signal(SIGTERM, SetInterrupted);
+}
+
+volatile long* InterruptFlag()
+{
+    return &g_interrupted;
+}
+
+void StopIfInterrupted()
+{
+    if (g_interrupted != 0) throw Interrupted();
+}
+
+} // namespace vfil::tool

@@ -1,0 +1,16 @@
+/// \file
+/// The interrupt key.
+#pragma once
+
+namespace vfil::tool {
+
+/// From now on an interrupt or a termination request sets the flag instead of ending the program.
+void CatchInterrupts();
+
+/// Not 0 once the user wants to stop; for vfILProcessor::SetInterruptFct.
+volatile long* InterruptFlag();
+
+/// \throws Interrupted when the flag is set.
+void StopIfInterrupted();
+
+} // namespace vfil::tool

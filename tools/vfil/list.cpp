@@ -1,0 +1,130 @@
+/// \file
+/// vfil list and vfil help.
+#include "catalogue/names.h"
+#include "tools/vfil/commands.h"
+#include "tools/vfil/failure.h"
+#include "tools/vfil/help.h"
+#include "tools/vfil/report.h"
+#include "tools/vfil/text.h"
+
+#include <nlohmann/json.hpp>
+
+#include <iomanip>
+#include <iostream>
+
+namespace vfil::tool {
+
+using catalogue::Entry;
+using catalogue::MaskUse;
+using catalogue::Parameter;
+using catalogue::ParameterType;
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+const char* MaskName(MaskUse use)
+{
+    switch (use) {
+    case MaskUse::BoxOnly:
+        return "box";
+    case MaskUse::Sampled:
+        return "sampled";
+    case MaskUse::Required:
+        return "required";
+    }
+    return "";
+}
+
+Json ParameterRecord(const Parameter& parameter)
+{
+    Json record = {{"name", parameter.name},
+                   {"type", TypeName(parameter.type)},
+                   {"unit", parameter.unit},
+                   {"summary", parameter.summary}};
+    if (parameter.type == ParameterType::Choice) {
+        for (const catalogue::Choice& choice : parameter.choices) {
+            record["choices"].push_back({{"name", choice.name}, {"summary", choice.summary}});
+        }
+    } else if (parameter.type != ParameterType::Flag) {
+        record["minimum"] = NumberRecord(parameter, parameter.minimum);
+        record["maximum"] = NumberRecord(parameter, parameter.maximum);
+    }
+    record["default"] = parameter.fallback ? ValueRecord(parameter, *parameter.fallback) : Json();
+    return record;
+}
+
+Json EntryRecord(const Entry& entry)
+{
+    Json inputs = Json::array();
+    for (const catalogue::Input& input : entry.inputs) {
+        inputs.push_back({{"role", input.role}, {"summary", input.summary}});
+    }
+    Json formats = Json::array();
+    for (const GUID& format : entry.formats)
+        formats.push_back(catalogue::FormatName(format));
+    Json parameters = Json::array();
+    for (const Parameter& parameter : entry.parameters)
+        parameters.push_back(ParameterRecord(parameter));
+    return {{"name", entry.name},
+            {"class", entry.className},
+            {"family", entry.family},
+            {"summary", entry.summary},
+            {"inputs", inputs},
+            {"formats", formats},
+            {"parameters", parameters},
+            {"channels", ChannelLetters(entry.channels)},
+            {"fixedChannels", ChannelLetters(entry.fixedChannels)},
+            {"mask", MaskName(entry.mask)},
+            {"multiplied", entry.multiplied},
+            {"spatialReach", entry.spatialReach},
+            {"temporalReach", entry.temporalReach},
+            {"bands", entry.bands}};
+}
+
+} // namespace
+
+void RunList(const Arguments& arguments)
+{
+    if (arguments.Flag("json")) {
+        Json all = Json::array();
+        for (const Entry& entry : catalogue::Entries())
+            all.push_back(EntryRecord(entry));
+        return PrintRecord(all);
+    }
+    std::string family;
+    for (const Entry& entry : catalogue::Entries()) {
+        if (family != entry.family)
+            std::cout << (family.empty() ? "" : "\n") << FamilyTitle(entry.family) << '\n';
+        family = entry.family;
+        std::cout << "  " << std::left << std::setw(14) << entry.name << std::setw(13) << PictureNames(entry)
+                  << entry.summary << '\n';
+    }
+}
+
+void RunHelp(const Arguments& arguments)
+{
+    if (arguments.words.size() > 1)
+        throw RequestError("takes one operator, not " + Join(arguments.words, " and "));
+    if (arguments.words.empty()) {
+        std::cout << RenderText(GeneralHelp());
+        return;
+    }
+    const std::string& name = arguments.words.front();
+    if (const Entry* entry = catalogue::Find(name)) {
+        HelpPage page = OperatorHelp(*entry);
+        page.sections.push_back(SharedOptionHelp());
+        for (const HelpSection& section : ClosingHelp())
+            page.sections.push_back(section);
+        std::cout << RenderText(page);
+        return;
+    }
+    for (const Command& command : Commands()) {
+        if (command.name != name) continue;
+        std::cout << RenderText(CommandHelp(command));
+        return;
+    }
+    throw RequestError("there is no operator '" + name + "'" + DidYouMean(name, CommandNames()));
+}
+
+} // namespace vfil::tool

@@ -1,0 +1,36 @@
+/// \file
+/// How pictures are described to the user.
+#pragma once
+
+#include "catalogue/catalogue.h"
+#include "host/picturefile.h"
+
+#include <nlohmann/json_fwd.hpp>
+
+#include <string>
+
+namespace vfil::tool {
+
+/// "720x576"
+std::string SizeText(long width, long height);
+
+/// "none", "straight" or "premultiplied"
+const char* AlphaName(host::AlphaState alpha);
+
+/// "PNG 451x300, rgba32, 8 bits, 3 channels, no alpha"
+std::string Describe(const host::PictureInfo& info);
+
+/// The same as a record, with the file's name.
+nlohmann::ordered_json Record(const std::string& path, const host::PictureInfo& info);
+
+/// A component of a parameter's value: a whole number unless the parameter is a Number.
+nlohmann::ordered_json NumberRecord(const catalogue::Parameter& parameter, double number);
+
+/// A parameter's value. Numbers and flags stay such, so that a program need not parse them; a choice is its
+/// name.
+nlohmann::ordered_json ValueRecord(const catalogue::Parameter& parameter, const catalogue::Value& value);
+
+/// Writes a record to standard output. Bytes of file names that are no UTF-8 are replaced.
+void PrintRecord(const nlohmann::ordered_json& record);
+
+} // namespace vfil::tool

@@ -114,9 +114,8 @@ const std::vector<Option>& SharedOptions()
         {"fields",
          "",
          "odd|even",
-         "work only on rows with odd or even y, counted from the bottom row, which is 0; the others take the "
-         "default "
-         "colour",
+         "work only on rows with odd or even y, counted from the bottom row, which is 0; the others show the "
+         "dominant picture",
          {"odd", "even"}},
         {"default-color", "", "R,G,B,A",
          "colour of output pixels that have no source, each component 0 .. 1 (default 0,0,0,0)"},

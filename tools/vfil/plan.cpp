@@ -132,30 +132,24 @@ void CheckFormat(const Request& request, const GUID& format)
     }
 }
 
-std::size_t DominantIndex(const Request& request)
+void PlanDominant(Plan& plan)
 {
-    for (const auto& [parameter, value] : request.parameters) {
-        if (parameter->name == "dominant-input") return value.x == 0 ? 0 : 1;
-    }
-    return 0;
-}
-
-vfILBbox2l DominantBox(const Plan& plan)
-{
-    const std::size_t index = DominantIndex(plan.request);
-    vfILBbox2l box(0, 0, plan.inputs[index].width, plan.inputs[index].height);
+    vfILVector2l offset;
     for (const auto& [parameter, value] : plan.request.parameters) {
-        if (index == 0 || parameter->name != "input-offset") continue;
-        box.SetOffset(static_cast<long>(value.x), static_cast<long>(value.y));
+        if (parameter->name == "dominant-input") plan.dominant = value.x == 0 ? 0 : 1;
+        if (parameter->name == "input-offset") {
+            offset = vfILVector2l(static_cast<long>(value.x), static_cast<long>(value.y));
+        }
     }
-    return box;
+    const host::PictureInfo& info = plan.inputs[plan.dominant];
+    plan.dominantBox = vfILBbox2l(0, 0, info.width, info.height);
+    if (plan.dominant != 0) plan.dominantBox.SetOffset(offset);
 }
 
 void PlanRoi(Plan& plan)
 {
     const Request& request = plan.request;
-    const std::size_t index = DominantIndex(request);
-    const vfILVector2l size(plan.inputs[index].width, plan.inputs[index].height);
+    const vfILVector2l size = plan.dominantBox.GetSize();
     if (!request.roi) {
         // What of the picture does not fit an output of a given size is left out.
         const vfILVector2l room = request.outputSize ? *request.outputSize - plan.outputOffset : size;
@@ -163,11 +157,11 @@ void PlanRoi(Plan& plan)
         return;
     }
     plan.roi = *request.roi;
-    if (!(plan.roi & DominantBox(plan)).IsNull()) return;
+    if (!(plan.roi & plan.dominantBox).IsNull()) return;
     throw RequestError(
         "--roi " +
         NumberList({plan.roi.GetOffsetX(), plan.roi.GetOffsetY(), plan.roi.GetSizeX(), plan.roi.GetSizeY()}) +
-        " lies outside " + request.inputs[index] + ", which is " + SizeText(size[0], size[1]));
+        " lies outside " + request.inputs[plan.dominant] + ", which is " + SizeText(size[0], size[1]));
 }
 
 void PlanRegions(Plan& plan)
@@ -247,6 +241,7 @@ Plan MakePlan(Request request)
     CheckOutput(plan.request);
     plan.format = CommonInputFormat(plan.request, plan.inputs);
     CheckFormat(plan.request, plan.format);
+    PlanDominant(plan);
     PlanRegions(plan);
     PlanMask(plan);
     return plan;

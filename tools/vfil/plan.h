@@ -19,7 +19,9 @@ struct MaskPlan {
 struct Plan {
     Request request;
     std::vector<host::PictureInfo> inputs;
-    GUID format{}; ///< of inputs and output
+    GUID format{};            ///< of inputs and output
+    std::size_t dominant = 0; ///< index of the input that shows where two do not overlap
+    vfILBbox2l dominantBox;   ///< on the plane of the region
     vfILBbox2l roi;
     vfILVector2l outputOffset;
     vfILVector2l outputSize;

@@ -146,9 +146,12 @@ void MultiplyStraightInputs(const Plan& plan, const Pictures& pictures)
     }
 }
 
-vfILColor Multiplied(const vfILColor& color)
+// What output pixels without a source take.
+vfILColor FillColor(const Plan& plan)
 {
+    const vfILColor& color = plan.request.defaultColor;
     const double alpha = color.GetAlpha();
+    if (!WorksMultiplied(plan)) return color;
     return {color.GetRed() * alpha, color.GetGreen() * alpha, color.GetBlue() * alpha, alpha};
 }
 
@@ -179,9 +182,8 @@ void Connect(const Plan& plan, const Pictures& pictures, catalogue::Operator& op
     vfILImgProc& processor = op.Frame();
     // The whole output takes the default colour, also what lies outside the target: the region is the
     // output's still.
-    const vfILColor color = WorksMultiplied(plan) ? Multiplied(request.defaultColor) : request.defaultColor;
-    processor.SetDefaultColor(color);
-    processor.FillOutputImage(color);
+    processor.SetDefaultColor(FillColor(plan));
+    processor.FillOutputImage(FillColor(plan));
 
     processor.SetROI(plan.roi);
     processor.SetOutputOffset(plan.outputOffset);
@@ -190,6 +192,22 @@ void Connect(const Plan& plan, const Pictures& pictures, catalogue::Operator& op
     if (plan.mask) processor.SetMask(plan.mask->box, pictures.mask.Get(), plan.mask->channel);
     for (const auto& [parameter, value] : request.parameters)
         parameter->apply(processor, value);
+}
+
+// Rows of the other field show the dominant picture, as they do for a host that works in place.
+void ShowOtherField(const Plan& plan, const Pictures& pictures)
+{
+    if ((plan.request.mode & (VFIL_MODE_ODD_ROWS | VFIL_MODE_EVEN_ROWS)) == 0) return;
+    const catalogue::Entry& entry = *catalogue::Find("copy");
+    const std::unique_ptr<catalogue::Operator> copy = entry.make(!plan.request.plain);
+    copy->SetInput(0, pictures.inputs[plan.dominant].Get());
+    copy->SetOutput(pictures.output.Get());
+    vfILBbox2l region = plan.roi;
+    region.SetOffset(region.GetOffset() - plan.dominantBox.GetOffset());
+    copy->Frame().SetROI(region);
+    copy->Frame().SetOutputOffset(plan.outputOffset);
+    copy->Frame().SetDefaultColor(FillColor(plan));
+    Execute(entry, copy->Frame());
 }
 
 void Write(const Plan& plan, const host::Picture& output)
@@ -251,6 +269,7 @@ void RunOperator(const Plan& plan)
     if (WorksMultiplied(plan)) MultiplyStraightInputs(plan, pictures);
     const std::unique_ptr<catalogue::Operator> op = request.entry->make(!request.plain);
     Connect(plan, pictures, *op);
+    ShowOtherField(plan, pictures);
     watch.Lap("prepare");
     Execute(*request.entry, op->Frame());
     watch.Lap("run");

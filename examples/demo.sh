@@ -43,7 +43,7 @@ make non-add.png non-add "$cat_fur" "$cup"
 make col.png col "$cat_fur" "$tulips" --channels rgb
 make composite-mask.png composite "$cat_fur" "$cup" --mask "$matte"
 make invert-mask.png invert "$cup" --mask "$matte"
-make invert-fields.png invert "$cat_fur" --fields odd --default-color 0,0,0,1
+make over-fields.png over "$cat_fur" "$tulips" --fields even
 make grayscale.png grayscale "$tulips"
 make room-lighter16.png lighter "$room" "$sensor" --input-offset 118,78
 make room-mult16.png mult "$room" "$room"

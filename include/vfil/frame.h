@@ -176,8 +176,9 @@ protected:
     void FillOutput(const vfILBbox2l& excluded, const vfILBbox2l& whole, IPXImage* const sourceImage,
                     const void* pixels, int premultiply, const vfILVector2l& offset);
 
-    // Channel arithmetic. F front, B back channel, A the front's alpha, C the back's alpha, M a blend amount;
-    // see il/rows/pixarith.h for the rules. 8-bit results round a * b / 255 to nearest.
+    // Channel arithmetic. F is a front, B a back channel, A the front's alpha, C the back's alpha, M a blend
+    // amount. An 8-bit product is a * b / 255 rounded to nearest, and sums of two clip. A 16-bit result is
+    // one sum of products, wrapped to 32 bits, divided by 65535, rounded to nearest and limited to 65535.
 
     /// F by M, B by the rest.
     static unsigned char BlendChannel8(unsigned char F, unsigned char B, unsigned char M);

@@ -10,7 +10,7 @@ namespace vfil::catalogue {
 namespace {
 
 template <class P>
-Entry Pixel(const char* className, const char* summary, std::vector<GUID> formats)
+Entry Pixel(const char* className, const char* summary, const std::vector<GUID>& formats)
 {
     return {
         .name = CommandName(className),
@@ -18,7 +18,7 @@ Entry Pixel(const char* className, const char* summary, std::vector<GUID> format
         .family = "pixel",
         .summary = summary,
         .inputs = {{"picture", "the picture to work on"}},
-        .formats = std::move(formats),
+        .formats = formats,
         .parameters = {},
         .channels = VFIL_MODE_RGB,
         .fixedChannels = 0,

@@ -24,6 +24,7 @@ vfILProcessor::vfILProcessor()
 vfILProcessor::vfILProcessor(const vfILProcessor&) : vfILProcessor()
 {}
 
+// NOLINTNEXTLINE(bugprone-unhandled-self-assignment): nothing is assigned
 vfILProcessor& vfILProcessor::operator=(const vfILProcessor&)
 {
     return *this;

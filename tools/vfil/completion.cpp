@@ -13,11 +13,10 @@ namespace {
 
 std::string OptionWords(const std::vector<Option>& options)
 {
-    std::vector<std::string> words;
+    std::string words;
     for (const Option& option : options)
-        words.push_back("--" + option.name);
-    words.emplace_back("--help");
-    return Join(words, " ");
+        words += "--" + option.name + " ";
+    return words + "--help";
 }
 
 // An option has the same choices wherever it stands, so the word before the cursor decides.

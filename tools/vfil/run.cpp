@@ -15,6 +15,8 @@
 #include <cstdint>
 #include <cstdio>
 #include <iostream>
+#include <utility>
+#include <vector>
 
 namespace vfil::tool {
 
@@ -28,17 +30,23 @@ public:
     void Lap(const char* stage)
     {
         const auto now = Clock::now();
-        m_stages[stage] = std::chrono::duration<double, std::milli>(now - m_start).count();
+        m_stages.emplace_back(stage, std::chrono::duration<double, std::milli>(now - m_start).count());
         m_start = now;
     }
 
-    const Json& Stages() const { return m_stages; }
+    Json Stages() const
+    {
+        Json record;
+        for (const auto& [stage, milliseconds] : m_stages)
+            record[stage] = milliseconds;
+        return record;
+    }
 
 private:
     using Clock = std::chrono::steady_clock;
 
     Clock::time_point m_start = Clock::now();
-    Json m_stages;
+    std::vector<std::pair<const char*, double>> m_stages;
 };
 
 struct Pictures {

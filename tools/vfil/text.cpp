@@ -95,9 +95,9 @@ std::string NumberText(double value)
 
 std::string NumberList(const std::vector<long>& numbers)
 {
-    std::vector<std::string> texts;
-    for (const long number : numbers)
-        texts.push_back(std::to_string(number));
+    std::vector<std::string> texts(numbers.size());
+    std::transform(numbers.begin(), numbers.end(), texts.begin(),
+                   [](long number) { return std::to_string(number); });
     return Join(texts, ",");
 }
 

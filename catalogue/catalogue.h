@@ -84,6 +84,7 @@ struct Entry {
     int temporalReach; ///< frames, before and after
     bool bands;        ///< rows may be processed in bands, in any order
     std::unique_ptr<Operator> (*make)(bool simd);
+    const char* note = ""; ///< what may surprise in its results
 };
 
 /// All processors, by family.

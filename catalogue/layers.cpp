@@ -242,6 +242,17 @@ Entry Over()
     entry.formats.push_back(PXFormat_YCCA422_601);
     entry.formats.push_back(PXFormat_YCCA422_709);
     entry.parameters.push_back(NeverPremultiplyBackImage());
+    entry.note = "at 16 bits the front's colour and alpha enter the sum as 65535ths of themselves: the front "
+                 "only cuts "
+                 "itself out of the back; --format rgba32 shows it";
+    return entry;
+}
+
+Entry AddNoClip()
+{
+    Entry entry =
+        Layer<vfILAddNoClipImage>("vfILAddNoClipImage", "add the pictures softly, so that nothing clips");
+    entry.note = "at 16 bits the back enters the sum as a 65535th of itself; --format rgba32 shows it";
     return entry;
 }
 
@@ -268,8 +279,7 @@ std::vector<Entry> LayerEntries()
     entries.push_back(
         CoverageLayer<vfILXorImage>("vfILXorImage", "keep either picture where the other is not"));
     entries.push_back(Layer<vfILAddImage>("vfILAddImage", "add the pictures, clipped at full"));
-    entries.push_back(
-        Layer<vfILAddNoClipImage>("vfILAddNoClipImage", "add the pictures softly, so that nothing clips"));
+    entries.push_back(AddNoClip());
     entries.push_back(Layer<vfILDiffImage>("vfILDiffImage", "take the distance between the pictures"));
     entries.push_back(Layer<vfILMultImage>("vfILMultImage", "multiply the pictures"));
     entries.push_back(Layer<vfILLighterImage>("vfILLighterImage", "take the larger value of each channel"));

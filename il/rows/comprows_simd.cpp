@@ -30,15 +30,14 @@ U8 BytewiseValue(U8 f, U8 q)
 /// where the operator is; u is the front's alpha at its strength. In the alpha lane f is u, and q is the
 /// back's alpha.
 template <LayerOp op>
-U16 Value(U16 f, U16 q, U16 backAlpha)
+U16 Value(U16 f, U16 q, [[maybe_unused]] U16 u, [[maybe_unused]] U16 backAlpha)
 {
-    const U16 full = Splat(255);
-    const auto u = [f] { return SplatAlpha(f); };
-    if constexpr (op == LayerOp::Over) return f + NormMult(full - u(), q);
+    [[maybe_unused]] const U16 full = Splat(255);
+    if constexpr (op == LayerOp::Over) return f + NormMult(full - u, q);
     if constexpr (op == LayerOp::In) return NormMult(backAlpha, f);
     if constexpr (op == LayerOp::Out) return NormMult(full - backAlpha, f);
-    if constexpr (op == LayerOp::Atop) return NormMult(full - u(), q) + NormMult(backAlpha, f);
-    if constexpr (op == LayerOp::Xor) return NormMult(full - u(), q) + NormMult(full - backAlpha, f);
+    if constexpr (op == LayerOp::Atop) return NormMult(full - u, q) + NormMult(backAlpha, f);
+    if constexpr (op == LayerOp::Xor) return NormMult(full - u, q) + NormMult(full - backAlpha, f);
     if constexpr (op == LayerOp::AddNoClip) return NormMult(f, full - q) + q;
     if constexpr (op == LayerOp::Mult) return NormMult(f, q);
 }
@@ -53,9 +52,11 @@ template <LayerOp op, bool frontPremultiplied, bool backPremultiplied, bool whol
 U16 WideValue(U16 back, U16 front, U16 strength)
 {
     const U16 backAlpha = SplatAlpha(back);
-    U16 f = frontPremultiplied ? front : Premultiply8(front, SplatAlpha(front));
+    const U16 frontAlpha = SplatAlpha(front);
+    U16 f = frontPremultiplied ? front : Premultiply8(front, frontAlpha);
     if constexpr (!whole) f = NormMult(f, strength);
-    return Value<op>(f, backPremultiplied ? back : Premultiply8(back, backAlpha), backAlpha);
+    const U16 q = backPremultiplied ? back : Premultiply8(back, backAlpha);
+    return Value<op>(f, q, whole ? frontAlpha : SplatAlpha(f), backAlpha);
 }
 
 /// What becomes of the channels: of each comes the result, the dominant input, or a constant.

@@ -153,12 +153,29 @@ inline U8 ShiftLeft32(U8 v)
     return {VFIL_MM(slli_epi32)(v.bits, count)};
 }
 
+#if defined(__AVX2__)
+/// Bytes by their index in each 16; the same indices serve every 16.
+inline Register Shuffle16(Register v, std::uint64_t low, std::uint64_t high)
+{
+    const __m128i indices = _mm_set_epi64x(static_cast<long long>(high), static_cast<long long>(low));
+#if defined(__AVX512BW__)
+    return _mm512_shuffle_epi8(v, _mm512_broadcast_i32x4(indices));
+#else
+    return _mm256_shuffle_epi8(v, _mm256_broadcastsi128_si256(indices));
+#endif
+}
+#endif
+
 /// The lowest byte of each 32 bits, in all four.
 inline U8 SplatLowBytes(U8 v)
 {
+#if defined(__AVX2__)
+    return {Shuffle16(v.bits, 0x0404'0404'0000'0000, 0x0C0C'0C0C'0808'0808)};
+#else
     const U8 low = v & SplatU32(0xFF);
     const U8 two = low | ShiftLeft32<8>(low); // [x x 0 0]
     return two | ShiftLeft32<16>(two);        // [x x x x]
+#endif
 }
 
 inline U16 Splat(int v)
@@ -239,7 +256,11 @@ inline U16 SignMask(U16 v)
 /// The fourth lane of each pixel of four, in all four.
 inline U16 SplatAlpha(U16 v)
 {
+#if defined(__AVX2__)
+    return {Shuffle16(v.bits, 0x0706'0706'0706'0706, 0x0F0E'0F0E'0F0E'0F0E)}; // one shuffle instead of two
+#else
     return {VFIL_MM(shufflehi_epi16)(VFIL_MM(shufflelo_epi16)(v.bits, 0xFF), 0xFF)};
+#endif
 }
 
 inline U16Pair Widen(U8 v)

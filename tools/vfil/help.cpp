@@ -170,6 +170,7 @@ HelpPage OperatorHelp(const Entry& entry)
                                 "premultiplication option says how to take the pictures");
     }
     page.sections.push_back(takes);
+    if (*entry.note != '\0') page.sections.push_back({"Note", {{"", Sentence(entry.note) + "."}}});
     return page;
 }
 

@@ -79,7 +79,8 @@ Json EntryRecord(const Entry& entry)
             {"multiplied", entry.multiplied},
             {"spatialReach", entry.spatialReach},
             {"temporalReach", entry.temporalReach},
-            {"bands", entry.bands}};
+            {"bands", entry.bands},
+            {"note", entry.note}};
 }
 
 } // namespace

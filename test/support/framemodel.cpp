@@ -1,5 +1,7 @@
 #include "support/framemodel.h"
 
+#include <gtest/gtest.h>
+
 #include <sstream>
 
 namespace vfil::test {
@@ -9,13 +11,6 @@ bool Covers(const vfILBbox2l& box, long x, long y)
 {
     return x >= box.GetOffsetX() && y >= box.GetOffsetY() && x - box.GetOffsetX() < box.GetSizeX() &&
            y - box.GetOffsetY() < box.GetSizeY();
-}
-
-std::string Text(const Pixel& p)
-{
-    std::ostringstream text;
-    text << '(' << p[0] << ' ' << p[1] << ' ' << p[2] << ' ' << p[3] << ')';
-    return text.str();
 }
 
 } // namespace
@@ -70,8 +65,8 @@ std::string Difference(const Snapshot& expected, const GuardedImage& actual)
         for (long x = 0; x < expected.width; ++x)
             if (expected.At(x, y) != actual.Get(x, y)) {
                 std::ostringstream text;
-                text << "at (" << x << ", " << y << ") expected " << Text(expected.At(x, y)) << ", is "
-                     << Text(actual.Get(x, y));
+                text << "at (" << x << ", " << y << ") expected " << testing::PrintToString(expected.At(x, y))
+                     << ", is " << testing::PrintToString(actual.Get(x, y));
                 return text.str();
             }
     return {};

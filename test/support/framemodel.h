@@ -17,7 +17,6 @@ struct Snapshot {
     std::vector<Pixel> pixels;
 
     explicit Snapshot(const GuardedImage& image);
-    bool Contains(long x, long y) const { return x >= 0 && y >= 0 && x < width && y < height; }
     const Pixel& At(long x, long y) const { return pixels[static_cast<std::size_t>(y * width + x)]; }
     Pixel& At(long x, long y) { return pixels[static_cast<std::size_t>(y * width + x)]; }
 };

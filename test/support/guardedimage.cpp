@@ -17,11 +17,6 @@ GuardedImage::GuardedImage(const GUID& format, long width, long height) : Guarde
     SetDimensions(width, height);
 }
 
-std::size_t GuardedImage::ArraySize() const
-{
-    return static_cast<std::size_t>(m_size[0] * m_size[1] * m_format->pixelBytes);
-}
-
 long GuardedImage::MemoryRow(long y) const
 {
     const long height = Height();
@@ -42,15 +37,13 @@ std::uint8_t* GuardedImage::Sample(long x, long y, std::size_t channel)
     return c == 2 && m_format->Is('P') ? base + Width() * Height() * 2 + index : nullptr;
 }
 
+// Machines are little-endian here: the first bytes of an int are those of its sample.
 Pixel GuardedImage::Get(long x, long y) const
 {
     Pixel pixel{};
     for (std::size_t c = 0; c < 4; ++c) {
         const std::uint8_t* sample = const_cast<GuardedImage*>(this)->Sample(x, y, c);
-        if (!sample) continue;
-        std::uint16_t word = *sample;
-        if (m_format->sampleBytes == 2) std::memcpy(&word, sample, 2);
-        pixel[c] = word;
+        if (sample) std::memcpy(&pixel[c], sample, static_cast<std::size_t>(m_format->sampleBytes));
     }
     return pixel;
 }
@@ -59,10 +52,7 @@ void GuardedImage::Set(long x, long y, const Pixel& pixel)
 {
     for (std::size_t c = 0; c < 4; ++c) {
         std::uint8_t* sample = Sample(x, y, c);
-        if (!sample) continue;
-        const auto word = static_cast<std::uint16_t>(pixel[c]);
-        *sample = static_cast<std::uint8_t>(word);
-        if (m_format->sampleBytes == 2) std::memcpy(sample, &word, 2);
+        if (sample) std::memcpy(sample, &pixel[c], static_cast<std::size_t>(m_format->sampleBytes));
     }
 }
 
@@ -89,25 +79,16 @@ bool GuardedImage::AreGuardsIntact() const
            std::all_of(m_storage.end() - kGuard, m_storage.end(), isGuard);
 }
 
-HRESULT GuardedImage::QueryInterface(const IID& riid, void** object)
-{
-    *object = riid == IID_IPXImage || riid == IID_IUnknown ? static_cast<IPXImage*>(this) : nullptr;
-    if (!*object) return E_NOINTERFACE;
-    AddRef();
-    return S_OK;
-}
-
-unsigned long GuardedImage::Release()
-{
-    const unsigned long left = --references;
-    if (left == 0) delete this;
-    return left;
-}
-
 HRESULT GuardedImage::SetFormat(const GUID* format)
 {
     m_storage.clear();
     return Give(&FormatOf(*format), &m_format);
+}
+
+HRESULT GuardedImage::GetDimensions(long* width, long* height)
+{
+    Give(m_width, width);
+    return Give(m_height, height);
 }
 
 HRESULT GuardedImage::GetPixelArray(void** pixels)
@@ -117,10 +98,10 @@ HRESULT GuardedImage::GetPixelArray(void** pixels)
 
 HRESULT GuardedImage::SetDimensions(long width, long height)
 {
-    if (failSetDimensions) return E_OUTOFMEMORY;
-    if (width < 0 || height < 0) return E_INVALIDARG;
-    m_size = {width, height};
-    m_storage.assign(ArraySize() + 2 * kGuard, kGuardByte);
+    m_width = width;
+    m_height = height;
+    m_storage.assign(static_cast<std::size_t>(width * height * m_format->pixelBytes + 2 * kGuard),
+                     kGuardByte);
     std::fill(m_storage.begin() + kGuard, m_storage.end() - kGuard, std::uint8_t{0});
     return S_OK;
 }
@@ -136,25 +117,6 @@ HRESULT GuardedImage::ReadRegion(void* destination, long x, long y, long width, 
     return S_OK;
 }
 
-HRESULT GuardedImage::FillRegion(const void* pixel, long x, long y, long width, long height)
-{
-    if (!Contains(x, y) || !Contains(x + width - 1, y + height - 1)) return E_INVALIDARG;
-    const auto bytes = static_cast<std::size_t>(m_format->pixelBytes);
-    for (long row = y; row < y + height; ++row)
-        for (long column = x; column < x + width; ++column)
-            std::memcpy(Sample(column, row, 0), pixel, bytes);
-    return S_OK;
-}
-
-HRESULT GuardedImage::CopyFrom(IPXImage* source)
-{
-    const auto* other = static_cast<GuardedImage*>(source);
-    m_format = other->m_format;
-    m_size = other->m_size;
-    m_storage = other->m_storage;
-    return S_OK;
-}
-
 HRESULT GuardedImage::GetImageState(long id, long* value)
 {
     if (failGetImageState || id < 0 || id > 3) return E_INVALIDARG;
@@ -165,24 +127,6 @@ HRESULT GuardedImage::SetImageState(long id, long value)
 {
     if (failSetImageState || id < 0 || id > 3) return E_INVALIDARG;
     return Give(value, &m_states[static_cast<std::size_t>(id)]);
-}
-
-HRESULT GuardedImageFactory::QueryInterface(const IID& riid, void** object)
-{
-    *object = riid == IID_IClassFactory || riid == IID_IUnknown ? static_cast<IClassFactory*>(this) : nullptr;
-    if (!*object) return E_NOINTERFACE;
-    AddRef();
-    return S_OK;
-}
-
-HRESULT GuardedImageFactory::CreateInstance(IUnknown* outer, const IID& riid, void** object)
-{
-    *object = nullptr;
-    if (outer) return CLASS_E_NOAGGREGATION;
-    auto* image = new GuardedImage(PXFormat_RGBA32);
-    const HRESULT result = image->QueryInterface(riid, object);
-    image->Release();
-    return result;
 }
 
 int RandomSample(std::mt19937& random, int full)

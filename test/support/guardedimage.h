@@ -1,6 +1,6 @@
 /// \file
-/// A picture in memory for tests: it implements the contract plainly, guards the bytes around its pixels,
-/// fails on demand and counts what is asked of it. Its class factory makes pictures for the library.
+/// A picture in memory for tests: it lays its pixels out by the contract, guards the bytes around them, fails
+/// on demand and counts what is read.
 #pragma once
 
 #include "support/formats.h"
@@ -18,6 +18,7 @@ namespace vfil::test {
 /// alpha.
 using Pixel = std::array<int, 4>;
 
+/// Lives where it is declared: references are not counted. What no operator asks for isn't implemented.
 class GuardedImage final : public IPXImage {
 public:
     /// Without pixels.
@@ -27,9 +28,9 @@ public:
     GuardedImage& operator=(const GuardedImage&) = delete;
 
     const FormatCase& Format() const { return *m_format; }
-    long Width() const { return m_size[0]; }
-    long Height() const { return m_size[1]; }
-    bool Contains(long x, long y) const { return x >= 0 && y >= 0 && x < Width() && y < Height(); }
+    long Width() const { return m_width; }
+    long Height() const { return m_height; }
+    bool Contains(long x, long y) const { return x >= 0 && y >= 0 && x < m_width && y < m_height; }
     Pixel Get(long x, long y) const;
     void Set(long x, long y, const Pixel& pixel);
     /// Fills the pixels with noise that is rich in 0 and in full values.
@@ -38,76 +39,51 @@ public:
     std::vector<std::uint8_t> Bytes() const;
     bool AreGuardsIntact() const;
 
-    bool failSetDimensions = false;
     bool failGetImageState = false;
     bool failSetImageState = false;
     int readRegionCalls = 0;
-    unsigned long references = 1;
 
-    HRESULT QueryInterface(const IID& riid, void** object) override;
-    unsigned long AddRef() override { return ++references; }
-    unsigned long Release() override;
+    HRESULT QueryInterface(const IID&, void**) override { return E_NOINTERFACE; }
+    unsigned long AddRef() override { return 1; }
+    unsigned long Release() override { return 1; }
     HRESULT GetFormat(GUID* format) override { return Give(m_format->id, format); }
     HRESULT SetFormat(const GUID* format) override;
-    HRESULT GetDimensions(long* width, long* height) override { return GivePair(m_size, width, height); }
-    HRESULT GetExtent(double* width, double* height) override { return GivePair(m_extent, width, height); }
-    HRESULT SetExtent(double width, double height) override { return Give({width, height}, &m_extent); }
-    HRESULT GetOrigin(double* x, double* y) override { return GivePair(m_origin, x, y); }
-    HRESULT SetOrigin(double x, double y) override { return Give({x, y}, &m_origin); }
-    HRESULT GetChannelCount(long* count) override { return Give<long>(m_format->channels, count); }
-    HRESULT GetSampleBytes(long* bytes) override { return Give<long>(m_format->sampleBytes, bytes); }
-    HRESULT GetChannelBytes(long* bytes) override { return GetSampleBytes(bytes); }
-    HRESULT GetPixelBytes(long* bytes) override { return Give<long>(m_format->pixelBytes, bytes); }
+    HRESULT GetDimensions(long* width, long* height) override;
+    HRESULT GetExtent(double*, double*) override { return E_INVALIDARG; }
+    HRESULT SetExtent(double, double) override { return E_INVALIDARG; }
+    HRESULT GetOrigin(double*, double*) override { return E_INVALIDARG; }
+    HRESULT SetOrigin(double, double) override { return E_INVALIDARG; }
+    HRESULT GetChannelCount(long* count) override { return Give(m_format->channels, count); }
+    HRESULT GetSampleBytes(long* bytes) override { return Give(m_format->sampleBytes, bytes); }
+    HRESULT GetChannelBytes(long* bytes) override { return Give(m_format->sampleBytes, bytes); }
+    HRESULT GetPixelBytes(long* bytes) override { return Give(m_format->pixelBytes, bytes); }
     HRESULT GetPixelArray(void** pixels) override;
-    HRESULT GetPixelArraySize(unsigned long* bytes) override
-    {
-        return Give<unsigned long>(ArraySize(), bytes);
-    }
+    HRESULT GetPixelArraySize(unsigned long*) override { return E_INVALIDARG; }
     HRESULT SetDimensions(long width, long height) override;
     HRESULT ReadRegion(void* destination, long x, long y, long width, long height) override;
-    HRESULT FillRegion(const void* pixel, long x, long y, long width, long height) override;
-    HRESULT CopyFrom(IPXImage* source) override;
+    HRESULT FillRegion(const void*, long, long, long, long) override { return E_INVALIDARG; }
+    HRESULT CopyFrom(IPXImage*) override { return E_INVALIDARG; }
     HRESULT GetImageState(long id, long* value) override;
     HRESULT SetImageState(long id, long value) override;
-    HRESULT GetTag(unsigned long* value) override { return Give(m_tag, value); }
-    HRESULT SetTag(unsigned long value) override { return Give(value, &m_tag); }
+    HRESULT GetTag(unsigned long*) override { return E_INVALIDARG; }
+    HRESULT SetTag(unsigned long) override { return E_INVALIDARG; }
 
 private:
-    template <class T>
-    static HRESULT Give(const T& value, T* to)
+    template <class Value, class Place>
+    static HRESULT Give(const Value& value, Place* to)
     {
         *to = value;
         return S_OK;
     }
-    template <class T>
-    static HRESULT GivePair(const std::array<T, 2>& pair, T* first, T* second)
-    {
-        Give(pair[0], first);
-        return Give(pair[1], second);
-    }
-    std::size_t ArraySize() const;
     long MemoryRow(long y) const;
     /// Address of sample \p channel of the pixel; null for a channel that the format has not.
     std::uint8_t* Sample(long x, long y, std::size_t channel);
 
     const FormatCase* m_format;
-    std::array<long, 2> m_size{};
+    long m_width = 0;
+    long m_height = 0;
     std::vector<std::uint8_t> m_storage; ///< guard, pixels, guard; empty without pixels
-    std::array<double, 2> m_extent{};
-    std::array<double, 2> m_origin{};
     std::array<long, 4> m_states{};
-    unsigned long m_tag = 0;
-};
-
-/// Makes guarded pictures without pixels in PXFormat_RGBA32.
-class GuardedImageFactory final : public IClassFactory {
-public:
-    unsigned long references = 1;
-
-    HRESULT QueryInterface(const IID& riid, void** object) override;
-    unsigned long AddRef() override { return ++references; }
-    unsigned long Release() override { return --references; }
-    HRESULT CreateInstance(IUnknown* outer, const IID& riid, void** object) override;
 };
 
 /// A value in 0 .. full, half of the time an end or a neighbour of one.

@@ -116,14 +116,6 @@ int Grey(const Pixel& pixel)
     return (29 * pixel[0] + 57 * pixel[1] + 11 * pixel[2]) / 97;
 }
 
-std::ostream& operator<<(std::ostream& text, const LayerSetup& setup)
-{
-    return text << "layer " << static_cast<int>(setup.layer) << " full " << setup.full << " strength "
-                << setup.strength << " alpha mode " << setup.alphaMode << " A pre " << setup.aPremultiplied
-                << " B pre " << setup.bPremultiplied << " never " << setup.neverPremultiplyBack
-                << " dominant " << (setup.dominantB ? 'B' : 'A') << " mode " << setup.mode;
-}
-
 Pixel LayerPixel(const LayerSetup& setup, const Pixel& a, const Pixel& b)
 {
     const Arithmetic math{setup.full};

@@ -7,8 +7,6 @@
 
 #include <vfil/composite.h>
 
-#include <ostream>
-
 namespace vfil::test {
 
 /// The sample arithmetic: sums of products rounded one by one in 8 bits, one rounding of the whole in 16.
@@ -65,8 +63,6 @@ struct LayerSetup {
     bool dominantB = false;
     unsigned long mode = VFIL_MODE_RGB;
 };
-
-std::ostream& operator<<(std::ostream& text, const LayerSetup& setup);
 
 /// Front B on back A.
 Pixel LayerPixel(const LayerSetup& setup, const Pixel& a, const Pixel& b);

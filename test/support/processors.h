@@ -1,5 +1,5 @@
 /// \file
-/// Operators made for tests: with the fast arithmetic on or off, by layer, and two that have only a sample
+/// Operators made for tests: with the fast arithmetic on or off, by number, and two that have only a sample
 /// operation.
 #pragma once
 
@@ -48,21 +48,38 @@ protected:
     }
 };
 
-template <class LayerClass>
-std::unique_ptr<vfILCompImg> MakeLayerOf(bool simd)
+/// The operators by number: those of one input, of two, then the layer operators in the order of Layer.
+enum Kind { kInvert, kCopy, kGrayscale, kProbeMonadic, kProbeDyadic, kMix, kFirstLayer };
+inline constexpr int kKinds = kFirstLayer + kLayers;
+
+template <class Processor>
+std::unique_ptr<vfILImgProc> Make(bool simd)
 {
-    return std::make_unique<Switched<LayerClass>>(simd);
+    return std::make_unique<Switched<Processor>>(simd);
 }
 
-inline std::unique_ptr<vfILCompImg> MakeLayer(Layer layer, bool simd)
+inline std::unique_ptr<vfILImgProc> MakeProcessor(int kind, bool simd)
 {
-    static constexpr std::unique_ptr<vfILCompImg> (*kMakers[kLayers])(bool) = {
-        MakeLayerOf<vfILOverImage>,      MakeLayerOf<vfILInImage>,     MakeLayerOf<vfILOutImage>,
-        MakeLayerOf<vfILAtopImage>,      MakeLayerOf<vfILXorImage>,    MakeLayerOf<vfILAddImage>,
-        MakeLayerOf<vfILAddNoClipImage>, MakeLayerOf<vfILDiffImage>,   MakeLayerOf<vfILMultImage>,
-        MakeLayerOf<vfILLighterImage>,   MakeLayerOf<vfILDarkerImage>, MakeLayerOf<vfILLumImage>,
-        MakeLayerOf<vfILColImage>,       MakeLayerOf<vfILNonAddImage>, MakeLayerOf<vfILInvNonAddImage>};
-    return kMakers[static_cast<int>(layer)](simd);
+    static constexpr std::unique_ptr<vfILImgProc> (*kMakers[kKinds])(bool) = {
+        Make<vfILInvertImg>,      Make<vfILCopyImg>,      Make<vfILGrayscaleImg>, Make<ProbeMonadic>,
+        Make<ProbeDyadic>,        Make<vfILCompositeImg>, Make<vfILOverImage>,    Make<vfILInImage>,
+        Make<vfILOutImage>,       Make<vfILAtopImage>,    Make<vfILXorImage>,     Make<vfILAddImage>,
+        Make<vfILAddNoClipImage>, Make<vfILDiffImage>,    Make<vfILMultImage>,    Make<vfILLighterImage>,
+        Make<vfILDarkerImage>,    Make<vfILLumImage>,     Make<vfILColImage>,     Make<vfILNonAddImage>,
+        Make<vfILInvNonAddImage>};
+    return kMakers[kind](simd);
+}
+
+/// Connects one input or two, the first of them dominant.
+inline void Connect(vfILImgProc& processor, IPXImage* a, IPXImage* b, IPXImage* output)
+{
+    if (auto* monadic = dynamic_cast<vfILMonadicImgProc*>(&processor)) monadic->SetInputImg(a);
+    if (auto* dyadic = dynamic_cast<vfILDyadicImgProc*>(&processor)) {
+        dyadic->SetInputImgA(a);
+        dyadic->SetInputImgB(b);
+        dyadic->SetDominantInput(a);
+    }
+    processor.SetOutputImg(output);
 }
 
 /// Sets what a model's setup holds. The pictures are connected: connecting resets the premultiplied flags.

@@ -9,41 +9,15 @@ namespace {
 
 TEST(Error, KindFollowsTheRangeOfTheCode)
 {
-    struct Case {
-        unsigned long code;
-        int none, fatal, warning;
-    };
-    const Case cases[] = {
-        {0, 1, 0, 0},       {1, 0, 0, 0},       {0xFFFF, 0, 0, 0},  {0x10000, 0, 1, 0},    {0x1FFFF, 0, 1, 0},
-        {0x20000, 0, 0, 1}, {0x2FFFF, 0, 0, 1}, {0x30000, 0, 0, 0}, {0xFFFFFFFF, 0, 0, 0},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.code);
-        const vfILError error(c.code);
-        EXPECT_EQ(error.IsNoError(), c.none);
-        EXPECT_EQ(error.IsFatalError(), c.fatal);
-        EXPECT_EQ(error.IsWarning(), c.warning);
-        EXPECT_EQ(static_cast<unsigned long>(error), c.code);
+    for (const unsigned long code :
+         {0x0UL, 0x1UL, 0xFFFFUL, 0x10000UL, 0x1FFFFUL, 0x20000UL, 0x2FFFFUL, 0x30000UL, 0xFFFFFFFFUL}) {
+        const vfILError error(code);
+        EXPECT_EQ(error.IsNoError(), code == 0) << code;
+        EXPECT_EQ(error.IsFatalError(), code >> 16 == 1) << code;
+        EXPECT_EQ(error.IsWarning(), code >> 16 == 2) << code;
+        EXPECT_EQ(static_cast<unsigned long>(error), code);
     }
-}
-
-TEST(Error, CodesCompareIn32Bits)
-{
-    const vfILError generic(0xFFFFFFFF);
-    EXPECT_EQ(vfILError(static_cast<unsigned long>(-1L)) == generic, 1);
-    EXPECT_EQ(vfILError(0x10001) == generic, 0);
-    EXPECT_STREQ(vfILErrorText(static_cast<unsigned long>(-1L)), vfILErrorText(0xFFFFFFFF));
-}
-
-void ExpectText(unsigned long code, std::string_view word)
-{
-    const char* text = vfILErrorText(code);
-    ASSERT_NE(text, nullptr) << code;
-    const std::string_view view(text);
-    EXPECT_TRUE(view.starts_with("%s")) << view;
-    EXPECT_EQ(view.find('%', 1), view.npos) << view;
-    EXPECT_EQ(view.find('\n'), view.size() - 1) << view;
-    EXPECT_NE(view.find(word), view.npos) << view;
+    EXPECT_EQ(vfILError(static_cast<unsigned long>(-1L)) == vfILError(0xFFFFFFFF), 1) << "32 bits count";
 }
 
 TEST(Error, EveryCodeHasATextOfOneLineThatNamesTheClassOnce)
@@ -51,19 +25,16 @@ TEST(Error, EveryCodeHasATextOfOneLineThatNamesTheClassOnce)
     const std::set<unsigned long> unused = {0x10022, 0x1002C, 0x1003B, 0x1004F, 0x10050, 0x10051,
                                             0x10052, 0x1005C, 0x1005F, 0x1006D, 0x20003};
     for (unsigned long code = 0; code < 0x30000; ++code) {
-        const bool fatal = code >= 0x10001 && code <= 0x10073;
-        const bool warning = code >= 0x20001 && code <= 0x20004;
-        if ((fatal || warning) && !unused.contains(code)) {
-            ExpectText(code, warning ? "WARNING" : code == 0x10069 ? "crop" : "ERROR");
-        } else {
-            EXPECT_EQ(vfILErrorText(code), nullptr) << code;
-        }
+        const bool used = (code > 0x10000 && code <= 0x10073) || (code > 0x20000 && code <= 0x20004);
+        const char* text = vfILErrorText(code);
+        ASSERT_EQ(text != nullptr, used && !unused.contains(code)) << code;
+        if (text == nullptr) continue;
+        const std::string_view view(text);
+        EXPECT_TRUE(view.starts_with("%s")) << view;
+        EXPECT_EQ(view.find('%', 1), view.npos) << view;
+        EXPECT_EQ(view.find('\n'), view.size() - 1) << view;
     }
-    ExpectText(0xFFFFFFFF, "ERROR");
-    ExpectText(0x10029, "Bias value");
-    ExpectText(0x1002A, "Edge sensitivity");
-    ExpectText(0x1005D, "morphological mode");
-    ExpectText(0x1005E, "don't care pixels");
+    EXPECT_STREQ(vfILErrorText(0xFFFFFFFF), "%s ERROR: Failure\n");
     EXPECT_EQ(vfILErrorText(0xFFFFFFFE), nullptr);
 }
 

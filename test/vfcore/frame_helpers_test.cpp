@@ -21,49 +21,38 @@ public:
     using vfILImgProc::Uncomposite16, vfILImgProc::Uncomposite8;
 };
 
+std::vector<int> ModelValues(const Arithmetic& m, int f, int b, int a, int c)
+{
+    return {m.Blend(f, b, a),  m.Over(f, b, a), m.In(f, c),  m.Out(f, c),       m.Atop(f, b, a, c),
+            m.Xor(f, b, a, c), m.Product(a, b), m.Add(a, b), m.AddNoClip(a, b), m.Difference(a, b)};
+}
+
 TEST(Helpers, ChannelArithmeticIsTheModels)
 {
+    using H = Helpers;
     std::mt19937 random(1);
-    for (int round = 0; round < 100000; ++round) {
-        const auto b8 = [&] { return static_cast<unsigned char>(RandomSample(random, 255)); };
-        const auto w16 = [&] { return static_cast<unsigned short>(RandomSample(random, 65535)); };
-        const Arithmetic m8{255}, m16{65535};
-        const unsigned char f = b8(), b = b8(), a = b8(), c = b8();
-        ASSERT_EQ(Helpers::BlendChannel8(f, b, a), m8.Blend(f, b, a));
-        ASSERT_EQ(Helpers::FrontOverBack8(f, b, a), m8.Over(f, b, a));
-        ASSERT_EQ(Helpers::FrontInBack8(f, c), m8.In(f, c));
-        ASSERT_EQ(Helpers::FrontOutBack8(f, c), m8.Out(f, c));
-        ASSERT_EQ(Helpers::FrontAtopBack8(f, b, a, c), m8.Atop(f, b, a, c));
-        ASSERT_EQ(Helpers::FrontXorBack8(f, b, a, c), m8.Xor(f, b, a, c));
-        ASSERT_EQ(Helpers::MultChannel(a, b), m8.Product(a, b));
-        ASSERT_EQ(Helpers::AddChannel(a, b), m8.Add(a, b));
-        ASSERT_EQ(Helpers::AddNoClipChannel(a, b), m8.AddNoClip(a, b));
-        ASSERT_EQ(Helpers::DiffChannel(a, b), m8.Difference(a, b));
-        const unsigned short F = w16(), B = w16(), A = w16(), C = w16();
-        ASSERT_EQ(Helpers::BlendChannel16(F, B, A), m16.Blend(F, B, A));
-        ASSERT_EQ(Helpers::FrontOverBack16(F, B, A), m16.Over(F, B, A));
-        ASSERT_EQ(Helpers::FrontInBack16(F, C), m16.In(F, C));
-        ASSERT_EQ(Helpers::FrontOutBack16(F, C), m16.Out(F, C));
-        ASSERT_EQ(Helpers::FrontAtopBack16(F, B, A, C), m16.Atop(F, B, A, C));
-        ASSERT_EQ(Helpers::FrontXorBack16(F, B, A, C), m16.Xor(F, B, A, C));
-        ASSERT_EQ(Helpers::MultChannel(A, B), m16.Product(A, B));
-        ASSERT_EQ(Helpers::AddChannel(A, B), m16.Add(A, B));
-        ASSERT_EQ(Helpers::AddNoClipChannel(A, B), m16.AddNoClip(A, B));
-        ASSERT_EQ(Helpers::DiffChannel(A, B), m16.Difference(A, B));
+    const auto byte = [&] { return static_cast<unsigned char>(RandomSample(random, 255)); };
+    const auto word = [&] { return static_cast<unsigned short>(RandomSample(random, 65535)); };
+    for (int round = 0; round < 20000; ++round) {
+        const unsigned char f = byte(), b = byte(), a = byte(), c = byte();
+        const std::vector<int> values8{H::BlendChannel8(f, b, a),     H::FrontOverBack8(f, b, a),
+                                       H::FrontInBack8(f, c),         H::FrontOutBack8(f, c),
+                                       H::FrontAtopBack8(f, b, a, c), H::FrontXorBack8(f, b, a, c),
+                                       H::MultChannel(a, b),          H::AddChannel(a, b),
+                                       H::AddNoClipChannel(a, b),     H::DiffChannel(a, b)};
+        ASSERT_EQ(values8, ModelValues({255}, f, b, a, c));
+        const unsigned short F = word(), B = word(), A = word(), C = word();
+        const std::vector<int> values16{H::BlendChannel16(F, B, A),     H::FrontOverBack16(F, B, A),
+                                        H::FrontInBack16(F, C),         H::FrontOutBack16(F, C),
+                                        H::FrontAtopBack16(F, B, A, C), H::FrontXorBack16(F, B, A, C),
+                                        H::MultChannel(A, B),           H::AddChannel(A, B),
+                                        H::AddNoClipChannel(A, B),      H::DiffChannel(A, B)};
+        ASSERT_EQ(values16, ModelValues({65535}, F, B, A, C));
         const auto sF = static_cast<short>(F), sB = static_cast<short>(B);
         const int scaled = ((255 - a) * std::abs(sB) + 127) / 255;
         const int sum = sF + (sB < 0 ? -scaled : scaled);
-        ASSERT_EQ(Helpers::FrontOverBack16(sF, sB, a) & 0xFFFF, sum & 0xFFFF) << "wraps to 16 bits";
+        ASSERT_EQ(H::FrontOverBack16(sF, sB, a) & 0xFFFF, sum & 0xFFFF) << "wraps to 16 bits";
     }
-}
-
-TEST(Helpers, ChannelArithmeticByHand)
-{
-    using Word = unsigned short;
-    EXPECT_EQ(Helpers::FrontOverBack8(200, 200, 0), 255);
-    EXPECT_EQ(Helpers::FrontOverBack16(Word{65535}, Word{0}, Word{65535}), 1) << "the front enters unscaled";
-    EXPECT_EQ(Helpers::FrontAtopBack16(65535, 65535, 0, 65535), 65533) << "the sum wraps";
-    EXPECT_EQ(Helpers::DiffChannel(Word{0}, Word{0x1234}), 0x34) << "the low byte";
 }
 
 /// The front that over the back gives the composite, in integers of the depth.
@@ -101,17 +90,15 @@ void CheckUncomposite(Function function, int full)
     std::mt19937 random(2);
     for (int round = 0; round < 100000; ++round) {
         Pixel c, b;
-        for (int& v : c)
-            v = RandomSample(random, full);
-        for (int& v : b)
-            v = RandomSample(random, full);
-        if (round % 8 == 0) b = c;
+        for (std::size_t i = 0; i < 4; ++i) {
+            c[i] = RandomSample(random, full);
+            b[i] = round % 8 == 0 ? c[i] : RandomSample(random, full);
+        }
         const auto s = [](int v) { return static_cast<Sample>(v); };
         Sample r = 0, g = 0, bl = 0, a = 0;
         function(s(c[0]), s(c[1]), s(c[2]), s(c[3]), s(b[0]), s(b[1]), s(b[2]), s(b[3]), r, g, bl, a);
         ASSERT_EQ((Pixel{r, g, bl, a}), Uncomposite(full, c, b))
-            << c[0] << ' ' << c[1] << ' ' << c[2] << ' ' << c[3] << " on " << b[0] << ' ' << b[1] << ' '
-            << b[2] << ' ' << b[3];
+            << testing::PrintToString(c) << " on " << testing::PrintToString(b);
     }
 }
 
@@ -121,38 +108,20 @@ TEST(Helpers, UncompositeFindsTheModelsFront)
     CheckUncomposite<unsigned short>(Helpers::Uncomposite16, 65535);
 }
 
-TEST(Helpers, MemCopyCopiesTheRangeAlone)
-{
-    std::mt19937 random(3);
-    for (const std::size_t bytes : {0U, 1U, 31U, 32U, 95U, 96U, 97U, 127U, 255U, 4095U, 4096U, 4097U, 20001U})
-        for (std::size_t from = 0; from < 33; from += 11)
-            for (std::size_t to = 0; to < 34; ++to) {
-                std::vector<unsigned char> source(bytes + 64);
-                for (unsigned char& byte : source)
-                    byte = static_cast<unsigned char>(random());
-                std::vector<unsigned char> target(bytes + 64, 0xA5);
-                std::vector<unsigned char> expected = target;
-                std::copy_n(&source[from], bytes, &expected[to]);
-                vfILSIMDMemCopy(&source[from], &target[to], bytes);
-                ASSERT_EQ(target, expected) << bytes << " bytes from " << from << " to " << to;
-            }
-}
-
 TEST(Helpers, ModePredicates)
 {
+    vfILCopyImg p;
+    EXPECT_EQ(p.GetProcessingMode(), 7U);
     for (unsigned long mode = 0; mode < 0x400; ++mode) {
-        vfILCopyImg p;
-        EXPECT_EQ(p.GetProcessingMode(), 7U);
         p.SetProcessingMode(mode);
         const unsigned long channels = mode % 16;
-        ASSERT_EQ(p.IsRedChannelProcessed() != 0, channels % 2 == 1);
-        ASSERT_EQ(p.IsGreenChannelProcessed() != 0, channels / 2 % 2 == 1);
-        ASSERT_EQ(p.IsBlueChannelProcessed() != 0, channels / 4 % 2 == 1);
-        ASSERT_EQ(p.IsAlphaChannelProcessed() != 0, channels >= 8);
-        ASSERT_EQ(p.IsOnlyRGBChannelProcessed() != 0, channels == 7);
-        ASSERT_EQ(p.IsOnlyAlphaChannelProcessed() != 0, channels == 8);
-        ASSERT_EQ(p.IsAllChannelProcessed() != 0, channels == 15);
-        ASSERT_EQ(p.IsNoneChannelProcessed() != 0, channels == 0);
+        ASSERT_EQ(p.IsRedChannelProcessed() + 2 * p.IsGreenChannelProcessed() +
+                      4 * p.IsBlueChannelProcessed() + 8 * p.IsAlphaChannelProcessed(),
+                  static_cast<int>(channels));
+        ASSERT_EQ(p.IsOnlyRGBChannelProcessed(), channels == 7);
+        ASSERT_EQ(p.IsOnlyAlphaChannelProcessed(), channels == 8);
+        ASSERT_EQ(p.IsAllChannelProcessed(), channels == 15);
+        ASSERT_EQ(p.IsNoneChannelProcessed(), channels == 0);
     }
 }
 
@@ -160,7 +129,7 @@ TEST(Helpers, ModePredicates)
 TEST(Helpers, ACopyStartsWithItsOwnRoot)
 {
     GuardedImage image(PXFormat_RGBA32, 3, 3);
-    vfILAtopImage atop;
+    vfILAtopImage atop, assigned;
     volatile long flag = 1;
     atop.SetProcessingMode(0xF);
     atop.SetInterruptFct(nullptr, &flag);
@@ -169,25 +138,19 @@ TEST(Helpers, ACopyStartsWithItsOwnRoot)
     atop.SetInputOffset({4, 5});
     atop.SetExtraTransparency(0.25);
     atop.SetMask(1, 2, 3, 3, &image, PXImageChannel_ALPHA);
-    const auto check = [&](const vfILAtopImage& copy) {
-        EXPECT_EQ(copy.GetProcessingMode(), 7U);
-        EXPECT_EQ(copy.MustInterrupt(), 0);
-        EXPECT_TRUE(copy.GetLastError().IsNoError());
-        EXPECT_EQ(copy.GetOutputImg(), &image);
-        EXPECT_EQ(copy.GetROI(), vfILBbox2l(0, 0, 3, 3));
-        EXPECT_EQ(copy.GetInputOffset(), vfILVector2l(4, 5));
-        EXPECT_EQ(copy.GetExtraTransparency(), 0.25);
-        IPXImage* mask = nullptr;
-        PXImageChannel channel = PXImageChannel_MONO;
-        EXPECT_EQ(copy.GetMask(&mask, &channel), vfILBbox2l(1, 2, 3, 3));
-        EXPECT_EQ(copy.GetMask(nullptr, nullptr), vfILBbox2l(1, 2, 3, 3));
-        EXPECT_EQ(mask, &image);
-        EXPECT_EQ(channel, PXImageChannel_ALPHA);
-    };
-    check(vfILAtopImage(atop));
-    vfILAtopImage assigned;
     assigned = atop;
-    check(assigned);
+    vfILAtopImage copied(atop);
+    for (const vfILAtopImage* copy : {&assigned, &copied}) {
+        EXPECT_EQ(copy->GetProcessingMode(), 7U);
+        EXPECT_EQ(copy->MustInterrupt(), 0);
+        EXPECT_TRUE(copy->GetLastError().IsNoError());
+        EXPECT_EQ(copy->GetROI(), vfILBbox2l(0, 0, 3, 3));
+        EXPECT_EQ(copy->GetInputOffset(), vfILVector2l(4, 5));
+        EXPECT_EQ(copy->GetExtraTransparency(), 0.25);
+        PXImageChannel channel = PXImageChannel_MONO;
+        EXPECT_EQ(copy->GetMask(nullptr, &channel), vfILBbox2l(1, 2, 3, 3));
+        EXPECT_EQ(channel, PXImageChannel_ALPHA);
+    }
 }
 
 } // namespace

@@ -4,19 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <sstream>
 
 using namespace vfil::test;
 
 namespace {
-
-enum Kind { kInvert, kCopy, kGrayscale, kProbeMonadic, kProbeDyadic, kMix, kFirstLayer };
-
-std::ostream& operator<<(std::ostream& text, const vfILBbox2l& box)
-{
-    return text << box.GetSizeX() << 'x' << box.GetSizeY() << '+' << box.GetOffsetX() << '+'
-                << box.GetOffsetY();
-}
 
 /// Lays clear and solid stretches over a picture, past which a fast loop may jump.
 void LayRuns(GuardedImage& image, std::mt19937& random)
@@ -55,10 +46,8 @@ private:
     void PlaceMask();
     void MaskByOwnAlpha();
     void ChooseMaskChannel(std::size_t channel);
-    void MakeMonadic();
-    void MakeDyadic();
+    void MakeConfigured();
     Pixel Processed(const Pixel& p, const Pixel& q, int mask) const;
-    std::string Text() const;
 
     std::mt19937 random;
     const int kind;
@@ -107,13 +96,7 @@ Scene::Scene(int operatorKind, unsigned seed)
         MaskByOwnAlpha();
     else
         PlaceMask();
-    monadic ? MakeMonadic() : MakeDyadic();
-    processor->SetOutputImg(output);
-    processor->SetROI(run.roi);
-    processor->SetOutputOffset(run.outputOffset);
-    processor->SetDefaultColor(vfILColor(1.0, 0.0, 0.2, 0.6));
-    processor->SetMask(run.maskBox, const_cast<GuardedImage*>(run.mask), maskChannel);
-    processor->SetProcessingMode(run.mode);
+    MakeConfigured();
 }
 
 /// Mostly small, sometimes past a vector and past the length from which rows are copied another way.
@@ -176,39 +159,24 @@ void Scene::MaskByOwnAlpha()
     ChooseMaskChannel(3);
 }
 
-void Scene::MakeMonadic()
+void Scene::MakeConfigured()
 {
-    std::unique_ptr<vfILMonadicPixelProc> monadic;
-    if (kind == kInvert) monadic = std::make_unique<Switched<vfILInvertImg>>(simd);
-    if (kind == kCopy) monadic = std::make_unique<Switched<vfILCopyImg>>(simd);
-    if (kind == kGrayscale) monadic = std::make_unique<Switched<vfILGrayscaleImg>>(simd);
-    if (kind == kProbeMonadic) monadic = std::make_unique<Switched<ProbeMonadic>>(simd);
-    monadic->SetInputImg(&a);
-    processor = std::move(monadic);
-}
-
-void Scene::MakeDyadic()
-{
-    std::unique_ptr<vfILDyadicPixelProc> dyadic;
-    if (kind == kProbeDyadic) dyadic = std::make_unique<Switched<ProbeDyadic>>(simd);
-    if (kind == kMix) {
-        auto mix = std::make_unique<Switched<vfILCompositeImg>>(simd);
+    processor = MakeProcessor(kind, simd);
+    Connect(*processor, &a, front, output);
+    if (auto* dyadic = dynamic_cast<vfILDyadicImgProc*>(processor.get())) {
+        dyadic->SetDominantInput(run.dominantB ? front : &a);
+        dyadic->SetInputOffset(run.inputOffset);
+    }
+    if (auto* mix = dynamic_cast<vfILCompositeImg*>(processor.get())) {
         mix->SetAlpha(setup.strength);
         mix->SetAlphaMode(setup.alphaMode);
-        dyadic = std::move(mix);
     }
-    if (kind >= kFirstLayer) {
-        auto layer = MakeLayer(setup.layer, simd);
-        layer->SetInputImgA(&a);
-        layer->SetInputImgB(front);
-        Configure(*layer, setup);
-        dyadic = std::move(layer);
-    }
-    dyadic->SetInputImgA(&a);
-    dyadic->SetInputImgB(front);
-    dyadic->SetDominantInput(run.dominantB ? front : &a);
-    dyadic->SetInputOffset(run.inputOffset);
-    processor = std::move(dyadic);
+    if (auto* layer = dynamic_cast<vfILCompImg*>(processor.get())) Configure(*layer, setup);
+    processor->SetROI(run.roi);
+    processor->SetOutputOffset(run.outputOffset);
+    processor->SetDefaultColor(vfILColor(1.0, 0.0, 0.2, 0.6));
+    processor->SetMask(run.maskBox, const_cast<GuardedImage*>(run.mask), maskChannel);
+    processor->SetProcessingMode(run.mode);
 }
 
 Pixel Scene::Processed(const Pixel& p, const Pixel& q, int mask) const
@@ -228,26 +196,9 @@ Pixel Scene::Processed(const Pixel& p, const Pixel& q, int mask) const
     return SelectAndMix(full, format.channels, run.mode, p, processed, mask);
 }
 
-std::string Scene::Text() const
-{
-    std::ostringstream text;
-    text << format.name << " A " << a.Width() << 'x' << a.Height() << " B " << front->Width() << 'x'
-         << front->Height() << " at " << run.inputOffset[0] << ',' << run.inputOffset[1] << " output "
-         << output->Width() << 'x' << output->Height()
-         << (output == &a   ? " is A"
-             : output == &b ? " is B"
-                            : "")
-         << " roi " << run.roi << " to " << run.outputOffset[0] << ',' << run.outputOffset[1] << " mask "
-         << run.maskBox << (run.mask ? " picture" : "") << " channel " << run.maskChannel << " simd " << simd
-         << '\n'
-         << setup;
-    return text.str();
-}
-
 /// Runs and compares all three pictures with what the model foretells.
 void Scene::Check()
 {
-    SCOPED_TRACE(Text());
     ASSERT_EQ(processor->Verify(), VFIL_SUCCESS) << std::hex << processor->GetLastError().GetErrorCode();
     const Snapshot expected =
         ModelRun(run, a, *front, *output,
@@ -270,28 +221,14 @@ class EveryOperator : public testing::TestWithParam<int> {};
 TEST_P(EveryOperator, FollowsTheBoxesAndTheModel)
 {
     for (unsigned round = 0; round < 1000; ++round) {
-        Scene(GetParam(), 1000 * static_cast<unsigned>(GetParam()) + round).Check();
+        const unsigned seed = 1000 * static_cast<unsigned>(GetParam()) + round;
+        SCOPED_TRACE(testing::Message() << "seed " << seed);
+        Scene(GetParam(), seed).Check();
         if (HasFatalFailure()) return;
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Frame, EveryOperator, testing::Range(0, kFirstLayer + kLayers));
-
-// A mask box far to the right reaches beyond 32 bits; it still is everything from its offset on.
-TEST(Frame, MaskBoxAtTheEndOfTheNumbers)
-{
-    std::mt19937 random(3);
-    GuardedImage in(PXFormat_Mono8, 6, 1);
-    GuardedImage out(PXFormat_Mono8, 6, 1);
-    in.Randomise(random);
-    vfILInvertImg invert;
-    invert.SetInputImg(&in);
-    invert.SetOutputImg(&out);
-    invert.SetMask({4, 0, 0x7FFFFFFF, 0x7FFFFFFF}, nullptr, PXImageChannel_MONO);
-    ASSERT_EQ(invert.Execute(), VFIL_SUCCESS);
-    EXPECT_EQ(out.Get(3, 0), in.Get(3, 0));
-    EXPECT_EQ(out.Get(4, 0)[0], 255 - in.Get(4, 0)[0]);
-}
+INSTANTIATE_TEST_SUITE_P(Frame, EveryOperator, testing::Range(0, kKinds));
 
 // Without SetROI the region follows the output; once set it stays.
 TEST(Frame, RegionFollowsTheOutputUntilItIsSet)
@@ -299,13 +236,11 @@ TEST(Frame, RegionFollowsTheOutputUntilItIsSet)
     GuardedImage small(PXFormat_Mono8, 3, 2);
     GuardedImage large(PXFormat_Mono8, 7, 5);
     vfILInvertImg invert;
-    EXPECT_EQ(invert.GetROI(), vfILBbox2l(0, 0, -1, -1));
+    invert.SetOutputImg(&large);
     invert.SetOutputImg(&small);
     EXPECT_EQ(invert.GetROI(), vfILBbox2l(0, 0, 3, 2));
-    invert.SetOutputImg(&large);
-    EXPECT_EQ(invert.GetROI(), vfILBbox2l(0, 0, 7, 5));
     invert.SetROI({1, 1, 2, 2});
-    invert.SetOutputImg(&small);
+    invert.SetOutputImg(&large);
     EXPECT_EQ(invert.GetROI(), vfILBbox2l(1, 1, 2, 2));
 }
 

@@ -76,12 +76,7 @@ vfILStatus vfILDyadicPixelProc::PrepareData()
 
 vfILStatus vfILDyadicPixelProc::AdjustJumps()
 {
-    const vfILFormatInfo& format = *ImageView(GetOutputImg()).format;
-    const vfILBbox2l& box = m_run.processBox;
-    const RowSelection rows = SelectMemoryRows(GetProcessingMode(), format, box.GetOffsetY(), box.GetSizeY());
-    m_run.rows = rows.count;
-    for (vfILRowWalk* walk : {&m_inputA, &m_inputB, &m_run.mask, &m_run.output})
-        SelectRows(*walk, rows);
+    SelectRows(m_run, GetProcessingMode(), GetOutputImg(), {&m_inputA, &m_inputB});
     return VFIL_SUCCESS;
 }
 

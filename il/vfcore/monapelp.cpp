@@ -50,12 +50,7 @@ vfILStatus vfILMonadicPixelProc::PrepareData()
 
 vfILStatus vfILMonadicPixelProc::AdjustJumps()
 {
-    const vfILFormatInfo& format = *ImageView(GetOutputImg()).format;
-    const vfILBbox2l& box = m_run.processBox;
-    const RowSelection rows = SelectMemoryRows(GetProcessingMode(), format, box.GetOffsetY(), box.GetSizeY());
-    m_run.rows = rows.count;
-    for (vfILRowWalk* walk : {&m_input, &m_run.mask, &m_run.output})
-        SelectRows(*walk, rows);
+    SelectRows(m_run, GetProcessingMode(), GetOutputImg(), {&m_input});
     return VFIL_SUCCESS;
 }
 

@@ -37,6 +37,15 @@ unsigned char* ReadToBuffer(IPXImage* image, const vfILBbox2l& box, long pixelBy
     return bytes;
 }
 
+/// Moves a walk onto the selected rows.
+void MoveOnto(vfILRowWalk& walk, const RowSelection& rows)
+{
+    if (walk.first != nullptr) walk.first += rows.skip * walk.step;
+    walk.step *= rows.step;
+    if (walk.plane != nullptr) walk.plane += rows.skip * walk.planeStep;
+    walk.planeStep *= rows.step;
+}
+
 } // namespace
 
 bool PrepareInput(const InputPart& input, vfILPixelRun& run, vfILRowWalk& walk, vfILRunBuffer& buffer)
@@ -95,12 +104,17 @@ bool AreConnected(IPXImage* input, IPXImage* output)
     return from.Box().IsNull() || (from.HasPixels() && from.RowPixelBytes() == to.RowPixelBytes());
 }
 
-void SelectRows(vfILRowWalk& walk, const RowSelection& rows)
+void SelectRows(vfILPixelRun& run, unsigned long mode, IPXImage* output,
+                std::initializer_list<vfILRowWalk*> inputs)
 {
-    if (walk.first != nullptr) walk.first += rows.skip * walk.step;
-    walk.step *= rows.step;
-    if (walk.plane != nullptr) walk.plane += rows.skip * walk.planeStep;
-    walk.planeStep *= rows.step;
+    const vfILBbox2l& box = run.processBox;
+    const vfILFormatInfo& format = *ImageView(output).format;
+    const RowSelection rows = SelectMemoryRows(mode, format, box.GetOffsetY(), box.GetSizeY());
+    run.rows = rows.count;
+    for (vfILRowWalk* input : inputs)
+        MoveOnto(*input, rows);
+    MoveOnto(run.mask, rows);
+    MoveOnto(run.output, rows);
 }
 
 } // namespace vfil

@@ -5,6 +5,8 @@
 #include "imageview.h"
 #include "regions.h"
 
+#include <initializer_list>
+
 namespace vfil {
 
 /// What PrepareInput needs to know of an input, in the input's own coordinates.
@@ -30,7 +32,8 @@ bool PrepareMaskAndOutput(vfILPixelRun& run, IPXImage* output, IPXImage* mask, c
 /// at all needs none.
 bool AreConnected(IPXImage* input, IPXImage* output);
 
-/// Moves a walk onto the selected rows.
-void SelectRows(vfILRowWalk& walk, const RowSelection& rows);
+/// Moves the walks of the inputs, the mask and the output onto the rows that the mode's field bits select.
+void SelectRows(vfILPixelRun& run, unsigned long mode, IPXImage* output,
+                std::initializer_list<vfILRowWalk*> inputs);
 
 } // namespace vfil

@@ -27,19 +27,25 @@ inline constexpr std::size_t kStreamingBytes = std::size_t{4} << 20;
 /// a row took a copy from 0.15 to 0.18 ns a pixel.
 void FinishStreaming();
 
+struct YccRows;
+struct KeyRows;
+struct DepthRows;
+struct ModelRows;
+
 // Each takes the entries that its level has a vector form of; defined in the *_simd.cpp of the family.
-namespace sse2 {
-void Fill(CompRows& rows);
-void Fill(PointRows& rows);
-} // namespace sse2
-namespace avx2 {
-void Fill(CompRows& rows);
-void Fill(PointRows& rows);
-} // namespace avx2
-namespace avx512 {
-void Fill(CompRows& rows);
-void Fill(PointRows& rows);
-} // namespace avx512
+#define VFIL_DECLARE_LEVEL(level)                                                                            \
+    namespace level {                                                                                        \
+    void Fill(CompRows& rows);                                                                               \
+    void Fill(PointRows& rows);                                                                              \
+    void Fill(YccRows& rows);                                                                                \
+    void Fill(KeyRows& rows);                                                                                \
+    void Fill(DepthRows& rows);                                                                              \
+    void Fill(ModelRows& rows);                                                                              \
+    }
+VFIL_DECLARE_LEVEL(sse2)
+VFIL_DECLARE_LEVEL(avx2)
+VFIL_DECLARE_LEVEL(avx512)
+#undef VFIL_DECLARE_LEVEL
 
 /// A family's tables. A level starts as a copy of the level below, so that an entry is never null. A level
 /// that the machine lacks stays that copy: even its Fill may use instructions that trap here.

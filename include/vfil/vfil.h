@@ -5,9 +5,13 @@
 #include <vfil/color.h>
 #include <vfil/composite.h>
 #include <vfil/error.h>
+#include <vfil/fields.h>
+#include <vfil/fillkey.h>
 #include <vfil/frame.h>
 #include <vfil/geometry.h>
 #include <vfil/image.h>
+#include <vfil/models.h>
+#include <vfil/numeric.h>
 #include <vfil/pixel.h>
 #include <vfil/pxformat.h>
 #include <vfil/tables.h>

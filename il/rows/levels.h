@@ -27,17 +27,6 @@ inline constexpr std::size_t kStreamingBytes = std::size_t{3} << 20;
 /// a row took a copy from 0.15 to 0.18 ns a pixel.
 void FinishStreaming();
 
-/// Asks for a row that is read soon. Of use where rows are read backward, which a processor does not foresee:
-/// 0.36 for 0.6 ns a pixel of 4:2:2.
-inline void AskForRow([[maybe_unused]] const unsigned char* row, [[maybe_unused]] std::size_t bytes)
-{
-#if defined(__GNUC__)
-    constexpr std::size_t lineBytes = 64;
-    for (std::size_t at = 0; at < bytes; at += lineBytes)
-        __builtin_prefetch(row + at);
-#endif
-}
-
 struct YccRows;
 struct KeyRows;
 struct DepthRows;

@@ -75,7 +75,7 @@ using EncodeRow = void (*)(const std::uint8_t* rgb, std::uint8_t* ycc, std::size
 /// \param alpha  One byte a pixel for the fourth byte of 4-byte pixels; null for full alpha. Not looked at
 /// for 3-byte pixels.
 using DecodeRow = void (*)(const std::uint8_t* ycc, const std::uint8_t* alpha, std::uint8_t* rgb,
-                           std::size_t pixels, const YccLayout& layout);
+                           std::size_t pixels, const YccLayout& layout, std::ptrdiff_t nextRow);
 
 /// The kernels of one level.
 struct YccRows {

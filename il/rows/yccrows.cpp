@@ -85,7 +85,7 @@ void StoreRgb(Ycc pixel, const DecodeTable& table, bool blueFirst, std::uint8_t*
 
 template <YccArithmetic arithmetic, int pixelBytes, bool interpolating>
 void PlainDecode(const std::uint8_t* ycc, const std::uint8_t* alpha, std::uint8_t* rgb, std::size_t pixels,
-                 const YccLayout& layout)
+                 const YccLayout& layout, std::ptrdiff_t /*nextRow*/)
 {
     const DecodeTable& table = kDecode[static_cast<int>(arithmetic)][static_cast<int>(layout.weights)];
     const int luma = layout.chromaFirst ? 1 : 0;

@@ -362,8 +362,19 @@ struct DecodeRules {
     using Arithmetic = Decoder<kArithmetic>;
 };
 
+/// Pixels of 4:2:2 in a line of the cache.
+constexpr std::size_t kLinePixels = 32;
+
+/// Asks for the line some bytes from here, which need not exist.
+void AskFor(const Byte* here, std::ptrdiff_t bytes)
+{
+    const std::uintptr_t there = reinterpret_cast<std::uintptr_t>(here) + static_cast<std::uintptr_t>(bytes);
+    _mm_prefetch(reinterpret_cast<const char*>(there), _MM_HINT_T0);
+}
+
 template <class Rules>
-void DecodePairs(const Byte* ycc, const Byte* alpha, Byte* rgb, std::size_t pixels, const YccLayout& layout)
+void DecodePairs(const Byte* ycc, const Byte* alpha, Byte* rgb, std::size_t pixels, const YccLayout& layout,
+                 std::ptrdiff_t nextRow)
 {
     constexpr std::size_t bytes = Rules::pixelBytes;
     const typename Rules::Arithmetic decode(layout);
@@ -371,6 +382,7 @@ void DecodePairs(const Byte* ycc, const Byte* alpha, Byte* rgb, std::size_t pixe
     constexpr std::size_t ahead = Rules::interpolating ? 2 : 0;
     std::size_t at = 0;
     for (; pixels - at >= kStep + ahead; at += kStep) {
+        if (at % kLinePixels == 0) AskFor(ycc + 2 * at, nextRow);
         StorePixels<Rules::pixelBytes, Rules::blueFirst, Rules::streaming>(
             rgb + bytes * at, decode(WithRightChroma<Rules::interpolating>(ycc + 2 * at)),
             LoadAlpha<Rules::hasAlpha>(alpha, at));
@@ -389,28 +401,30 @@ void DecodePairs(const Byte* ycc, const Byte* alpha, Byte* rgb, std::size_t pixe
 }
 
 template <YccArithmetic arithmetic, int pixelBytes, bool interpolating, bool hasAlpha, bool streaming>
-void DecodeOrders(const Byte* ycc, const Byte* alpha, Byte* rgb, std::size_t pixels, const YccLayout& layout)
+void DecodeOrders(const Byte* ycc, const Byte* alpha, Byte* rgb, std::size_t pixels, const YccLayout& layout,
+                  std::ptrdiff_t nextRow)
 {
     const auto decode =
         layout.blueFirst
             ? DecodePairs<DecodeRules<arithmetic, pixelBytes, interpolating, hasAlpha, true, streaming>>
             : DecodePairs<DecodeRules<arithmetic, pixelBytes, interpolating, hasAlpha, false, streaming>>;
-    decode(ycc, alpha, rgb, pixels & ~std::size_t{1}, layout);
+    decode(ycc, alpha, rgb, pixels & ~std::size_t{1}, layout, nextRow);
 }
 
 template <bool interpolating, bool streaming>
-void Decode32(const Byte* ycc, const Byte* alpha, Byte* rgb, std::size_t pixels, const YccLayout& layout)
+void Decode32(const Byte* ycc, const Byte* alpha, Byte* rgb, std::size_t pixels, const YccLayout& layout,
+              std::ptrdiff_t nextRow)
 {
     constexpr YccArithmetic fast = YccArithmetic::Fast;
     const bool around = streaming && IsAligned(rgb);
     if (alpha != nullptr) {
         const auto decode = around ? DecodeOrders<fast, 4, interpolating, true, streaming>
                                    : DecodeOrders<fast, 4, interpolating, true, false>;
-        decode(ycc, alpha, rgb, pixels, layout);
+        decode(ycc, alpha, rgb, pixels, layout, nextRow);
     } else {
         const auto decode = around ? DecodeOrders<fast, 4, interpolating, false, streaming>
                                    : DecodeOrders<fast, 4, interpolating, false, false>;
-        decode(ycc, alpha, rgb, pixels, layout);
+        decode(ycc, alpha, rgb, pixels, layout, nextRow);
     }
 }
 

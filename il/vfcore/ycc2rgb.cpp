@@ -117,12 +117,10 @@ void vfILYCC2RGBProc::Convert8_YCC4222RGBA(int hasAlpha, PXColorModel model, int
     const ImageView input(GetInputImg());
     ForEachRow(*this, Run().rows, [&](long row) {
         const long from = input.MemoryRow(row);
-        if (row + 1 < Run().rows) {
-            AskForRow(RowAt(Run().input, input.MemoryRow(row + 1)),
-                      static_cast<std::size_t>(input.RowBytes()));
-        }
+        const long next = input.MemoryRow(std::min(row + 1, Run().rows - 1));
         decode(RowAt(Run().input, from), input.format->alphaPlane ? PlaneRowAt(Run().input, from) : nullptr,
-               RowAt(Run().output, row), static_cast<std::size_t>(Run().width), layout);
+               RowAt(Run().output, row), static_cast<std::size_t>(Run().width), layout,
+               (next - from) * Run().input.step);
     });
 }
 

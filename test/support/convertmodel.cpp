@@ -60,6 +60,14 @@ std::array<Value, 4> Ordered(const FormatCase& format, const std::array<Value, 4
     return format.Is('C') ? std::array<Value, 4>{pair[1], pair[0], pair[3], pair[2]} : pair;
 }
 
+/// Y0 Cb Y1 Cr of the pair that begins with a pixel.
+std::array<std::uint8_t, 4> PairAt(const FormatCase& format, const Bytes& picture, long pixel)
+{
+    std::array<std::uint8_t, 4> pair{};
+    std::copy_n(picture.data() + pixel * 2, 4, pair.begin());
+    return Ordered(format, pair);
+}
+
 struct LumaWeights {
     double red;
     double blue;
@@ -172,15 +180,10 @@ Bytes ToRgb(const Conversion& conversion, const Bytes& input, Bytes output)
     for (const long row : RowsFromBottom(from, height))
         for (long x = 0; x < width; ++x, pixel += to.pixelBytes) {
             if (x == paired) continue;
-            const auto pairAt = [&](long column) {
-                std::array<std::uint8_t, 4> pair{};
-                std::copy_n(input.data() + (row * width + column) * 2, 4, pair.begin());
-                return Ordered(from, pair);
-            };
-            const auto pair = pairAt(x / 2 * 2);
+            const auto pair = PairAt(from, input, row * width + x / 2 * 2);
             Triple ycc{pair[x % 2 == 0 ? 0 : 2], pair[1], pair[3]};
             if (setup.filter && x % 2 == 1 && x + 1 < paired) {
-                const auto next = pairAt(x + 1);
+                const auto next = PairAt(from, input, row * width + x + 1);
                 ycc[1] = (pair[1] + next[1] + 1) >> 1;
                 ycc[2] = (pair[3] + next[3] + 1) >> 1;
             }

@@ -28,6 +28,9 @@ const AVOutputFormat& ContainerFor(const fs::path& path, const VideoSettings& se
     SilenceLibav();
     if (!settings.container.empty()) {
         const AVOutputFormat* named = av_guess_format(settings.container.c_str(), nullptr, nullptr);
+        // "y4m" and "mkv" are endings of names, and nobody calls their containers otherwise.
+        if (named == nullptr)
+            named = av_guess_format(nullptr, ("clip." + settings.container).c_str(), nullptr);
         if (named == nullptr)
             throw FileError(path, "no kind of clip is called " + Quoted(settings.container) +
                                       "; there are nut, yuv4mpegpipe, matroska, mov, mp4, avi and more");

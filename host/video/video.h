@@ -113,7 +113,7 @@ struct VideoSettings {
     AlphaState alpha = AlphaState::None;
     /// Empty: \p likeInput's where the container can hold it and alpha is kept, else the container's.
     std::string codec;
-    /// Empty: by the name's ending; NUT for "-". "nut" and "yuv4mpegpipe" stream.
+    /// A name or an ending. Empty: by the name's ending; NUT for "-". "nut" and "y4m" stream.
     std::string container;
     /// Options of the codec by name, as its library has them: {"crf", "18"}.
     std::vector<std::pair<std::string, std::string>> codecOptions;

@@ -154,19 +154,20 @@ bool IsAligned(const Byte* p)
 }
 
 template <YccArithmetic arithmetic, int pixelBytes, bool averaging, bool streaming>
-void Encode(const Byte* rgb, Byte* ycc, std::size_t pixels, const YccLayout& layout)
+void EncodeOrders(const Byte* rgb, Byte* ycc, std::size_t pixels, const YccLayout& layout)
 {
-    const EncodeConstants weights = MakeConstants<arithmetic>(layout);
-    const std::size_t even = pixels & ~std::size_t{1};
-    if (streaming && IsAligned(ycc)) {
-        layout.chromaFirst
-            ? EncodePairs<arithmetic, pixelBytes, averaging, true, streaming>(rgb, ycc, even, weights)
-            : EncodePairs<arithmetic, pixelBytes, averaging, false, streaming>(rgb, ycc, even, weights);
-    } else {
-        layout.chromaFirst
-            ? EncodePairs<arithmetic, pixelBytes, averaging, true, false>(rgb, ycc, even, weights)
-            : EncodePairs<arithmetic, pixelBytes, averaging, false, false>(rgb, ycc, even, weights);
-    }
+    const auto encode = layout.chromaFirst ? EncodePairs<arithmetic, pixelBytes, averaging, true, streaming>
+                                           : EncodePairs<arithmetic, pixelBytes, averaging, false, streaming>;
+    encode(rgb, ycc, pixels & ~std::size_t{1}, MakeConstants<arithmetic>(layout));
+}
+
+/// Stores around the cache where the output allows it.
+template <YccArithmetic arithmetic, int pixelBytes, bool averaging>
+void EncodeStreaming(const Byte* rgb, Byte* ycc, std::size_t pixels, const YccLayout& layout)
+{
+    const auto encode = IsAligned(ycc) ? EncodeOrders<arithmetic, pixelBytes, averaging, true>
+                                       : EncodeOrders<arithmetic, pixelBytes, averaging, false>;
+    encode(rgb, ycc, pixels, layout);
 }
 
 /// kStep / 2 pairs of 4:2:2, each in the lower half of 64 bits.
@@ -365,13 +366,6 @@ struct DecodeRules {
 /// Pixels of 4:2:2 in a line of the cache.
 constexpr std::size_t kLinePixels = 32;
 
-/// Asks for the line some bytes from here, which need not exist.
-void AskFor(const Byte* here, std::ptrdiff_t bytes)
-{
-    const std::uintptr_t there = reinterpret_cast<std::uintptr_t>(here) + static_cast<std::uintptr_t>(bytes);
-    _mm_prefetch(reinterpret_cast<const char*>(there), _MM_HINT_T0);
-}
-
 template <class Rules>
 void DecodePairs(const Byte* ycc, const Byte* alpha, Byte* rgb, std::size_t pixels, const YccLayout& layout,
                  std::ptrdiff_t nextRow)
@@ -382,7 +376,8 @@ void DecodePairs(const Byte* ycc, const Byte* alpha, Byte* rgb, std::size_t pixe
     constexpr std::size_t ahead = Rules::interpolating ? 2 : 0;
     std::size_t at = 0;
     for (; pixels - at >= kStep + ahead; at += kStep) {
-        if (at % kLinePixels == 0) AskFor(ycc + 2 * at, nextRow);
+        if (at % kLinePixels == 0)
+            _mm_prefetch(reinterpret_cast<const char*>(ycc + 2 * at + nextRow), _MM_HINT_T0);
         StorePixels<Rules::pixelBytes, Rules::blueFirst, Rules::streaming>(
             rgb + bytes * at, decode(WithRightChroma<Rules::interpolating>(ycc + 2 * at)),
             LoadAlpha<Rules::hasAlpha>(alpha, at));
@@ -411,21 +406,24 @@ void DecodeOrders(const Byte* ycc, const Byte* alpha, Byte* rgb, std::size_t pix
     decode(ycc, alpha, rgb, pixels & ~std::size_t{1}, layout, nextRow);
 }
 
+/// Pixels of 4 bytes.
 template <bool interpolating, bool streaming>
 void Decode32(const Byte* ycc, const Byte* alpha, Byte* rgb, std::size_t pixels, const YccLayout& layout,
               std::ptrdiff_t nextRow)
 {
     constexpr YccArithmetic fast = YccArithmetic::Fast;
-    const bool around = streaming && IsAligned(rgb);
-    if (alpha != nullptr) {
-        const auto decode = around ? DecodeOrders<fast, 4, interpolating, true, streaming>
-                                   : DecodeOrders<fast, 4, interpolating, true, false>;
-        decode(ycc, alpha, rgb, pixels, layout, nextRow);
-    } else {
-        const auto decode = around ? DecodeOrders<fast, 4, interpolating, false, streaming>
-                                   : DecodeOrders<fast, 4, interpolating, false, false>;
-        decode(ycc, alpha, rgb, pixels, layout, nextRow);
-    }
+    const auto decode = alpha != nullptr ? DecodeOrders<fast, 4, interpolating, true, streaming>
+                                         : DecodeOrders<fast, 4, interpolating, false, streaming>;
+    decode(ycc, alpha, rgb, pixels, layout, nextRow);
+}
+
+/// Stores around the cache where the output allows it.
+template <bool interpolating>
+void Decode32Streaming(const Byte* ycc, const Byte* alpha, Byte* rgb, std::size_t pixels,
+                       const YccLayout& layout, std::ptrdiff_t nextRow)
+{
+    const auto decode = IsAligned(rgb) ? Decode32<interpolating, true> : Decode32<interpolating, false>;
+    decode(ycc, alpha, rgb, pixels, layout, nextRow);
 }
 
 template <bool filtered>
@@ -433,12 +431,12 @@ void FillFiltered(YccRows& rows)
 {
     constexpr int exact = static_cast<int>(YccArithmetic::Exact);
     constexpr int fast = static_cast<int>(YccArithmetic::Fast);
-    rows.encode[fast][1][filtered][0] = Encode<YccArithmetic::Fast, 4, filtered, false>;
-    rows.encode[fast][1][filtered][1] = Encode<YccArithmetic::Fast, 4, filtered, true>;
-    rows.encode[exact][0][filtered][0] = Encode<YccArithmetic::Exact, 3, filtered, false>;
-    rows.encode[exact][0][filtered][1] = Encode<YccArithmetic::Exact, 3, filtered, true>;
+    rows.encode[fast][1][filtered][0] = EncodeOrders<YccArithmetic::Fast, 4, filtered, false>;
+    rows.encode[fast][1][filtered][1] = EncodeStreaming<YccArithmetic::Fast, 4, filtered>;
+    rows.encode[exact][0][filtered][0] = EncodeOrders<YccArithmetic::Exact, 3, filtered, false>;
+    rows.encode[exact][0][filtered][1] = EncodeStreaming<YccArithmetic::Exact, 3, filtered>;
     rows.decode[fast][1][filtered][0] = Decode32<filtered, false>;
-    rows.decode[fast][1][filtered][1] = Decode32<filtered, true>;
+    rows.decode[fast][1][filtered][1] = Decode32Streaming<filtered>;
     // Pixels of 3 bytes never align with the stores that go around the cache.
     rows.decode[exact][0][filtered][0] = DecodeOrders<YccArithmetic::Exact, 3, filtered, false, false>;
     rows.decode[exact][0][filtered][1] = DecodeOrders<YccArithmetic::Exact, 3, filtered, false, false>;

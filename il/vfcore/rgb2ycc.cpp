@@ -114,7 +114,7 @@ namespace {
 /// The start of a dithered row: a number of 0 .. 1 as a residue.
 std::uint32_t Residue(vfILRandomNumber& random, double most)
 {
-    return static_cast<std::uint32_t>(random.GetNumber() * most + 0.5);
+    return static_cast<std::uint32_t>(RoundHalfAway(random.GetNumber() * most));
 }
 
 /// What is left over before a row's first pixel.

@@ -254,7 +254,7 @@ EncoderChoice ChooseEncoder(const fs::path& path, const VideoSettings& settings)
     };
     const auto loss = [&](const PixelKind& kind) {
         if (!fits(kind)) return std::numeric_limits<int>::max();
-        const bool likeInput = like != nullptr && kind.alpha == needsAlpha &&
+        const bool likeInput = like != nullptr && settings.likeSampling && kind.alpha == needsAlpha &&
                                WithoutRange(like->Kind().format) == WithoutRange(kind.format);
         return Loss(*from, kind, needsAlpha) - (likeInput ? 10000 : 0);
     };

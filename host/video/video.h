@@ -120,6 +120,9 @@ struct VideoSettings {
     /// Codec and sampling to prefer, and whose other streams are copied where the container takes them. May
     /// be null. Must outlive the writer.
     const VideoReader* likeInput = nullptr;
+    /// False takes only the codec from likeInput: the sampling is that of the frames, as far as the codec has
+    /// it.
+    bool likeSampling = true;
 };
 
 /// Writes a clip in order. The file appears under its name when Finish has returned: until then, and after a

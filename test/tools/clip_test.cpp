@@ -135,6 +135,16 @@ TEST_F(ClipTest, YccOfRgbHasStudioRange)
     }
 }
 
+TEST_F(ClipTest, SamplingIsTheInputsUnlessAFormatIsNamed)
+{
+    Encode(std::string(kFrames) +
+           " -frames:v 2 -vf setparams=colorspace=smpte170m:range=tv -pix_fmt yuv420p -c:v ffv1 in.mkv");
+    RunWell("copy in.mkv -o same.mkv");
+    RunWell("convert in.mkv --to yuv422-601 -o named.mkv");
+    EXPECT_THAT(Flags("same.mkv"), testing::HasSubstr(",yuv420p,"));
+    EXPECT_THAT(Flags("named.mkv"), testing::HasSubstr(",yuv422p,"));
+}
+
 TEST_F(ClipTest, AFrameIsWhatThePictureWouldBe)
 {
     MakeRaw("clip.mkv", 6);

@@ -102,6 +102,7 @@ host::VideoSettings SettingsLike(const SinkPlan& sink, const Signal& signal, con
     settings.container = sink.sink.container;
     settings.codecOptions = sink.sink.codecOptions;
     settings.likeInput = &like;
+    settings.likeSampling = !sink.sink.to; // who names a format has decided about it
     return settings;
 }
 

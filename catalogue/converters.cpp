@@ -31,24 +31,11 @@ std::vector<GUID> InputsOf(const Pairs& pairs)
 template <class P>
 Entry Converter(const char* className, const char* summary, const Pairs& pairs)
 {
-    return {
-        .name = CommandName(className),
-        .className = className,
-        .family = "convert",
-        .summary = summary,
-        .inputs = {{"picture", "the picture to convert"}},
-        .formats = InputsOf(pairs),
-        .conversions = pairs,
-        .parameters = {},
-        .channels = VFIL_MODE_RGBA,
-        .fixedChannels = VFIL_MODE_RGBA,
-        .mask = MaskUse::None,
-        .multiplied = false,
-        .whole = true,
-        .spatialReach = 0,
-        .temporalReach = 0,
-        .bands = false,
-        .make = [](bool simd) -> std::unique_ptr<Operator> { return std::make_unique<OperatorOf<P>>(simd); }};
+    Entry entry = WholePictureEntry<P>(CommandName(className), className, "convert", summary);
+    entry.inputs = {{"picture", "the picture to convert"}};
+    entry.formats = InputsOf(pairs);
+    entry.conversions = pairs;
+    return entry;
 }
 
 Pairs BothWays(Pairs pairs)

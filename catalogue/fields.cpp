@@ -46,24 +46,13 @@ std::vector<Parameter> Alphas()
 
 Entry TwoTapIir()
 {
-    return {.name = CommandName("vfIL2TapIIR"),
-            .className = "vfIL2TapIIR",
-            .family = "field",
-            .summary = "smooth along rows and columns",
-            .inputs = {{"picture", "the picture to smooth"}},
-            .formats = {PXFormat_RGBA32},
-            .parameters = Alphas(),
-            .channels = VFIL_MODE_RGBA,
-            .fixedChannels = VFIL_MODE_RGBA,
-            .mask = MaskUse::None,
-            .multiplied = false,
-            .whole = true,
-            .spatialReach = kWholePicture,
-            .temporalReach = 0,
-            .bands = false,
-            .make = [](bool simd) -> std::unique_ptr<Operator> {
-                return std::make_unique<OperatorOf<vfIL2TapIIR>>(simd);
-            }};
+    Entry entry = WholePictureEntry<vfIL2TapIIR>(CommandName("vfIL2TapIIR"), "vfIL2TapIIR", "field",
+                                                 "smooth along rows and columns");
+    entry.inputs = {{"picture", "the picture to smooth"}};
+    entry.formats = {PXFormat_RGBA32};
+    entry.parameters = Alphas();
+    entry.spatialReach = kWholePicture;
+    return entry;
 }
 
 } // namespace

@@ -29,32 +29,10 @@ std::vector<Side> Sides()
     return sides;
 }
 
-template <class P>
-Entry Key(const char* name, const char* className, const char* summary)
-{
-    return {
-        .name = name,
-        .className = className,
-        .family = "key",
-        .summary = summary,
-        .inputs = {},
-        .formats = {},
-        .parameters = {},
-        .channels = VFIL_MODE_RGBA,
-        .fixedChannels = VFIL_MODE_RGBA,
-        .mask = MaskUse::None,
-        .multiplied = false,
-        .whole = true,
-        .spatialReach = 0,
-        .temporalReach = 0,
-        .bands = false,
-        .make = [](bool simd) -> std::unique_ptr<Operator> { return std::make_unique<OperatorOf<P>>(simd); }};
-}
-
 Entry Split()
 {
-    Entry entry =
-        Key<vfILYCCA2YCCYCC>("split-key", "vfILYCCA2YCCYCC", "split a picture with alpha into fill and key");
+    Entry entry = WholePictureEntry<vfILYCCA2YCCYCC>("split-key", "vfILYCCA2YCCYCC", "key",
+                                                     "split a picture with alpha into fill and key");
     entry.inputs = {{"picture", "the picture with alpha"}};
     entry.outputs = {{"fill", "its colour", true}, {"key", "its alpha as luma", true}};
     entry.formats = {PXFormat_YCCA422_601, PXFormat_YCCA422_709};
@@ -98,8 +76,8 @@ Parameter FillColor()
 
 Entry Join()
 {
-    Entry entry =
-        Key<vfILYCCYCC2YCCA>("join-key", "vfILYCCYCC2YCCA", "join fill and key to a picture with alpha");
+    Entry entry = WholePictureEntry<vfILYCCYCC2YCCA>("join-key", "vfILYCCYCC2YCCA", "key",
+                                                     "join fill and key to a picture with alpha");
     entry.inputs = {{"fill", "its colour", true}, {"key", "its alpha as luma", true}};
     for (const Side& side : Sides()) {
         entry.formats.push_back(side.plain);

@@ -1,11 +1,13 @@
 /// \file
-/// Parameters that several families have in common.
+/// Parameters and entries that several families have in common.
 #pragma once
 
 #include <catalogue/catalogue.h>
 #include <catalogue/names.h>
 
+#include <memory>
 #include <optional>
+#include <string>
 
 namespace vfil::catalogue {
 
@@ -39,6 +41,31 @@ inline Parameter FlagParameter(const char* setter, std::optional<Value> fallback
             .refusal = 0,
             .apply = apply,
             .read = read};
+}
+
+/// A processor that treats whole pictures, in all channels and without a mask; inputs and formats are the
+/// caller's to add.
+template <class P>
+Entry WholePictureEntry(const std::string& name, const char* className, const char* family,
+                        const char* summary)
+{
+    return {
+        .name = name,
+        .className = className,
+        .family = family,
+        .summary = summary,
+        .inputs = {},
+        .formats = {},
+        .parameters = {},
+        .channels = VFIL_MODE_RGBA,
+        .fixedChannels = VFIL_MODE_RGBA,
+        .mask = MaskUse::None,
+        .multiplied = false,
+        .whole = true,
+        .spatialReach = 0,
+        .temporalReach = 0,
+        .bands = false,
+        .make = [](bool simd) -> std::unique_ptr<Operator> { return std::make_unique<OperatorOf<P>>(simd); }};
 }
 
 } // namespace vfil::catalogue

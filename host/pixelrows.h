@@ -1,6 +1,6 @@
 /// \file
 /// How rows of pixels go between picture files and memory: order, channels, depth and premultiplication.
-/// Private to the host.
+/// The command uses the conversions of whole pictures too; the rest is private to the host.
 #pragma once
 
 #include "host/picture.h"

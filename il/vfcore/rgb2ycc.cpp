@@ -89,8 +89,8 @@ void vfILRGB2YCCProc::Convert8_RGBA2YCCA(int hasAlpha)
     const bool blueFirst = vfILFindFormat(InputFormat())->blueFirst;
     const auto pixels = static_cast<std::size_t>(Run().width);
     ForEachRow(*this, Run().rows, [&](long row) {
-        const std::uint8_t* rgb = RowAt(Run().input, row);
-        std::uint8_t* ycc = RowAt(Run().output, row);
+        const auto* rgb = RowOf<const std::uint8_t>(Run().input, row);
+        auto* ycc = RowOf<std::uint8_t>(Run().output, row);
         if (hasAlpha == 0 || blueFirst) {
             const PixelRow order = hasAlpha != 0 ? bytes.swap[0] : bytes.expand[blueFirst][0];
             order(rgb, ycc, pixels);
@@ -141,8 +141,8 @@ void vfILRGB2YCCProc::Convert8_RGBA2YCC422(int hasAlpha, PXColorModel model, int
     const EncodeRow encode = FindEncodeRow({arithmetic, pixelBytes, filtered, vectors, Run().streaming});
     const ImageView output(GetOutputImg());
     ForEachRow(*this, Run().rows, [&](long row) {
-        const std::uint8_t* rgb = RowAt(Run().input, row);
-        std::uint8_t* ycc = RowAt(Run().output, output.MemoryRow(row));
+        const auto* rgb = RowOf<const std::uint8_t>(Run().input, row);
+        auto* ycc = RowOf<std::uint8_t>(Run().output, output.MemoryRow(row));
         if (DoDithering != 0) {
             EncodeDithered(rgb, ycc, pixels, pixelBytes, filtered, layout, DrawResidue(m_dither, filtered));
         } else {

@@ -81,8 +81,8 @@ void vfILYCC2RGBProc::Convert8_YCCA2RGBA(int hasAlpha)
     const bool blueFirst = vfILFindFormat(OutputFormat())->blueFirst;
     const auto pixels = static_cast<std::size_t>(Run().width);
     ForEachRow(*this, Run().rows, [&](long row) {
-        const std::uint8_t* ycc = RowAt(Run().input, row);
-        std::uint8_t* rgb = RowAt(Run().output, row);
+        const auto* ycc = RowOf<const std::uint8_t>(Run().input, row);
+        auto* rgb = RowOf<std::uint8_t>(Run().output, row);
         if (hasAlpha != 0) {
             transform(ycc, rgb, pixels, matrix);
             if (blueFirst) bytes.swap[0](rgb, rgb, pixels);
@@ -118,8 +118,9 @@ void vfILYCC2RGBProc::Convert8_YCC4222RGBA(int hasAlpha, PXColorModel model, int
     ForEachRow(*this, Run().rows, [&](long row) {
         const long from = input.MemoryRow(row);
         const long next = input.MemoryRow(std::min(row + 1, Run().rows - 1));
-        decode(RowAt(Run().input, from), input.format->alphaPlane ? PlaneRowAt(Run().input, from) : nullptr,
-               RowAt(Run().output, row), static_cast<std::size_t>(Run().width), layout,
+        decode(RowOf<std::uint8_t>(Run().input, from),
+               input.format->alphaPlane ? PlaneRowAt(Run().input, from) : nullptr,
+               RowOf<std::uint8_t>(Run().output, row), static_cast<std::size_t>(Run().width), layout,
                (next - from) * Run().input.step);
     });
 }

@@ -46,12 +46,7 @@ inline PXColorModel WeightsOf(const GUID& format)
     return IsFormat601(format) != 0 ? PXColorModel_YCC : PXColorModel_YCC709;
 }
 
-/// Row \p row of a walk in memory order.
-inline unsigned char* RowAt(const vfILRowWalk& walk, long row)
-{
-    return walk.first + row * walk.step;
-}
-
+/// Row \p row of the alpha plane of a walk.
 inline unsigned char* PlaneRowAt(const vfILRowWalk& walk, long row)
 {
     return walk.plane + row * walk.planeStep;

@@ -1,150 +1,22 @@
 /// \file
 /// Clips: round trips through containers and codecs, what arrives of streams that FFmpeg's own program made,
-/// what files say of colour and fields, and damaged, refused and unfinished clips.
+/// and what files say of colour and fields.
 
-#include "host/video/video.h"
+#include "videofolder.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include <algorithm>
 #include <array>
-#include <csignal>
-#include <cstdio>
-#include <cstdlib>
-#include <fstream>
-#include <iterator>
-#include <random>
 #include <sstream>
-
-#include <fcntl.h>
-#include <sys/resource.h>
-#include <unistd.h>
 
 namespace vfil::host {
 namespace {
 
-namespace fs = std::filesystem;
-using Bytes = std::vector<std::uint8_t>;
 using testing::AllOf;
 using testing::Contains;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::ThrowsMessage;
-
-struct Clip {
-    VideoInfo info;
-    std::vector<PicturePtr> frames;
-};
-
-class Video : public testing::Test {
-protected:
-    void SetUp() override
-    {
-        fs::create_directory(m_folder);
-        fs::current_path(m_folder);
-    }
-    void TearDown() override
-    {
-        fs::current_path(m_folder.parent_path());
-        fs::remove_all(m_folder);
-    }
-
-    static void Ffmpeg(const std::string& arguments)
-    {
-        ASSERT_EQ(std::system(("ffmpeg -v error -y " + arguments + " </dev/null").c_str()), 0) << arguments;
-    }
-
-    /// A raw frame of \p bytes as a clip of NUT.
-    static void MakeRaw(const std::string& pixelFormat, const std::string& size, const Bytes& bytes)
-    {
-        std::ofstream("raw", std::ios::binary) << std::string(bytes.begin(), bytes.end());
-        Ffmpeg("-f rawvideo -pix_fmt " + pixelFormat + " -s " + size + " -i raw -c copy raw.nut");
-    }
-
-    static Bytes Get(const std::string& name)
-    {
-        std::ifstream file(name, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
-
-    /// What FFmpeg's own program says of the video of a file, "codec_name=ffv1|pix_fmt=yuv422p|...".
-    static std::string Probe(const std::string& name)
-    {
-        const std::string command =
-            "ffprobe -v error -select_streams v -show_entries stream=codec_name,pix_fmt,"
-            "sample_aspect_ratio,color_range,color_space,color_transfer,color_primaries,"
-            "field_order,r_frame_rate -of compact=p=0 " +
-            name + " > probe";
-        EXPECT_EQ(std::system(command.c_str()), 0);
-        const Bytes text = Get("probe");
-        return {text.begin(), text.end()};
-    }
-
-    static Clip ReadClip(const fs::path& path, const VideoOverrides& overrides = {})
-    {
-        VideoReader reader(path, overrides);
-        Clip clip{reader.Info(), {}};
-        while (PicturePtr frame = reader.Read())
-            clip.frames.push_back(frame);
-        return clip;
-    }
-
-    static void WriteClip(const fs::path& path, const VideoSettings& settings,
-                          const std::vector<PicturePtr>& frames)
-    {
-        VideoWriter writer(path, settings);
-        for (const PicturePtr& frame : frames)
-            writer.Write(*frame);
-        writer.Finish();
-    }
-
-private:
-    const fs::path m_folder = fs::temp_directory_path() / ("vfil-video-" + std::to_string(getpid()));
-};
-
-/// Frames that differ, of samples that codings of studio range keep apart.
-std::vector<PicturePtr> RandomFrames(const GUID& format, long width, long height, int count)
-{
-    std::vector<PicturePtr> frames;
-    std::mt19937 random(7);
-    for (int i = 0; i < count; ++i) {
-        frames.push_back(Picture::Create(format, width, height));
-        std::generate_n(frames.back()->Pixels(), frames.back()->Bytes(),
-                        [&] { return static_cast<std::uint8_t>(1 + random() % 250); });
-    }
-    return frames;
-}
-
-VideoSettings SettingsFor(const Picture& frame, const std::string& codec)
-{
-    VideoSettings settings;
-    settings.format = frame.Format();
-    settings.width = frame.Width();
-    settings.height = frame.Height();
-    settings.codec = codec;
-    settings.alpha = frame.FormatInfo().alpha ? AlphaState::Straight : AlphaState::None;
-    return settings;
-}
-
-/// Of the samples of two pictures of one size, whose rows may lie in another order.
-int GreatestDifference(const Picture& a, const Picture& b)
-{
-    int greatest = 0;
-    const bool wide = a.FormatInfo().sampleBytes == 2;
-    const auto compare = [&](const std::uint8_t* p, const std::uint8_t* q, std::size_t bytes) {
-        for (std::size_t i = 0; i < bytes; i += wide ? 2 : 1) {
-            const int difference = wide ? p[i] + 256 * p[i + 1] - q[i] - 256 * q[i + 1] : p[i] - q[i];
-            greatest = std::max(greatest, std::abs(difference));
-        }
-    };
-    for (long y = 0; y < a.Height(); ++y) {
-        compare(a.Row(y), b.Row(y), a.RowBytes());
-        if (IsFormatYCCA(a.Format()) != 0)
-            compare(a.AlphaRow(y), b.AlphaRow(y), static_cast<std::size_t>(a.Width()));
-    }
-    return greatest;
-}
 
 TEST_F(Video, LosslessCodecsGiveBackEveryFrame)
 {
@@ -477,129 +349,6 @@ TEST_F(Video, AlphaIsKeptOrRefused)
     EXPECT_THAT(VideoWriter("a.mkv", settings).Remarks(), Contains(HasSubstr("--premultiplied yes")));
     WriteClip("a.nut", settings, frames);
     EXPECT_EQ(ReadClip("a.nut").info.alpha.value, AlphaState::Premultiplied);
-}
-
-TEST_F(Video, DamagedClipsAreRefusedInOneLine)
-{
-    Ffmpeg("-f lavfi -i testsrc2=s=64x64:d=1 -c:v libx264 -bf 0 -movflags +faststart good.mp4");
-    Ffmpeg("-i good.mp4 -c:v ffv1 -pix_fmt yuv422p good.mkv");
-    Ffmpeg("-i good.mp4 -c:v rawvideo -pix_fmt uyvy422 good.avi");
-    Ffmpeg("-i good.mp4 -pix_fmt yuv422p good.y4m");
-    Ffmpeg("-f lavfi -i sine=d=1 sound.mp4");
-    MakeRaw("yuv420p", "7x8", Bytes(56 + 32, 80));
-    Ffmpeg("-f lavfi -i testsrc2=s=64x64:d=0.2 -f mpeg2video a.m2v");
-    Ffmpeg("-f lavfi -i testsrc2=s=96x64:d=0.2 -f mpeg2video b.m2v");
-    ASSERT_EQ(std::system("cat a.m2v b.m2v > sizes.m2v; echo text > notes.txt; : > empty.mp4"), 0);
-    for (const char* name : {"good.mp4", "good.mkv", "good.avi", "good.y4m"}) {
-        EXPECT_EQ(ReadClip(name).frames.size(), 25U) << name;
-        fs::copy_file(name, std::string("cut") + name);
-        fs::resize_file(std::string("cut") + name, fs::file_size(name) * 2 / 3);
-    }
-    ASSERT_EQ(std::system("sed s/avc1/xyzq/g good.mp4 > nocodec.mp4"), 0);
-    const std::pair<const char*, const char*> cases[] = {
-        {"cutgood.mp4", "cut short or damaged after frame"},
-        {"cutgood.mkv", "header promises 25"},
-        {"cutgood.avi", "cut short or damaged after frame"},
-        {"cutgood.y4m", "end within a frame"},
-        {"sound.mp4", "holds no video"},
-        {"raw.nut", "a width of 7 is odd"},
-        {"sizes.m2v", "from 64x64 to 96x64"},
-        {"notes.txt", "not a clip"},
-        {"empty.mp4", "not a clip"},
-        {"missing.mp4", "no such file"},
-        {"nocodec.mp4", "codec 'xyzq' is not known"},
-    };
-    for (const auto& [name, message] : cases) {
-        EXPECT_THAT([name = name] { ReadClip(name); },
-                    ThrowsMessage<FileError>(AllOf(HasSubstr(std::string(name) + ": "), HasSubstr(message),
-                                                   testing::Not(HasSubstr("\n")))));
-    }
-    EXPECT_TRUE(IsVideo("good.mkv") && IsVideo("-") && IsVideo("missing.mov"));
-    EXPECT_FALSE(IsVideo("missing.png") || IsVideo(VFIL_SOURCE_DIR "/media/room-rgb16.png"));
-}
-
-TEST_F(Video, RefusedAndUnfinishedClipsLeaveNothing)
-{
-    const std::vector<PicturePtr> frames = RandomFrames(PXFormat_YUV422_601, 64, 64, 1);
-    const VideoSettings good = SettingsFor(*frames[0], "rawvideo");
-    const std::array<const char*, 4> refused[] = {
-        // path, codec, container, message
-        {"a.mkv", "nocodec", "", "'nocodec'"},
-        {"a.xyz", "", "", "no known kind of clip"},
-        {"a.mkv", "", "nokind", "'nokind'"},
-        {"a.mp4", "qtrle", "", "does not hold qtrle"},
-        {"a.mov", "qtrle", "", "does not take frames in YUV422_601; convert them to one of RGBA32"},
-        {"none/a.mkv", "ffv1", "", "folder none does not exist"},
-        {"/dev/full", "", "nut", "no regular file"},
-    };
-    const auto expectRefusal = [](const std::string& path, const VideoSettings& settings,
-                                  const char* message) {
-        EXPECT_THAT([&] { VideoWriter(path, settings); }, ThrowsMessage<FileError>(HasSubstr(message)));
-    };
-    for (const auto& [path, codec, container, message] : refused) {
-        VideoSettings settings = good;
-        settings.codec = codec;
-        settings.container = container;
-        expectRefusal(path, settings, message);
-    }
-    VideoSettings bad = good;
-    bad.codecOptions = {{"nooption", "1"}};
-    expectRefusal("a.mkv", bad, "'nooption'");
-    bad.width = 63;
-    expectRefusal("a.mkv", bad, "is odd");
-    std::ofstream("a.nut") << "old";
-    {
-        VideoWriter writer("a.nut", good);
-        writer.Write(*frames[0]);
-        EXPECT_THROW(writer.Write(*Picture::Create(PXFormat_YUV422_601, 32, 64)), FileError);
-    }
-    std::signal(SIGXFSZ, SIG_IGN);
-    rlimit old{};
-    getrlimit(RLIMIT_FSIZE, &old);
-    const rlimit limit{100000, old.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &limit);
-    EXPECT_THAT([&] { WriteClip("a.nut", good, std::vector<PicturePtr>(40, frames[0])); },
-                ThrowsMessage<FileError>(HasSubstr("File too large")));
-    setrlimit(RLIMIT_FSIZE, &old);
-    EXPECT_EQ(Get("a.nut"), (Bytes{'o', 'l', 'd'}));
-    EXPECT_EQ(std::distance(fs::directory_iterator("."), {}), 1);
-}
-
-/// Runs a step with a file in the place of a standard stream.
-template <class Step>
-void Redirected(int stream, int file, Step step)
-{
-    const int old = dup(stream);
-    dup2(file, stream);
-    close(file);
-    step();
-    dup2(old, stream);
-    close(old);
-}
-
-TEST_F(Video, StandardStreamsCarryEverything)
-{
-    const std::vector<PicturePtr> frames = RandomFrames(PXFormat_YCC422_709, 64, 32, 3);
-    VideoSettings settings = SettingsFor(*frames[0], "");
-    settings.fieldOrder = FieldOrder::TopFirst;
-    for (const std::string container : {"", "yuv4mpegpipe"}) {
-        settings.container = container;
-        Redirected(STDOUT_FILENO, open("pipe", O_WRONLY | O_CREAT | O_TRUNC, 0600),
-                   [&] { WriteClip("-", settings, frames); });
-        Clip clip;
-        Redirected(STDIN_FILENO, open("pipe", O_RDONLY), [&] { clip = ReadClip("-"); });
-        ASSERT_EQ(clip.frames.size(), 3U);
-        EXPECT_EQ(clip.info.fieldOrder.value, FieldOrder::TopFirst);
-        EXPECT_EQ(container.empty() ? GreatestDifference(*clip.frames[2], *frames[2]) : 0, 0);
-        EXPECT_EQ(clip.info.matrix.value, container.empty() ? Matrix::Bt709 : Matrix::Bt601);
-    }
-    std::signal(SIGPIPE, SIG_IGN);
-    int ends[2] = {};
-    ASSERT_EQ(pipe(ends), 0);
-    close(ends[0]);
-    Redirected(STDOUT_FILENO, ends[1], [&] {
-        EXPECT_THROW(WriteClip("-", settings, std::vector<PicturePtr>(40, frames[0])), PipeClosed);
-    });
 }
 
 } // namespace

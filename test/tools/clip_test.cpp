@@ -289,11 +289,7 @@ TEST_F(ClipTest, RefusesWhatWillNotDoAndLeavesNothing)
     Encode("-f lavfi -i testsrc2=size=32x48 -frames:v 3 b.m2v");
     Shell("cat a.m2v b.m2v >sizes.m2v; head -c 20000 whole.nut >cut.nut; echo no clip >text.mp4; : "
           ">empty.mov");
-    const struct {
-        std::string arguments;
-        std::vector<std::string> texts;
-        int status = 2;
-    } refusals[] = {
+    const std::vector<Refusal> refusals = {
         {"invert cut.nut -o o.mov", {"cut.nut", "cut short or damaged after frame 3"}},
         {"invert sizes.m2v -o o.mov", {"sizes.m2v", "32x48"}},
         {"invert sound.wav -o o.mov", {"sound.wav", "no video"}},
@@ -321,18 +317,8 @@ TEST_F(ClipTest, RefusesWhatWillNotDoAndLeavesNothing)
         {"invert clip.mkv -o o.mov --codec-option crf", {"NAME=VALUE"}},
         {"convert clip.mkv -o - >/dev/full", {"No space left on device"}, 1},
     };
-    const auto before = Files();
-    for (const auto& c : refusals) {
-        SCOPED_TRACE(c.arguments);
-        const ProcessResult result = Run(c.arguments);
-        EXPECT_EQ(result.status, c.status);
-        EXPECT_EQ(result.out, "");
-        // What is remarked of the input may stand before.
-        EXPECT_THAT(result.err, testing::MatchesRegex("(vfil: [^\n]*\n)*vfil [a-z]*: [^\n]*\n"));
-        for (const std::string& text : c.texts)
-            EXPECT_THAT(result.err, HasSubstr(text));
-        EXPECT_TRUE(Files() == before);
-    }
+    // What is remarked of the input may stand before.
+    ExpectRefusals(refusals, "(vfil: [^\n]*\n)*vfil [a-z]*: [^\n]*\n");
 }
 
 } // namespace

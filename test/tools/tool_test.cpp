@@ -182,11 +182,7 @@ TEST_F(Tool, CompletesInBash)
 
 TEST_F(Tool, RefusesWrongRequestsAndLeavesNothing)
 {
-    struct {
-        std::string arguments;
-        std::vector<std::string> texts;
-        int status = 2;
-    } const refusals[] = {
+    const std::vector<Refusal> refusals = {
         {"", {"vfil help"}},
         {"ovr back.png soft.png -o out.png", {"'ovr'", "did you mean 'over'?"}},
         {"over back.png soft.png -o out.png --extra-transparancy 1",
@@ -236,17 +232,7 @@ TEST_F(Tool, RefusesWrongRequestsAndLeavesNothing)
         // Clear pixels do not go into a JPEG file: this is known after the run alone.
         {"copy soft.png -o out.jpg", {"out.jpg"}, 1},
     };
-    const auto before = Files();
-    for (const auto& c : refusals) {
-        SCOPED_TRACE(c.arguments);
-        const ProcessResult result = Run(c.arguments);
-        EXPECT_EQ(result.status, c.status);
-        EXPECT_EQ(result.out, "");
-        EXPECT_THAT(result.err, testing::MatchesRegex("vfil[^\n]*\n"));
-        for (const std::string& text : c.texts)
-            EXPECT_THAT(result.err, HasSubstr(text));
-        EXPECT_TRUE(Files() == before);
-    }
+    ExpectRefusals(refusals, "vfil[^\n]*\n");
 }
 
 // The signal is sent until it is heard: it is ignored up to the moment when the tool listens.

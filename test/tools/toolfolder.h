@@ -4,6 +4,7 @@
 
 #include "host/picturefile.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -14,6 +15,7 @@
 #include <iterator>
 #include <map>
 #include <string>
+#include <vector>
 
 #include <sys/wait.h>
 #include <unistd.h>
@@ -26,6 +28,13 @@ struct ProcessResult {
     int status = 0;
     std::string out;
     std::string err;
+};
+
+/// A run that is refused, and what its message says.
+struct Refusal {
+    std::string arguments;
+    std::vector<std::string> texts;
+    int status = 2;
 };
 
 /// A test with a folder of its own.
@@ -110,6 +119,22 @@ protected:
         EXPECT_EQ(result.status, 0) << arguments;
         EXPECT_EQ(result.err, "") << arguments;
         return result.out;
+    }
+
+    /// Each run ends with its status and texts, prints nothing else, and leaves the folder as it was.
+    void ExpectRefusals(const std::vector<Refusal>& refusals, const std::string& messages) const
+    {
+        const auto before = Files();
+        for (const Refusal& refusal : refusals) {
+            SCOPED_TRACE(refusal.arguments);
+            const ProcessResult result = Run(refusal.arguments);
+            EXPECT_EQ(result.status, refusal.status);
+            EXPECT_EQ(result.out, "");
+            EXPECT_THAT(result.err, testing::MatchesRegex(messages));
+            for (const std::string& text : refusal.texts)
+                EXPECT_THAT(result.err, testing::HasSubstr(text));
+            EXPECT_TRUE(Files() == before);
+        }
     }
 
 private:

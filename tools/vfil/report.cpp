@@ -38,17 +38,10 @@ const char* FieldOrderName(host::FieldOrder order)
     return "";
 }
 
-const char* FieldOrderText(host::FieldOrder order)
+std::string FieldOrderText(host::FieldOrder order)
 {
-    switch (order) {
-    case host::FieldOrder::Progressive:
-        return "progressive";
-    case host::FieldOrder::TopFirst:
-        return "interlaced, top field first";
-    case host::FieldOrder::BottomFirst:
-        return "interlaced, bottom field first";
-    }
-    return "";
+    const std::string name = FieldOrderName(order);
+    return order == host::FieldOrder::Progressive ? name : "interlaced, " + name + " field first";
 }
 
 const char* OriginName(host::Origin origin)
@@ -66,8 +59,8 @@ const char* OriginName(host::Origin origin)
     return "";
 }
 
-template <class T>
-std::string StatedText(const host::Stated<T>& stated, const char* (*name)(T))
+template <class T, class Name>
+std::string StatedText(const host::Stated<T>& stated, Name name)
 {
     return std::string(name(stated.value)) + " (" + OriginName(stated.origin) + ")";
 }

@@ -27,18 +27,39 @@ inline constexpr std::size_t kStreamingBytes = std::size_t{4} << 20;
 /// a row took a copy from 0.15 to 0.18 ns a pixel.
 void FinishStreaming();
 
+struct BoxRows;
+struct ConvRows;
+struct EdgeRows;
+struct RankRows;
+struct RecursionRows;
+
 // Each takes the entries that its level has a vector form of; defined in the *_simd.cpp of the family.
 namespace sse2 {
 void Fill(CompRows& rows);
 void Fill(PointRows& rows);
+void Fill(EdgeRows& rows);
+void Fill(BoxRows& rows);
+void Fill(ConvRows& rows);
+void Fill(RankRows& rows);
+void Fill(RecursionRows& rows);
 } // namespace sse2
 namespace avx2 {
 void Fill(CompRows& rows);
 void Fill(PointRows& rows);
+void Fill(EdgeRows& rows);
+void Fill(BoxRows& rows);
+void Fill(ConvRows& rows);
+void Fill(RankRows& rows);
+void Fill(RecursionRows& rows);
 } // namespace avx2
 namespace avx512 {
 void Fill(CompRows& rows);
 void Fill(PointRows& rows);
+void Fill(EdgeRows& rows);
+void Fill(BoxRows& rows);
+void Fill(ConvRows& rows);
+void Fill(RankRows& rows);
+void Fill(RecursionRows& rows);
 } // namespace avx512
 
 /// A family's tables. A level starts as a copy of the level below, so that an entry is never null. A level

@@ -22,6 +22,15 @@ using vfil::host::PicturePtr;
 struct Frame {
     PicturePtr back, front, out, mask;
     PicturePtr back16, front16, out16;
+    /// A picture to read and one to write in each format that conversions are measured in. Those of RGBA are
+    /// back and out.
+    std::vector<PicturePtr> inputs, outputs;
+
+    vfil::host::Picture& In(const GUID& format) const { return Find(inputs, format); }
+    vfil::host::Picture& Out(const GUID& format) const { return Find(outputs, format); }
+
+private:
+    static vfil::host::Picture& Find(const std::vector<PicturePtr>& pictures, const GUID& format);
 };
 
 template <class Sample>
@@ -47,11 +56,16 @@ void Add(const std::string& operation, const std::string& who, std::function<voi
 
 // Each source adds its own.
 void AddProcessors();
+void AddConversions();
 void AddRows();
 void AddLimits();
 void AddPixman();
 void AddYuv();
+void AddYuvConversions();
 void AddOpenCv();
+void AddOpenCvConversions();
+void AddSwscale();
+void AddZimg();
 
 // How the table names those who are no peers: the processors, and their kernels by themselves.
 inline constexpr char kOurs[] = "vfil";
@@ -61,6 +75,30 @@ inline constexpr char kLimitTwo[] = "limit: read two, write one";
 inline constexpr char kLimitInPlace[] = "limit: read two, write over one";
 inline constexpr char kLimitOne[] = "limit: read one, write one";
 inline constexpr char kLimitTwo16[] = "limit: read two, write one, 16 bits";
+
+// Conversions, by the names of the formats.
+inline constexpr char kToUyvy601[] = "rgba to uyvy 601";
+inline constexpr char kToUyvy709[] = "rgba to uyvy 709";
+inline constexpr char kToYuyv601[] = "rgba to yuyv 601";
+inline constexpr char kFromUyvy601[] = "uyvy 601 to rgba";
+inline constexpr char kFromUyvy709[] = "uyvy 709 to rgba";
+inline constexpr char kFromYuyv601[] = "yuyv 601 to rgba";
+inline constexpr char kRgb24ToUyvy[] = "rgb24 to uyvy 601";
+inline constexpr char kUyvyToRgb24[] = "uyvy 601 to rgb24";
+inline constexpr char k16To8[] = "rgba 16 to 8 bits";
+inline constexpr char k8To16[] = "rgba 8 to 16 bits";
+inline constexpr char kSwap[] = "rgba to bgra";
+inline constexpr char kExpand[] = "rgb24 to rgba";
+inline constexpr char kDrop[] = "rgba to rgb24";
+inline constexpr char kToHls[] = "rgba to hls";
+inline constexpr char kFromHls[] = "hls to rgba";
+inline constexpr char kToYcca[] = "rgba to ycca";
+inline constexpr char kFromYcca[] = "ycca to rgba";
+inline constexpr char kToYcca64[] = "rgba64 to ycca64";
+inline constexpr char kFillCopied[] = "split fill, same order";
+inline constexpr char kFillSwapped[] = "split fill, other order";
+inline constexpr char kKey[] = "split key";
+inline constexpr char kJoin[] = "join fill and key";
 
 /// The ending of operations that write over the back, as pixman does.
 inline constexpr char kInPlace[] = ", in place";

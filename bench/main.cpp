@@ -19,11 +19,22 @@ namespace {
 
 constexpr std::size_t kFrames = 6;
 
+/// The formats of conversions beside RGBA.
+constexpr GUID kConverted[] = {PXFormat_YUV422_601, PXFormat_YUV422_709, PXFormat_YCC422_601,
+                               PXFormat_RGB24,      PXFormat_BGRA32,     PXFormat_YCCA32,
+                               PXFormat_YCCA64,     PXFormat_HLSA32,     PXFormat_YCCA422_601};
+
 double Median(std::vector<double> times)
 {
     const auto middle = times.begin() + static_cast<std::ptrdiff_t>(times.size() / 2);
     std::nth_element(times.begin(), middle, times.end());
     return *middle;
+}
+
+bool IsConversion(const std::string& operation)
+{
+    return operation.find(" to ") != std::string::npos || operation.starts_with("split") ||
+           operation.starts_with("join");
 }
 
 /// A name and its time; the name is empty where nobody has a time.
@@ -104,7 +115,8 @@ private:
 
     static const char* LimitOf(const std::string& operation)
     {
-        if (operation == "invert" || operation == "copy") return kLimitOne;
+        if (operation == "invert" || operation == "copy" || operation == kSwap) return kLimitOne;
+        if (IsConversion(operation)) return ""; // bytes in and out differ from those of the loops
         if (operation.ends_with("16 bits")) return kLimitTwo16;
         return operation.ends_with(kInPlace) ? kLimitInPlace : kLimitTwo;
     }
@@ -113,6 +125,12 @@ private:
 };
 
 } // namespace
+
+vfil::host::Picture& Frame::Find(const std::vector<PicturePtr>& pictures, const GUID& format)
+{
+    return **std::find_if(pictures.begin(), pictures.end(),
+                          [&](const PicturePtr& picture) { return picture->Format() == format; });
+}
 
 Frames& Frames::Get()
 {
@@ -130,9 +148,22 @@ Frames::Frames()
         return made;
     };
     for (std::size_t i = 0; i < kFrames; ++i) {
-        m_frames.push_back({picture(PXFormat_RGBA32), picture(PXFormat_RGBA32), picture(PXFormat_RGBA32),
-                            picture(PXFormat_Mono8), picture(PXFormat_RGBA64), picture(PXFormat_RGBA64),
-                            picture(PXFormat_RGBA64)});
+        Frame frame{picture(PXFormat_RGBA32),
+                    picture(PXFormat_RGBA32),
+                    picture(PXFormat_RGBA32),
+                    picture(PXFormat_Mono8),
+                    picture(PXFormat_RGBA64),
+                    picture(PXFormat_RGBA64),
+                    picture(PXFormat_RGBA64),
+                    {},
+                    {}};
+        frame.inputs = {frame.back, frame.back16};
+        frame.outputs = {frame.out, frame.out16};
+        for (const GUID& format : kConverted) {
+            frame.inputs.push_back(picture(format));
+            frame.outputs.push_back(picture(format));
+        }
+        m_frames.push_back(frame);
     }
 }
 
@@ -167,6 +198,7 @@ int main(int argc, char** argv)
     benchmark::Initialize(&count, arguments.data());
 
     bench::AddProcessors();
+    bench::AddConversions();
     bench::AddRows();
     bench::AddLimits();
 #if defined(VFIL_PEER_PIXMAN)
@@ -174,9 +206,17 @@ int main(int argc, char** argv)
 #endif
 #if defined(VFIL_PEER_YUV)
     bench::AddYuv();
+    bench::AddYuvConversions();
 #endif
 #if defined(VFIL_PEER_OPENCV)
     bench::AddOpenCv();
+    bench::AddOpenCvConversions();
+#endif
+#if defined(VFIL_PEER_SWSCALE)
+    bench::AddSwscale();
+#endif
+#if defined(VFIL_PEER_ZIMG)
+    bench::AddZimg();
 #endif
     bench::Frames::Get();
     bench::Table table;

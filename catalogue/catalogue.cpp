@@ -11,9 +11,11 @@ namespace vfil::catalogue {
 const std::vector<Entry>& Entries()
 {
     static const std::vector<Entry> entries = [] {
-        std::vector<Entry> all = LayerEntries();
-        std::vector<Entry> pixels = PixelEntries();
-        std::move(pixels.begin(), pixels.end(), std::back_inserter(all));
+        std::vector<Entry> all;
+        for (const auto family : {LayerEntries, PixelEntries, ConvertEntries, KeyEntries, FieldEntries}) {
+            std::vector<Entry> some = family();
+            std::move(some.begin(), some.end(), std::back_inserter(all));
+        }
         return all;
     }();
     return entries;
@@ -22,9 +24,23 @@ const std::vector<Entry>& Entries()
 const Entry* Find(std::string_view name)
 {
     const std::vector<Entry>& entries = Entries();
-    const auto found =
-        std::find_if(entries.begin(), entries.end(), [&](const Entry& e) { return e.name == name; });
+    const auto found = std::find_if(entries.begin(), entries.end(), [&](const Entry& e) {
+        return e.name == name || (*e.alias != '\0' && e.alias == name);
+    });
     return found == entries.end() ? nullptr : &*found;
+}
+
+bool Takes(const Entry& entry, const GUID& from, const GUID& to)
+{
+    if (entry.conversions.empty())
+        return from == to && std::count(entry.formats.begin(), entry.formats.end(), from) != 0;
+    return std::any_of(entry.conversions.begin(), entry.conversions.end(),
+                       [&](const FormatPair& pair) { return pair.from == from && pair.to == to; });
+}
+
+bool IsConverter(const Entry& entry)
+{
+    return !entry.conversions.empty() && entry.inputs.size() == 1 && entry.outputs.size() == 1;
 }
 
 const char* TypeName(ParameterType type)
@@ -40,6 +56,8 @@ const char* TypeName(ParameterType type)
         return "flag";
     case ParameterType::Point:
         return "point";
+    case ParameterType::Colour:
+        return "colour";
     }
     return "";
 }

@@ -6,6 +6,7 @@
 #include <catalogue/operator.h>
 #include <vfil/frame.h>
 
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -20,13 +21,16 @@ enum class ParameterType {
     Choice,
     Flag,
     Point,
+    Colour,
 };
 
 /// The value of a parameter of any type: a number, a choice's value or a flag (0 or 1) in x; a point in x and
-/// y.
+/// y; red, green, blue and alpha of a colour in x, y, z and w.
 struct Value {
     double x = 0;
     double y = 0;
+    double z = 0;
+    double w = 0;
 
     friend bool operator==(const Value&, const Value&) = default;
 };
@@ -50,12 +54,13 @@ struct Parameter {
     std::vector<Choice> choices;
     unsigned long
         refusal; ///< the code with which Verify refuses a value outside the range; 0 when it takes any
-    void (*apply)(vfILImgProc& processor, const Value& value);
-    Value (*read)(const vfILImgProc& processor);
+    void (*apply)(vfILProcessor& processor, const Value& value);
+    Value (*read)(const vfILProcessor& processor);
 };
 
 /// What a mask picture does to a processor.
 enum class MaskUse {
+    None,     ///< refused
     BoxOnly,  ///< only the box of the mask counts: it bounds the region
     Sampled,  ///< mixes the result with the input
     Required, ///< the processor does not run without one
@@ -65,35 +70,65 @@ enum class MaskUse {
 struct Input {
     const char* role; ///< "back", "front", "picture"
     const char* summary;
+    bool optional = false; ///< may be missing, when the parameters say what takes its place
 };
+
+/// A picture that a processor writes.
+struct Output {
+    const char* role; ///< "result", "fill", "key"
+    const char* summary;
+    bool optional = false; ///< need not be connected
+};
+
+/// What a processor makes of what.
+struct FormatPair {
+    GUID from{};
+    GUID to{};
+    bool turnsOver = false; ///< keeps the order of memory rows where the formats differ in it, or the other
+                            ///< way round: the picture comes out upside down
+};
+
+/// The spatial reach of a processor whose every output pixel depends on all of the input.
+inline constexpr int kWholePicture = std::numeric_limits<int>::max();
 
 /// A processor.
 struct Entry {
     std::string name; ///< of the command
     const char* className;
-    const char* family; ///< "layer" or "pixel"
+    const char* family; ///< "layer", "pixel", "convert", "key" or "field"
     const char* summary;
     std::vector<Input> inputs;
-    std::vector<GUID> formats; ///< inputs and output have the same one
+    std::vector<Output> outputs = {{"result", "the picture to write"}};
+    std::vector<GUID> formats; ///< of the inputs; all have the same one, and the output too, unless there are
+                               ///< conversions
+    std::vector<FormatPair> conversions = {}; ///< the formats that each input and each output may have
     std::vector<Parameter> parameters;
     unsigned long channels; ///< channel bits of the processing mode that give what a user expects of the name
     unsigned long fixedChannels; ///< channel bits that cannot be left out
     MaskUse mask;
-    bool multiplied;   ///< the result's colour is multiplied by alpha, whatever the inputs' state
-    int spatialReach;  ///< input pixels that an output pixel depends on, in each direction
-    int temporalReach; ///< frames, before and after
-    bool bands;        ///< rows may be processed in bands, in any order
+    bool multiplied;    ///< the result's colour is multiplied by alpha, whatever the inputs' state
+    bool whole = false; ///< works on whole pictures: region, offset and single fields are refused
+    int spatialReach;   ///< input pixels that an output pixel depends on, in each direction, or kWholePicture
+    int temporalReach;  ///< frames, before and after
+    bool bands;         ///< rows may be processed in bands, in any order
     std::unique_ptr<Operator> (*make)(bool simd);
-    const char* note = ""; ///< what may surprise in its results
+    const char* note = "";  ///< what may surprise in its results
+    const char* alias = ""; ///< the name by rule, when `name` is a more telling one
 };
 
 /// All processors, by family.
 const std::vector<Entry>& Entries();
 
-/// The processor of a command name, or null.
+/// The processor of a command name or alias, or null.
 const Entry* Find(std::string_view name);
 
-/// The type in words: "number", "integer", "choice", "flag", "point".
+/// Whether Verify takes an input of one format with an output of the other.
+bool Takes(const Entry& entry, const GUID& from, const GUID& to);
+
+/// Whether the processor makes nothing but another format of a picture.
+bool IsConverter(const Entry& entry);
+
+/// The type in words: "number", "integer", "choice", "flag", "point", "colour".
 const char* TypeName(ParameterType type);
 
 } // namespace vfil::catalogue

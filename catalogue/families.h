@@ -12,4 +12,13 @@ std::vector<Entry> LayerEntries();
 /// The entries of the operators that make one pixel of one pixel.
 std::vector<Entry> PixelEntries();
 
+/// The entries of the converters, and of the luma as alpha.
+std::vector<Entry> ConvertEntries();
+
+/// The entries of fill and key.
+std::vector<Entry> KeyEntries();
+
+/// The entries of what works on the fields of video.
+std::vector<Entry> FieldEntries();
+
 } // namespace vfil::catalogue

@@ -2,6 +2,7 @@
 /// The layer family: two pictures, a front and a back.
 #include <catalogue/families.h>
 #include <catalogue/names.h>
+#include <catalogue/parameters.h>
 
 #include <vfil/composite.h>
 
@@ -19,18 +20,6 @@ constexpr double kHighest = std::numeric_limits<std::int32_t>::max();
 constexpr double kDominantA = 0;
 constexpr double kDominantB = 1;
 
-template <class P>
-P& As(vfILImgProc& processor)
-{
-    return static_cast<P&>(processor);
-}
-
-template <class P>
-const P& As(const vfILImgProc& processor)
-{
-    return static_cast<const P&>(processor);
-}
-
 vfILAlphaMode AlphaModeOf(const Value& value)
 {
     return static_cast<vfILAlphaMode>(static_cast<int>(value.x));
@@ -47,17 +36,18 @@ std::vector<Choice> AlphaModes()
 template <class P>
 Parameter AlphaMode()
 {
-    return {.name = ParameterName("SetAlphaMode"),
-            .type = ParameterType::Choice,
-            .unit = "",
-            .minimum = VFIL_ALPHA_ZERO,
-            .maximum = VFIL_ALPHA_COMPUTED,
-            .fallback = Value{VFIL_ALPHA_COMPUTED},
-            .summary = "what becomes of the output's alpha",
-            .choices = AlphaModes(),
-            .refusal = 0x1005A,
-            .apply = [](vfILImgProc& p, const Value& v) { As<P>(p).SetAlphaMode(AlphaModeOf(v)); },
-            .read = [](const vfILImgProc& p) { return Value{static_cast<double>(As<P>(p).GetAlphaMode())}; }};
+    return {
+        .name = ParameterName("SetAlphaMode"),
+        .type = ParameterType::Choice,
+        .unit = "",
+        .minimum = VFIL_ALPHA_ZERO,
+        .maximum = VFIL_ALPHA_COMPUTED,
+        .fallback = Value{VFIL_ALPHA_COMPUTED},
+        .summary = "what becomes of the output's alpha",
+        .choices = AlphaModes(),
+        .refusal = 0x1005A,
+        .apply = [](vfILProcessor& p, const Value& v) { As<P>(p).SetAlphaMode(AlphaModeOf(v)); },
+        .read = [](const vfILProcessor& p) { return Value{static_cast<double>(As<P>(p).GetAlphaMode())}; }};
 }
 
 Parameter InputOffset()
@@ -74,11 +64,11 @@ Parameter InputOffset()
         .choices = {},
         .refusal = 0,
         .apply =
-            [](vfILImgProc& p, const Value& v) {
+            [](vfILProcessor& p, const Value& v) {
                 As<vfILDyadicImgProc>(p).SetInputOffset({static_cast<long>(v.x), static_cast<long>(v.y)});
             },
         .read =
-            [](const vfILImgProc& p) {
+            [](const vfILProcessor& p) {
                 const vfILVector2l& offset = As<vfILDyadicImgProc>(p).GetInputOffset();
                 return Value{static_cast<double>(offset[0]), static_cast<double>(offset[1])};
             }};
@@ -97,21 +87,18 @@ Parameter DominantInput()
             .choices = {{"a", kDominantA, "the back"}, {"b", kDominantB, "the front"}},
             .refusal = 0,
             .apply =
-                [](vfILImgProc& p, const Value& v) {
+                [](vfILProcessor& p, const Value& v) {
                     auto& dyadic = As<vfILDyadicImgProc>(p);
                     dyadic.SetDominantInput(v.x == kDominantB ? dyadic.GetInputImgB()
                                                               : dyadic.GetInputImgA());
                 },
             .read =
-                [](const vfILImgProc& p) {
+                [](const vfILProcessor& p) {
                     const auto& dyadic = As<vfILDyadicImgProc>(p);
                     const bool isA = dyadic.GetDominantInput() == dyadic.GetInputImgA();
                     return Value{isA ? kDominantA : kDominantB};
                 }};
 }
-
-using Setter = void (*)(vfILImgProc&, const Value&);
-using Getter = Value (*)(const vfILImgProc&);
 
 // A share of 0 .. 1, full by default.
 Parameter ShareParameter(const char* setter, const char* summary, Setter apply, Getter read)
@@ -133,40 +120,24 @@ Parameter ExtraTransparency()
 {
     return ShareParameter(
         "SetExtraTransparency", "strength of the front; 1 is full strength, 0 leaves nothing of it",
-        [](vfILImgProc& p, const Value& v) { As<vfILCompImg>(p).SetExtraTransparency(v.x); },
-        [](const vfILImgProc& p) { return Value{As<vfILCompImg>(p).GetExtraTransparency()}; });
+        [](vfILProcessor& p, const Value& v) { As<vfILCompImg>(p).SetExtraTransparency(v.x); },
+        [](const vfILProcessor& p) { return Value{As<vfILCompImg>(p).GetExtraTransparency()}; });
 }
 
 Parameter MixAmount()
 {
     return ShareParameter(
         "SetAlpha", "amount of the mix, multiplied with the mask; 0 leaves the back's colour",
-        [](vfILImgProc& p, const Value& v) { As<vfILCompositeImg>(p).SetAlpha(v.x); },
-        [](const vfILImgProc& p) { return Value{As<vfILCompositeImg>(p).GetAlpha()}; });
-}
-
-Parameter FlagParameter(const char* setter, std::optional<Value> fallback, const char* summary, Setter apply,
-                        Getter read)
-{
-    return {.name = ParameterName(setter),
-            .type = ParameterType::Flag,
-            .unit = "",
-            .minimum = 0,
-            .maximum = 1,
-            .fallback = fallback,
-            .summary = summary,
-            .choices = {},
-            .refusal = 0,
-            .apply = apply,
-            .read = read};
+        [](vfILProcessor& p, const Value& v) { As<vfILCompositeImg>(p).SetAlpha(v.x); },
+        [](const vfILProcessor& p) { return Value{As<vfILCompositeImg>(p).GetAlpha()}; });
 }
 
 Parameter ImgAPremultiplied()
 {
     return FlagParameter(
         "SetImgAPremultiplied", std::nullopt, "take the back's colour as already multiplied by its alpha",
-        [](vfILImgProc& p, const Value& v) { As<vfILCompImg>(p).SetImgAPremultiplied(v.x != 0); },
-        [](const vfILImgProc& p) {
+        [](vfILProcessor& p, const Value& v) { As<vfILCompImg>(p).SetImgAPremultiplied(v.x != 0); },
+        [](const vfILProcessor& p) {
             return Value{static_cast<double>(As<vfILCompImg>(p).GetImgAPremultiplied())};
         });
 }
@@ -175,8 +146,8 @@ Parameter ImgBPremultiplied()
 {
     return FlagParameter(
         "SetImgBPremultiplied", std::nullopt, "take the front's colour as already multiplied by its alpha",
-        [](vfILImgProc& p, const Value& v) { As<vfILCompImg>(p).SetImgBPremultiplied(v.x != 0); },
-        [](const vfILImgProc& p) {
+        [](vfILProcessor& p, const Value& v) { As<vfILCompImg>(p).SetImgBPremultiplied(v.x != 0); },
+        [](const vfILProcessor& p) {
             return Value{static_cast<double>(As<vfILCompImg>(p).GetImgBPremultiplied())};
         });
 }
@@ -185,8 +156,8 @@ Parameter NeverPremultiplyBackImage()
 {
     return FlagParameter(
         "NeverPremultiplyBackImage", Value{0}, "take the back's colour as it stands, whatever its alpha",
-        [](vfILImgProc& p, const Value& v) { As<vfILCompImg>(p).NeverPremultiplyBackImage(v.x != 0); },
-        [](const vfILImgProc& p) {
+        [](vfILProcessor& p, const Value& v) { As<vfILCompImg>(p).NeverPremultiplyBackImage(v.x != 0); },
+        [](const vfILProcessor& p) {
             return Value{static_cast<double>(As<vfILCompImg>(p).IsNeverPremultiplyBackImage())};
         });
 }

@@ -14,17 +14,23 @@ bool IsUpper(char c)
     return std::isupper(static_cast<unsigned char>(c)) != 0;
 }
 
+bool IsDigit(char c)
+{
+    return std::isdigit(static_cast<unsigned char>(c)) != 0;
+}
+
 char Lower(char c)
 {
     return static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
 }
 
 // A capital starts a word, unless it stands inside a run of capitals: the A of "ImgAPremultiplied" and the P
-// behind it both start one, the G of "RGB" does not.
+// behind it both start one, the G of "RGB" does not. Behind a digit nothing starts: that holds two words
+// together.
 bool StartsWord(std::string_view text, std::size_t i)
 {
-    if (i == 0 || !IsUpper(text[i])) return false;
-    const bool lowerFollows = i + 1 < text.size() && !IsUpper(text[i + 1]);
+    if (i == 0 || !IsUpper(text[i]) || IsDigit(text[i - 1])) return false;
+    const bool lowerFollows = i + 1 < text.size() && !IsUpper(text[i + 1]) && !IsDigit(text[i + 1]);
     return !IsUpper(text[i - 1]) || lowerFollows;
 }
 

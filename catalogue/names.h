@@ -11,7 +11,7 @@
 namespace vfil::catalogue {
 
 /// Words in lower case, joined by "-": "AddNoClip" gives "add-no-clip", "ImgAPremultiplied"
-/// "img-a-premultiplied".
+/// "img-a-premultiplied", "RGBA2YCCA" "rgba2ycca".
 std::string KebabCase(std::string_view camelCase);
 
 /// The command of a class: the name without "vfIL" and the ending "Img" or "Image".

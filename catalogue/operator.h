@@ -9,7 +9,7 @@
 
 namespace vfil::catalogue {
 
-/// One processor. Connect the inputs, then the output, then apply parameters: some of them speak of what is
+/// One processor. Connect the inputs, then the outputs, then apply parameters: some of them speak of what is
 /// connected.
 class Operator {
 public:
@@ -18,14 +18,17 @@ public:
     Operator& operator=(const Operator&) = delete;
     virtual ~Operator() = default;
 
-    /// What all processors share: mode, interruption, region, mask, default colour, Verify, Execute, last
-    /// error. Connect pictures by the calls below instead, which know what the class adds to these setters.
-    virtual vfILImgProc& Frame() = 0;
+    /// What all processors share: mode, interruption, Verify, Execute, last error.
+    virtual vfILProcessor& Processor() = 0;
+    /// What those with one output and a region share beside that: region, mask, default colour. Null for the
+    /// others. Connect pictures by the calls below instead, which know what the class adds to these setters.
+    virtual vfILImgProc* Frame() = 0;
     /// \param index 0 is the first input, A of two. Connecting A also makes it dominant.
-    /// \param image Not owned; must outlive the run.
+    /// \param image Not owned; must outlive the run. Null for an optional input that is missing.
     virtual void SetInput(std::size_t index, IPXImage* image) = 0;
-    /// \param image Not owned; must outlive the run.
-    virtual void SetOutput(IPXImage* image) = 0;
+    /// \param index 0 is the first output, A of two.
+    /// \param image Not owned; must outlive the run. Null for an optional output that is not wanted.
+    virtual void SetOutput(std::size_t index, IPXImage* image) = 0;
 };
 
 /// The operator of a processor class.
@@ -35,32 +38,48 @@ public:
     /// \param simd False runs the plain arithmetic whatever the machine has.
     explicit OperatorOf(bool simd) : m_processor(simd) {}
 
-    vfILImgProc& Frame() override { return m_processor; }
+    vfILProcessor& Processor() override { return m_processor; }
+
+    vfILImgProc* Frame() override
+    {
+        if constexpr (std::derived_from<P, vfILImgProc>)
+            return &m_processor;
+        else
+            return nullptr;
+    }
 
     void SetInput(std::size_t index, IPXImage* image) override
     {
-        if constexpr (!std::derived_from<P, vfILDyadicImgProc>) {
+        if constexpr (requires(P p) { p.SetInputImg(image); }) {
             m_processor.SetInputImg(image);
         } else if (index == 0) {
             m_processor.SetInputImgA(image);
-            m_processor.SetDominantInput(image);
+            if constexpr (std::derived_from<P, vfILDyadicImgProc>) m_processor.SetDominantInput(image);
         } else {
             m_processor.SetInputImgB(image);
         }
     }
 
-    void SetOutput(IPXImage* image) override { m_processor.SetOutputImg(image); }
+    void SetOutput(std::size_t index, IPXImage* image) override
+    {
+        if constexpr (requires(P p) { p.SetOutputImg(image); })
+            m_processor.SetOutputImg(image);
+        else if (index == 0)
+            m_processor.SetOutputImgA(image);
+        else
+            m_processor.SetOutputImgB(image);
+    }
 
 private:
     // The flag is the processor's own: only a class that derives from it can clear it.
-    struct Processor final : P {
-        explicit Processor(bool simd)
+    struct Concrete final : P {
+        explicit Concrete(bool simd)
         {
             if (!simd) this->m_simdAvailable = 0;
         }
     };
 
-    Processor m_processor;
+    Concrete m_processor;
 };
 
 } // namespace vfil::catalogue

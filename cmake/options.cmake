@@ -3,7 +3,9 @@
 option(VFIL_WERROR "Treat warnings as errors" OFF)
 option(VFIL_TRACE "Write each failed check of a processor to standard error" OFF)
 option(VFIL_BUILD_HOST "Build the embedded host (needs libpng, libjpeg and libtiff)" ${PROJECT_IS_TOP_LEVEL})
-option(VFIL_BUILD_TOOL "Build the catalogue and the vfil command (needs CLI11 and nlohmann-json)"
+option(VFIL_BUILD_VIDEO "Build clips into the host (needs FFmpeg's libav* and libswscale)"
+    ${PROJECT_IS_TOP_LEVEL})
+option(VFIL_BUILD_TOOL "Build the catalogue and the vfil command (needs CLI11, nlohmann-json and toml++)"
     ${PROJECT_IS_TOP_LEVEL})
 option(VFIL_BUILD_EXAMPLES "Build the example programs" ${PROJECT_IS_TOP_LEVEL})
 option(VFIL_BUILD_TESTS "Build the tests (needs GoogleTest)" ${PROJECT_IS_TOP_LEVEL})
@@ -26,11 +28,21 @@ if(VFIL_BUILD_HOST)
 endif()
 vfil_part_needs(VFIL_BUILD_HOST PNG_FOUND JPEG_FOUND TIFF_FOUND)
 
+if(VFIL_BUILD_VIDEO)
+    find_package(PkgConfig QUIET)
+    if(PkgConfig_FOUND)
+        pkg_check_modules(LIBAV QUIET IMPORTED_TARGET libavformat libavcodec libavutil libswscale)
+    endif()
+endif()
+vfil_part_needs(VFIL_BUILD_VIDEO VFIL_BUILD_HOST LIBAV_FOUND)
+
 if(VFIL_BUILD_TOOL)
     find_package(CLI11 QUIET)
     find_package(nlohmann_json QUIET)
+    find_package(tomlplusplus QUIET)
 endif()
-vfil_part_needs(VFIL_BUILD_TOOL VFIL_BUILD_HOST CLI11_FOUND nlohmann_json_FOUND)
+vfil_part_needs(VFIL_BUILD_TOOL VFIL_BUILD_HOST VFIL_BUILD_VIDEO CLI11_FOUND nlohmann_json_FOUND
+    tomlplusplus_FOUND)
 vfil_part_needs(VFIL_BUILD_EXAMPLES VFIL_BUILD_HOST)
 
 if(VFIL_BUILD_TESTS)

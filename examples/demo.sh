@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Composites the bundled pictures into a folder (default out/), and puts inputs and results on one sheet.
+# Composites the bundled pictures and clips into a folder (default out/), and puts inputs and results on one sheet.
 #
 # VFIL is the built command; the program of the contact sheet lies beside it.
 set -euo pipefail
@@ -16,6 +16,8 @@ cup=$media/greenscreen-cup-plate.png
 matte=$media/greenscreen-cup-matte.png
 room=$media/room-rgb16.png
 sensor=$media/sensor-64-rgb16.png
+dog=$media/dog-480x270p30.mp4
+interlaced=$media/dog-352x288i25-tff-422.mpg
 
 mkdir -p "$out"
 results=()
@@ -26,6 +28,14 @@ make() {
     shift
     "$vfil" "$@" -o "$result"
     results+=("$result")
+}
+
+# make_clip NAME FRAME ARGUMENT...: the same for a clip, of which the sheet shows one frame.
+make_clip() {
+    local clip=$out/$1 frame=$2
+    shift 2
+    "$vfil" "$@" -o "$clip"
+    make "$(basename "$clip").png" convert "$clip" --frames "$frame:$((frame + 1))"
 }
 
 make over.png over "$cat_fur" "$tulips"
@@ -47,6 +57,8 @@ make over-fields.png over "$cat_fur" "$tulips" --fields even
 make grayscale.png grayscale "$tulips"
 make room-lighter16.png lighter "$room" "$sensor" --input-offset 118,78
 make room-mult16.png mult "$room" "$room"
+make_clip dog-over.mp4 6 over "$dog" "$tulips" --input-offset 220,-230
+make_clip dog-interlaced.mpg 6 over "$interlaced" "$tulips" --input-offset 150,-260
 
 "$sheet" "$out/contact-sheet.png" "$cat_fur" "$tulips" "$cup" "$matte" "$room" "$sensor" "${results[@]}"
 

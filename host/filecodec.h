@@ -4,6 +4,7 @@
 #pragma once
 
 #include "host/picturefile.h"
+#include "host/temporaryfile.h"
 
 #include <array>
 #include <cstdint>
@@ -72,7 +73,5 @@ PicturePtr ReadWith(const OpenFile& file, const ReadOptions&)
 }
 
 [[noreturn]] void ThrowDamaged(const OpenFile& file, const char* kind, const Complaint& complaint);
-/// Names the system's reason, when there is one, rather than the library's.
-[[noreturn]] void ThrowNotWritten(const std::filesystem::path& path, const char* complaint);
 
 } // namespace vfil::host

@@ -1,19 +1,16 @@
 /// \file
-/// Picture files: which kind a file is, and how one appears under its name only when it is complete.
+/// Picture files: which kind a file is.
 
 #include "host/picturefile.h"
 
 #include "host/filecodec.h"
 #include "host/pixelrows.h"
+#include "host/temporaryfile.h"
 
-#include <atomic>
 #include <cctype>
 #include <cerrno>
-#include <memory>
 #include <new>
 #include <system_error>
-
-#include <unistd.h>
 
 namespace vfil::host {
 
@@ -22,16 +19,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::array<const FileCodec*, 4> kCodecs{&kPngCodec, &kJpegCodec, &kTiffCodec, &kRawCodec};
-
-struct CloseFile {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using FilePtr = std::unique_ptr<std::FILE, CloseFile>;
-
-std::string SystemText(int error)
-{
-    return std::generic_category().message(error);
-}
 
 /// The kind that a name's ending stands for, or null.
 const FileCodec* CodecOfName(const fs::path& path)
@@ -44,6 +31,15 @@ const FileCodec* CodecOfName(const fs::path& path)
         for (const std::string_view known : codec->endings) {
             if (!known.empty() && known == ending) return codec;
         }
+    }
+    return nullptr;
+}
+
+/// The kind that a file's first bytes stand for, or null.
+const FileCodec* CodecOfHead(std::string_view head)
+{
+    for (const FileCodec* codec : kCodecs) {
+        if (codec->recognizes != nullptr && codec->recognizes(head)) return codec;
     }
     return nullptr;
 }
@@ -73,9 +69,7 @@ const FileCodec& CodecOfFile(const fs::path& path, std::FILE* file)
     if (std::ferror(file) != 0) throw FileError(path, "cannot be read: " + SystemText(errno));
     if (head.empty()) throw FileError(path, "not a picture: the file is empty");
     std::rewind(file);
-    for (const FileCodec* codec : kCodecs) {
-        if (codec->recognizes != nullptr && codec->recognizes(head)) return *codec;
-    }
+    if (const FileCodec* codec = CodecOfHead(head)) return *codec;
     throw FileError(
         path, "not a picture: its first bytes are of no known kind (PNG, JPEG, TIFF); a file of raw pixels "
               "is named .raw and needs --in-format and --in-size");
@@ -109,64 +103,6 @@ PicturePtr ConvertTo(const fs::path& path, const PicturePtr& picture, const GUID
     return ConvertPicture(picture, format);
 }
 
-/// Follows a link to the file that is to be replaced, so that the link stays.
-fs::path ReplacedFile(const fs::path& path)
-{
-    std::error_code error;
-    fs::path real = fs::canonical(path, error);
-    return error ? path : real;
-}
-
-/// A new file beside a target. It goes with this object unless it was committed.
-class TemporaryFile {
-public:
-    explicit TemporaryFile(const fs::path& path) : m_path(path), m_target(ReplacedFile(path))
-    {
-        static std::atomic<unsigned> counter{0};
-        constexpr int kTries = 1000;
-        for (int i = 0; i < kTries && m_file == nullptr; ++i) {
-            m_name = m_target;
-            m_name.replace_filename(".vfil-" + std::to_string(getpid()) + "-" + std::to_string(counter++) +
-                                    ".tmp");
-            m_file.reset(std::fopen(m_name.c_str(), "w+bx"));
-            if (m_file == nullptr && errno != EEXIST) break;
-        }
-        if (m_file == nullptr) throw FileError(m_path, "cannot be written: " + SystemText(errno));
-        errno = 0;
-    }
-    ~TemporaryFile()
-    {
-        if (m_committed) return;
-        m_file.reset();
-        std::error_code ignored;
-        fs::remove(m_name, ignored);
-    }
-    TemporaryFile(const TemporaryFile&) = delete;
-    TemporaryFile& operator=(const TemporaryFile&) = delete;
-
-    std::FILE* Stream() const { return m_file.get(); }
-
-    /// Closes the file and gives it the target's name, and the rights of a file that it replaces.
-    void Commit()
-    {
-        errno = 0;
-        if (std::fclose(m_file.release()) != 0) ThrowNotWritten(m_path, "short write");
-        std::error_code error;
-        const fs::file_status old = fs::status(m_target, error);
-        if (fs::exists(old)) fs::permissions(m_name, old.permissions(), error);
-        fs::rename(m_name, m_target, error);
-        if (error) throw FileError(m_path, "cannot be written: " + error.message());
-        m_committed = true;
-    }
-
-private:
-    const fs::path& m_path;
-    fs::path m_target;
-    fs::path m_name;
-    FilePtr m_file;
-    bool m_committed = false;
-};
-
 } // namespace
 
 void CheckSize(const fs::path& path, std::uint64_t width, std::uint64_t height, const GUID& format)
@@ -196,11 +132,6 @@ void ThrowDamaged(const OpenFile& file, const char* kind, const Complaint& compl
     throw FileError(file.path, text);
 }
 
-void ThrowNotWritten(const fs::path& path, const char* complaint)
-{
-    throw FileError(path, "cannot be written: " + (errno != 0 ? SystemText(errno) : std::string(complaint)));
-}
-
 PicturePtr ReadPicture(const fs::path& path, const ReadOptions& options)
 {
     return WithFile(path, [&](const FileCodec& codec, const OpenFile& file) {
@@ -221,17 +152,7 @@ void CheckWritable(const fs::path& path)
         throw FileError(path,
                         "no known kind of picture file; name it .png, .jpg, .jpeg, .tif, .tiff or .raw");
     }
-    std::error_code error;
-    const fs::path folder = path.has_parent_path() ? path.parent_path() : fs::path(".");
-    if (!fs::is_directory(folder, error))
-        throw FileError(path, "the folder " + folder.string() + " does not exist");
-    const fs::file_status status = fs::status(path, error);
-    if (fs::exists(status) && !fs::is_regular_file(status)) {
-        throw FileError(path, "is no regular file and is not replaced; choose another name");
-    }
-    if (fs::exists(status) && access(path.c_str(), W_OK) != 0) {
-        throw FileError(path, "is write-protected; choose another name or allow writing");
-    }
+    CheckReplaceable(path);
 }
 
 void WritePicture(const fs::path& path, const Picture& picture, const WriteOptions& options)
@@ -247,6 +168,16 @@ void WritePicture(const fs::path& path, const Picture& picture, const WriteOptio
     } catch (const std::bad_alloc&) {
         throw FileError(path, "not enough memory to write the picture");
     }
+}
+
+bool IsPictureFile(const fs::path& path)
+{
+    if (CodecOfName(path) != nullptr) return true;
+    std::error_code error;
+    if (!fs::is_regular_file(path, error)) return false;
+    const FilePtr file(std::fopen(path.c_str(), "rb"));
+    char bytes[8];
+    return file != nullptr && CodecOfHead({bytes, std::fread(bytes, 1, sizeof bytes, file.get())}) != nullptr;
 }
 
 bool SamePath(const fs::path& a, const fs::path& b)

@@ -90,6 +90,9 @@ void WritePicture(const std::filesystem::path& path, const Picture& picture,
 /// be called before long work.
 void CheckWritable(const std::filesystem::path& path);
 
+/// Whether a path names a picture file: by its ending, and an existing file by its first bytes too.
+bool IsPictureFile(const std::filesystem::path& path);
+
 /// Whether both names lead to the same existing file.
 bool SamePath(const std::filesystem::path& a, const std::filesystem::path& b);
 

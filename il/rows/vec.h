@@ -225,6 +225,12 @@ inline U16 ShiftRight(U16 v)
     return {VFIL_MM(srli_epi16)(v.bits, count)};
 }
 
+template <int count>
+inline U16 ShiftLeft(U16 v)
+{
+    return {VFIL_MM(slli_epi16)(v.bits, count)};
+}
+
 /// The upper 16 bits of the products.
 inline U16 MulHigh(U16 a, U16 b)
 {

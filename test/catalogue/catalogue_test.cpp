@@ -11,42 +11,72 @@
 
 #include <algorithm>
 #include <cstring>
+#include <numeric>
 #include <string>
 
 namespace {
 
 using namespace vfil;
 using catalogue::Entry;
+using catalogue::FormatPair;
 using catalogue::Parameter;
 using catalogue::ParameterType;
 using catalogue::Value;
 
-// An operator with pictures of one format at all its inputs, and a mask where it needs one.
+// Formats that an entry takes.
+FormatPair UsualPair(const Entry& entry)
+{
+    return entry.conversions.empty() ? FormatPair{PXFormat_RGBA32, PXFormat_RGBA32}
+                                     : entry.conversions.front();
+}
+
+// An operator with pictures at all its inputs and outputs, and a mask where it needs one.
 struct Bench {
-    Bench(const Entry& entry, const GUID& format)
-        : output(host::Picture::Create(format, 4, 2)), op(entry.make(true))
+    explicit Bench(const Entry& entry) : Bench(entry, UsualPair(entry).from, UsualPair(entry).to) {}
+
+    Bench(const Entry& entry, const GUID& from, const GUID& to) : op(entry.make(true))
     {
         for (std::size_t i = 0; i < entry.inputs.size(); ++i) {
-            inputs.push_back(host::Picture::Create(format, 4, 2));
+            inputs.push_back(host::Picture::Create(from, 4, 2));
             op->SetInput(i, inputs.back().Get());
         }
-        op->SetOutput(output.Get());
-        op->Frame().SetProcessingMode(entry.channels);
+        for (std::size_t i = 0; i < entry.outputs.size(); ++i) {
+            outputs.push_back(host::Picture::Create(to, 4, 2));
+            op->SetOutput(i, outputs.back().Get());
+        }
+        op->Processor().SetProcessingMode(entry.channels);
         if (entry.mask != catalogue::MaskUse::Required) return;
-        const bool deep = vfILFindFormat(format)->sampleBytes == 2;
+        const bool deep = vfILFindFormat(from)->sampleBytes == 2;
         mask = host::Picture::Create(deep ? PXFormat_Mono16 : PXFormat_Mono8, 4, 2);
-        op->Frame().SetMask(0, 0, 4, 2, mask.Get(), PXImageChannel_MONO);
+        op->Frame()->SetMask(0, 0, 4, 2, mask.Get(), PXImageChannel_MONO);
     }
 
+    bool Verifies() const { return op->Processor().Verify() == VFIL_SUCCESS; }
+    unsigned long Code() const { return op->Processor().GetLastError().GetErrorCode(); }
+
     std::vector<host::PicturePtr> inputs;
-    host::PicturePtr output;
+    std::vector<host::PicturePtr> outputs;
     host::PicturePtr mask;
     std::unique_ptr<catalogue::Operator> op;
 };
 
+std::vector<GUID> AllFormats()
+{
+    std::vector<GUID> formats;
+    for (std::size_t i = 0; const vfILFormatInfo* info = vfILFormatAt(i); ++i)
+        formats.push_back(info->id);
+    return formats;
+}
+
+long RowSum(const host::Picture& picture, long y)
+{
+    return std::accumulate(picture.Row(y), picture.Row(y) + picture.RowBytes(), 0L);
+}
+
 TEST(Names, FollowTheLibrary)
 {
     EXPECT_EQ(catalogue::ParameterName("SetImgAPremultiplied"), "img-a-premultiplied");
+    EXPECT_EQ(catalogue::CommandName("vfILYCCA2BGRA"), "ycca2bgra");
     EXPECT_EQ(catalogue::FormatName(PXFormat_YUV422_709_SplitOdd), "yuv422-709-splitodd");
     for (std::size_t i = 0; const vfILFormatInfo* info = vfILFormatAt(i); ++i) {
         EXPECT_EQ(catalogue::FindFormat(catalogue::FormatName(info->id)), info);
@@ -60,11 +90,16 @@ TEST(Catalogue, HasEveryOperatorOnce)
     for (const Entry& entry : catalogue::Entries()) {
         names.push_back(entry.name);
         EXPECT_EQ(catalogue::Find(entry.name), &entry);
+        const std::string rule = catalogue::CommandName(entry.className);
+        EXPECT_EQ(*entry.alias == '\0' ? entry.name : entry.alias, rule);
+        EXPECT_EQ(catalogue::Find(rule), &entry);
     }
-    const std::vector<std::string> expected = {"over",      "in",          "out",  "atop",     "xor",
-                                               "add",       "add-no-clip", "diff", "mult",     "lighter",
-                                               "darker",    "lum",         "col",  "non-add",  "inv-non-add",
-                                               "composite", "invert",      "copy", "grayscale"};
+    const std::vector<std::string> expected = {
+        "over",        "in",        "out",        "atop",      "xor",       "add",       "add-no-clip",
+        "diff",        "mult",      "lighter",    "darker",    "lum",       "col",       "non-add",
+        "inv-non-add", "composite", "invert",     "copy",      "grayscale", "rgba2ycca", "bgra2ycca",
+        "dib2ycca",    "ycca2rgba", "ycca2bgra",  "16to8",     "8to16",     "rgba2hlsa", "hlsa2rgba",
+        "rgb2rgba",    "rgba2bgra", "rgba2alpha", "split-key", "join-key",  "2tap-iir"};
     EXPECT_EQ(names, expected);
 }
 
@@ -75,18 +110,58 @@ TEST(Operator, PlainArithmeticIsAFlagOfItsProcessor)
     };
     catalogue::OperatorOf<Probe> plain(false);
     catalogue::OperatorOf<Probe> usual(true);
-    EXPECT_EQ(static_cast<Probe&>(plain.Frame()).SimdFlag(), 0);
-    EXPECT_EQ(static_cast<Probe&>(usual.Frame()).SimdFlag(), Probe().SimdFlag());
+    EXPECT_EQ(static_cast<Probe&>(plain.Processor()).SimdFlag(), 0);
+    EXPECT_EQ(static_cast<Probe&>(usual.Processor()).SimdFlag(), Probe().SimdFlag());
 }
 
 TEST(EachEntry, FormatsAreThoseOfVerify)
 {
     for (const Entry& entry : catalogue::Entries()) {
-        for (std::size_t i = 0; const vfILFormatInfo* info = vfILFormatAt(i); ++i) {
-            const Bench bench(entry, info->id);
-            const bool listed = std::count(entry.formats.begin(), entry.formats.end(), info->id) != 0;
-            EXPECT_EQ(bench.op->Frame().Verify() == VFIL_SUCCESS, listed) << entry.name << " " << info->name;
+        for (const GUID& from : AllFormats()) {
+            const auto pairs = [&](const FormatPair& pair) { return pair.from == from; };
+            const bool listed = std::count(entry.formats.begin(), entry.formats.end(), from) != 0;
+            EXPECT_TRUE(entry.conversions.empty() ||
+                        std::any_of(entry.conversions.begin(), entry.conversions.end(), pairs) == listed);
+            for (const GUID& to : AllFormats()) {
+                EXPECT_EQ(Bench(entry, from, to).Verifies(), Takes(entry, from, to))
+                    << entry.name << " " << vfILFindFormat(from)->name << " " << vfILFindFormat(to)->name;
+            }
         }
+    }
+}
+
+// A picture that is darker at its bottom stays so, but for the pairs that say otherwise.
+TEST(EachEntry, ConversionsTurnThePictureOverWhereTheySaySo)
+{
+    for (const Entry& entry : catalogue::Entries()) {
+        for (const FormatPair& pair : entry.conversions) {
+            const Bench bench(entry, pair.from, pair.to);
+            for (const host::PicturePtr& input : bench.inputs) {
+                for (const long y : {0, 1}) {
+                    std::memset(input->Row(y), y == 0 ? 40 : 200, input->RowBytes());
+                    if (input->FormatInfo().alphaPlane) std::memset(input->AlphaRow(y), y == 0 ? 40 : 200, 4);
+                }
+            }
+            ASSERT_EQ(bench.op->Processor().Execute(), VFIL_SUCCESS) << entry.name;
+            for (const host::PicturePtr& output : bench.outputs)
+                EXPECT_EQ(RowSum(*output, 0) > RowSum(*output, 1), pair.turnsOver) << entry.name;
+        }
+    }
+}
+
+TEST(EachEntry, WholePicturesAndNoMasksAreThoseOfVerify)
+{
+    for (const Entry& entry : catalogue::Entries()) {
+        const Bench bench(entry);
+        vfILImgProc* frame = bench.op->Frame();
+        if (!frame) continue;
+        frame->SetROI(vfILBbox2l(0, 0, 3, 2));
+        EXPECT_EQ(bench.Verifies(), !entry.whole) << entry.name;
+        frame->SetROI(vfILBbox2l(0, 0, 4, 2));
+        const host::PicturePtr mask = host::Picture::Create(PXFormat_Mono8, 4, 2);
+        frame->SetMask(0, 0, 4, 2, mask.Get(), PXImageChannel_MONO);
+        const bool bytes = vfILFindFormat(UsualPair(entry).from)->sampleBytes == 1;
+        EXPECT_EQ(bench.Verifies(), bytes && entry.mask != catalogue::MaskUse::None) << entry.name;
     }
 }
 
@@ -95,19 +170,36 @@ TEST(EachEntry, RangesAreThoseOfVerify)
     for (const Entry& entry : catalogue::Entries()) {
         for (const Parameter& parameter : entry.parameters) {
             if (parameter.refusal == 0) continue;
-            const Bench bench(entry, PXFormat_RGBA32);
-            vfILImgProc& processor = bench.op->Frame();
+            const Bench bench(entry);
             const double step = parameter.type == ParameterType::Number ? 1e-9 : 1;
             const double low = parameter.minimum;
             const double high = parameter.maximum;
             for (const double value : {low, low - step, high, high + step}) {
-                parameter.apply(processor, {value});
+                parameter.apply(bench.op->Processor(), {value});
                 const bool inside = value >= low && value <= high;
-                EXPECT_EQ(processor.Verify() == VFIL_SUCCESS, inside) << entry.name << " " << value;
-                EXPECT_TRUE(inside || processor.GetLastError().GetErrorCode() == parameter.refusal);
+                EXPECT_EQ(bench.Verifies(), inside) << entry.name << " " << value;
+                EXPECT_TRUE(inside || bench.Code() == parameter.refusal);
             }
         }
     }
+}
+
+Value OtherThanDefault(const Parameter& parameter)
+{
+    switch (parameter.type) {
+    case ParameterType::Point:
+        return {3, -2};
+    case ParameterType::Colour:
+        return {0.125, 0.25, 0.5, 0.75};
+    case ParameterType::Number:
+        return {0.25};
+    case ParameterType::Flag:
+        return {parameter.fallback.value_or(Value{}).x == 0 ? 1.0 : 0.0};
+    case ParameterType::Choice:
+    case ParameterType::Integer:
+        break;
+    }
+    return {1};
 }
 
 // Where Verify takes anything, applying and reading must still meet: a swapped pair of accessors shows here.
@@ -115,14 +207,12 @@ TEST(EachEntry, ParametersReadBackAndHaveTheirDefaults)
 {
     for (const Entry& entry : catalogue::Entries()) {
         for (const Parameter& changed : entry.parameters) {
-            const Bench bench(entry, PXFormat_RGBA32);
-            const Value other = changed.type == ParameterType::Point    ? Value{3, -2}
-                                : changed.type == ParameterType::Number ? Value{0.25}
-                                                                        : Value{1};
-            changed.apply(bench.op->Frame(), other);
+            const Bench bench(entry);
+            const Value other = OtherThanDefault(changed);
+            changed.apply(bench.op->Processor(), other);
             for (const Parameter& parameter : entry.parameters) {
                 const bool same = parameter.name == changed.name;
-                EXPECT_EQ(parameter.read(bench.op->Frame()),
+                EXPECT_EQ(parameter.read(bench.op->Processor()),
                           same ? other : parameter.fallback.value_or(Value{}))
                     << entry.name << " " << parameter.name << " after " << changed.name;
             }
@@ -134,18 +224,19 @@ TEST(EachEntry, ParametersReadBackAndHaveTheirDefaults)
 TEST(EachEntry, FixedChannelsCannotBeLeftOut)
 {
     for (const Entry& entry : catalogue::Entries()) {
-        const Bench bench(entry, PXFormat_RGBA32);
+        const Bench bench(entry);
         for (const host::PicturePtr& input : bench.inputs) {
             std::memset(input->Pixels(), input.Get() == bench.inputs[0].Get() ? 190 : 80, input->Bytes());
         }
         if (bench.mask) std::memset(bench.mask->Pixels(), 255, bench.mask->Bytes());
-        vfILImgProc& processor = bench.op->Frame();
+        vfILProcessor& processor = bench.op->Processor();
+        const std::uint8_t* pixels = bench.outputs[0]->Pixels();
         EXPECT_EQ(processor.Execute(), VFIL_SUCCESS) << entry.name;
-        const std::vector<std::uint8_t> usual(bench.output->Pixels(), bench.output->Pixels() + 4);
+        const std::vector<std::uint8_t> usual(pixels, pixels + 4);
         for (std::size_t c = 0; c < 4; ++c) {
             if ((entry.fixedChannels >> c & 1) == 0) continue;
             processor.SetProcessingMode(VFIL_MODE_RGBA & ~(1ul << c));
-            EXPECT_TRUE(processor.Execute() != VFIL_SUCCESS || bench.output->Pixels()[c] == usual[c])
+            EXPECT_TRUE(processor.Execute() != VFIL_SUCCESS || pixels[c] == usual[c])
                 << entry.name << " channel " << c;
         }
     }

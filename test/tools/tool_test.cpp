@@ -2,41 +2,25 @@
 /// The tool as a process: what it makes of right requests, what it says to wrong ones, and what it leaves
 /// behind.
 #include "catalogue/catalogue.h"
-#include "host/picturefile.h"
+#include "test/tools/toolfolder.h"
 #include "tools/vfil/text.h"
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
-#include <cstdlib>
-#include <cstring>
 #include <fstream>
-#include <functional>
-#include <iterator>
-#include <map>
-
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace vfil::tool {
 
 namespace {
 
-namespace fs = std::filesystem;
 using testing::HasSubstr;
 
-struct ProcessResult {
-    int status = 0;
-    std::string out;
-    std::string err;
-};
-
-/// Each test has a folder of its own, with small pictures to work on.
-class Tool : public testing::Test {
+/// Small pictures to work on.
+class Tool : public ToolFolder {
 protected:
     Tool()
     {
-        fs::create_directory(m_folder);
         // The digits of a sample at (x, y) are y + 1 and x.
         const auto ramp = [](long x, long y, long c) { return c == 3 ? 255 : 10 * (y + 1) + x; };
         Make("grey.png", PXFormat_Mono8, 4, 3, ramp);
@@ -51,88 +35,6 @@ protected:
         std::ofstream(Path("in.raw")) << "twelve bytes";
         fs::create_directory(Path("folder.png"));
     }
-
-    ~Tool() override
-    {
-        fs::remove_all(m_folder);
-        fs::remove_all(m_folder.string() + ".io");
-    }
-
-    fs::path Path(const std::string& name) const { return m_folder / name; }
-
-    std::string Bytes(const std::string& name) const
-    {
-        std::ifstream file(Path(name), std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
-
-    /// All files in the folder with their bytes.
-    std::map<std::string, std::string> Files() const
-    {
-        std::map<std::string, std::string> files;
-        for (const auto& entry : fs::recursive_directory_iterator(m_folder))
-            files[entry.path().string()] = entry.is_directory() ? "" : Bytes(entry.path());
-        return files;
-    }
-
-    /// Writes a picture whose byte \p c of the pixel at (x, y) is value(x, y, c); y up.
-    void Make(const std::string& name, const GUID& format, long width, long height,
-              const std::function<long(long x, long y, long c)>& value) const
-    {
-        const host::PicturePtr picture = host::Picture::Create(format, width, height);
-        const long pixelBytes = picture->PixelBytes();
-        for (long y = 0; y < height; ++y) {
-            for (long i = 0; i < width * pixelBytes; ++i) {
-                picture->Row(y)[i] = static_cast<std::uint8_t>(value(i / pixelBytes, y, i % pixelBytes));
-            }
-        }
-        host::WritePicture(Path(name), *picture);
-    }
-
-    /// One channel of a picture file: samples with blanks between them in rows with commas, from the top.
-    std::string Channel(const std::string& name, int channel) const
-    {
-        const host::PicturePtr picture = host::ReadPicture(Path(name));
-        const vfILFormatInfo& info = picture->FormatInfo();
-        std::string text;
-        for (long y = picture->Height() - 1; y >= 0; --y) {
-            for (long x = 0; x < picture->Width(); ++x) {
-                const std::uint8_t* sample =
-                    picture->Row(y) + x * info.pixelBytes + channel * info.sampleBytes;
-                std::uint16_t word = *sample;
-                if (info.sampleBytes == 2) std::memcpy(&word, sample, 2);
-                text += std::to_string(word) + (x + 1 < picture->Width() ? " " : y > 0 ? ", " : "");
-            }
-        }
-        return text;
-    }
-
-    /// Runs a line of a shell in the folder. What it says goes to a folder beside the test's, which holds
-    /// nothing but what the tool left.
-    ProcessResult Shell(const std::string& line) const
-    {
-        const fs::path io = m_folder.string() + ".io";
-        fs::create_directory(io);
-        const std::string command = "cd '" + m_folder.string() + "' && { " + line + "\n} </dev/null >'" +
-                                    (io / "out").string() + "' 2>'" + (io / "err").string() + "'";
-        const int status = std::system(command.c_str());
-        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, Bytes(io / "out"), Bytes(io / "err")};
-    }
-
-    /// Runs the tool with \p arguments, which a shell takes apart.
-    ProcessResult Run(const std::string& arguments) const { return Shell("'" VFIL_TOOL "' " + arguments); }
-
-    /// What a run says that goes well.
-    std::string RunWell(const std::string& arguments) const
-    {
-        const ProcessResult result = Run(arguments);
-        EXPECT_EQ(result.status, 0) << arguments;
-        EXPECT_EQ(result.err, "") << arguments;
-        return result.out;
-    }
-
-private:
-    const fs::path m_folder = fs::temp_directory_path() / ("vfil-test-" + std::to_string(getpid()));
 };
 
 TEST(Text, NumbersAreTheWholeText)

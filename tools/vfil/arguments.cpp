@@ -54,12 +54,13 @@ void RefuseUnknown(const CLI::App& app, const std::vector<Option>& options)
     }
 }
 
-std::string OnlyValue(const std::string& name, const CLI::Option& option)
+void RefuseRepeated(const std::vector<Option>& options, const Arguments& arguments)
 {
-    const std::vector<std::string>& values = option.results();
-    if (values.size() > 1)
-        throw RequestError("--" + name + " is given " + std::to_string(values.size()) + " times");
-    return values.front();
+    for (const Option& option : options) {
+        const std::size_t count = arguments.All(option.name).size();
+        if (option.repeats || count < 2) continue;
+        throw RequestError("--" + option.name + " is given " + std::to_string(count) + " times");
+    }
 }
 
 } // namespace
@@ -67,7 +68,13 @@ std::string OnlyValue(const std::string& name, const CLI::Option& option)
 std::optional<std::string> Arguments::Get(const std::string& name) const
 {
     const auto found = options.find(name);
-    return found == options.end() ? std::nullopt : std::optional(found->second);
+    return found == options.end() ? std::nullopt : std::optional(found->second.front());
+}
+
+std::vector<std::string> Arguments::All(const std::string& name) const
+{
+    const auto found = options.find(name);
+    return found == options.end() ? std::vector<std::string>() : found->second;
 }
 
 bool Arguments::Flag(const std::string& name) const
@@ -97,8 +104,9 @@ Arguments ParseArguments(const std::vector<Option>& options, std::vector<std::st
     arguments.words = std::move(parser.words);
     arguments.help = parser.help->count() > 0;
     for (const auto& [name, option] : parser.options) {
-        if (option->count() > 0) arguments.options[name] = OnlyValue(name, *option);
+        if (option->count() > 0) arguments.options[name] = option->results();
     }
+    RefuseRepeated(options, arguments);
     return arguments;
 }
 

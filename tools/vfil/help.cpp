@@ -67,6 +67,8 @@ HelpSection OptionSection(const std::string& title, const std::vector<Option>& o
 const char* MaskText(MaskUse use)
 {
     switch (use) {
+    case MaskUse::None:
+        return "none";
     case MaskUse::BoxOnly:
         return "only the box of a mask counts: outside it the dominant picture stays";
     case MaskUse::Sampled:
@@ -83,6 +85,16 @@ std::string ChannelsText(const Entry& entry)
     if (entry.fixedChannels == 0) return all + "; any may be left out";
     if (entry.fixedChannels == VFIL_MODE_RGBA) return "always rgba";
     return all + "; only a may be left out";
+}
+
+// The formats that an operator with conversions makes, each once.
+std::vector<GUID> ResultFormats(const Entry& entry)
+{
+    std::vector<GUID> formats;
+    for (const catalogue::FormatPair& pair : entry.conversions) {
+        if (std::find(formats.begin(), formats.end(), pair.to) == formats.end()) formats.push_back(pair.to);
+    }
+    return formats;
 }
 
 HelpSection Family(const std::string& family)
@@ -115,16 +127,25 @@ HelpSection SharedOptionHelp()
 
 std::vector<HelpSection> ClosingHelp()
 {
-    return {{"Coordinates",
-             {{"", "x runs to the right and y up, from the bottom-left pixel, which is 0,0. The region and "
-                   "the mask are "
-                   "placed in the first picture, the output offset in the output."}}},
-            {"Exit status",
-             {{"0", "done"},
-              {"1", "the run failed"},
-              {"2", "the request was wrong: the line on standard error says what would be right"},
-              {"130", "interrupted"},
-              {"", "But for 0, no output file is left behind."}}}};
+    return {
+        {"Clips",
+         {{"",
+           "Every operator works on clips as on pictures, frame by frame. A picture beside a clip repeats; "
+           "clips of different length end with the shorter. - is a clip on standard input or output, in NUT, "
+           "which does not say its colour matrix: see --matrix, or --container matroska. Where an operator "
+           "does not take the format of a clip, conversions are inserted before and behind it; --verbose "
+           "names them."}}},
+        {"Coordinates",
+         {{"", "x runs to the right and y up, from the bottom-left pixel, which is 0,0. The region and "
+               "the mask are "
+               "placed in the first picture, the output offset in the output."}}},
+        {"Exit status",
+         {{"0", "done"},
+          {"1", "the run failed"},
+          {"2", "the request was wrong: the line on standard error says what would be right"},
+          {"130", "interrupted"},
+          {"", "But for 0 no output file is left behind, save that an interrupted run completes its clips "
+               "with the frames so far. Who reads standard output may stop at any time: that is 0."}}}};
 }
 
 HelpPage GeneralHelp()
@@ -159,11 +180,19 @@ HelpPage OperatorHelp(const Entry& entry)
     for (const catalogue::Input& input : entry.inputs)
         pictures.rows.emplace_back(UpperCase(input.role), input.summary);
     page.sections.push_back(pictures);
+    const std::vector<Option> outputs = OutputOptions(entry);
+    if (!outputs.empty()) page.sections.push_back(OptionSection("Outputs beside -o", outputs));
     const std::vector<Option> parameters = ParameterOptions(entry);
     if (!parameters.empty()) page.sections.push_back(OptionSection("Parameters", parameters));
-    HelpSection takes{
-        "Takes",
-        {{"formats", FormatNames(entry)}, {"channels", ChannelsText(entry)}, {"mask", MaskText(entry.mask)}}};
+    HelpSection takes{"Takes",
+                      {{"formats", FormatNames(entry.formats)},
+                       {"channels", ChannelsText(entry)},
+                       {"mask", MaskText(entry.mask)}}};
+    if (!entry.conversions.empty())
+        takes.rows.emplace_back("makes", FormatNames(ResultFormats(entry)) + "; see --to");
+    if (entry.whole)
+        takes.rows.emplace_back("region",
+                                "none: works on whole pictures, without --output-offset and --fields");
     if (entry.multiplied) {
         takes.rows.emplace_back("alpha",
                                 "colour of pictures with straight alpha is multiplied by it first, unless a "

@@ -7,31 +7,54 @@
 
 #include <nlohmann/json.hpp>
 
+#include <iomanip>
 #include <iostream>
 
 namespace vfil::tool {
 
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+// What is known of a file: printed, or added to the records.
+void Show(const std::string& path, const Arguments& arguments, Json* records)
+{
+    if (!host::IsVideo(path)) {
+        const host::PictureInfo info =
+            host::InspectPicture(path, IsRaw(path) ? RawOptions(arguments) : host::ReadOptions());
+        if (records)
+            records->push_back(Record(path, info));
+        else
+            std::cout << path << ": " << Describe(info) << '\n';
+        return;
+    }
+    const host::VideoReader reader(path, Overrides(arguments));
+    if (records) {
+        records->push_back(Record(path, reader.Info()));
+        return;
+    }
+    std::cout << path << ": clip\n";
+    for (const auto& [term, text] : DescribeClip(reader.Info()))
+        std::cout << "  " << std::left << std::setw(14) << term << text << '\n';
+}
+
+} // namespace
+
 int RunInfo(const Arguments& arguments)
 {
-    if (arguments.words.empty()) throw RequestError("takes one or more picture files");
+    if (arguments.words.empty()) throw RequestError("takes one or more picture files or clips");
     const bool json = arguments.Flag("json");
-    const host::ReadOptions raw = RawOptions(arguments);
-    nlohmann::ordered_json records = nlohmann::ordered_json::array();
+    Json records = Json::array();
     int status = kDone;
     for (const std::string& path : arguments.words) {
         try {
-            const host::PictureInfo info =
-                host::InspectPicture(path, IsRaw(path) ? raw : host::ReadOptions());
-            if (json)
-                records.push_back(Record(path, info));
-            else
-                std::cout << path << ": " << Describe(info) << '\n';
+            Show(path, arguments, json ? &records : nullptr);
         } catch (const host::FileError& error) {
             std::cerr << "vfil info: " << error.what() << '\n';
             status = kWrongRequest;
         }
     }
-    if (json) PrintRecord(records);
+    if (json) PrintRecord(records, std::cout);
     return status;
 }
 

@@ -22,6 +22,8 @@ void CatchInterrupts()
 {
     std::signal(SIGINT, SetInterrupted);
     std::signal(SIGTERM, SetInterrupted);
+    // Writing to a closed pipe is an error like any other.
+    std::signal(SIGPIPE, SIG_IGN);
 }
 
 volatile long* InterruptFlag()

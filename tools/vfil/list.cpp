@@ -26,6 +26,8 @@ using Json = nlohmann::ordered_json;
 const char* MaskName(MaskUse use)
 {
     switch (use) {
+    case MaskUse::None:
+        return "none";
     case MaskUse::BoxOnly:
         return "box";
     case MaskUse::Sampled:
@@ -58,25 +60,40 @@ Json EntryRecord(const Entry& entry)
 {
     Json inputs = Json::array();
     for (const catalogue::Input& input : entry.inputs) {
-        inputs.push_back({{"role", input.role}, {"summary", input.summary}});
+        inputs.push_back({{"role", input.role}, {"summary", input.summary}, {"optional", input.optional}});
+    }
+    Json outputs = Json::array();
+    for (const catalogue::Output& output : entry.outputs) {
+        outputs.push_back(
+            {{"role", output.role}, {"summary", output.summary}, {"optional", output.optional}});
     }
     Json formats = Json::array();
     for (const GUID& format : entry.formats)
         formats.push_back(catalogue::FormatName(format));
+    Json conversions = Json::array();
+    for (const catalogue::FormatPair& pair : entry.conversions) {
+        conversions.push_back({{"from", catalogue::FormatName(pair.from)},
+                               {"to", catalogue::FormatName(pair.to)},
+                               {"turnsOver", pair.turnsOver}});
+    }
     Json parameters = Json::array();
     for (const Parameter& parameter : entry.parameters)
         parameters.push_back(ParameterRecord(parameter));
     return {{"name", entry.name},
+            {"alias", entry.alias},
             {"class", entry.className},
             {"family", entry.family},
             {"summary", entry.summary},
             {"inputs", inputs},
+            {"outputs", outputs},
             {"formats", formats},
+            {"conversions", conversions},
             {"parameters", parameters},
             {"channels", ChannelLetters(entry.channels)},
             {"fixedChannels", ChannelLetters(entry.fixedChannels)},
             {"mask", MaskName(entry.mask)},
             {"multiplied", entry.multiplied},
+            {"whole", entry.whole},
             {"spatialReach", entry.spatialReach},
             {"temporalReach", entry.temporalReach},
             {"bands", entry.bands},
@@ -91,7 +108,7 @@ void RunList(const Arguments& arguments)
         Json all = Json::array();
         for (const Entry& entry : catalogue::Entries())
             all.push_back(EntryRecord(entry));
-        return PrintRecord(all);
+        return PrintRecord(all, std::cout);
     }
     std::string family;
     for (const Entry& entry : catalogue::Entries()) {

@@ -1,9 +1,10 @@
 /// \file
 /// The command vfil: finds the operator or command, and turns failures into one line and an exit status.
+#include "tools/vfil/chain.h"
 #include "tools/vfil/commands.h"
 #include "tools/vfil/failure.h"
 #include "tools/vfil/interrupt.h"
-#include "tools/vfil/run.h"
+#include "tools/vfil/request.h"
 #include "tools/vfil/text.h"
 
 #include <algorithm>
@@ -26,6 +27,14 @@ int RunCommand(const Command& command, const std::vector<std::string>& words)
         throw RequestError("takes no '" + arguments.words.front() + "'");
     }
     if (command.name == "info") return RunInfo(arguments);
+    if (command.name == "convert") {
+        CatchInterrupts();
+        RunJob(CheckJob(MakeConvertJob(arguments)));
+    }
+    if (command.name == "run") {
+        CatchInterrupts();
+        RunChains(arguments);
+    }
     if (command.name == "list") RunList(arguments);
     if (command.name == "help") RunHelp(arguments);
     if (command.name == "man") std::cout << ManPage();
@@ -45,7 +54,7 @@ int RunOperatorCommand(const catalogue::Entry& entry, const std::vector<std::str
         return kDone;
     }
     CatchInterrupts();
-    RunOperator(MakePlan(MakeRequest(entry, arguments)));
+    RunJob(CheckJob(MakeJob(entry, arguments)));
     return kDone;
 }
 
@@ -74,6 +83,8 @@ int Guarded(const std::string& name, Work work)
         const int status = work();
         std::cout.flush();
         return std::cout ? status : fail("standard output cannot be written", kRunFailed);
+    } catch (const host::PipeClosed&) {
+        return kDone;
     } catch (const RequestError& error) {
         return fail(error.what(), kWrongRequest);
     } catch (const host::FileError& error) {

@@ -1,6 +1,7 @@
 /// \file
 /// The options of the command.
 #include "tools/vfil/options.h"
+#include "tools/vfil/chain.h"
 #include "tools/vfil/text.h"
 
 #include <catalogue/names.h>
@@ -36,6 +37,8 @@ std::string Placeholder(const Parameter& parameter)
         return "";
     case ParameterType::Point:
         return "X,Y";
+    case ParameterType::Colour:
+        return "R,G,B,A";
     }
     return "";
 }
@@ -64,6 +67,26 @@ std::vector<std::string> AllFormatNames()
     return names;
 }
 
+Option OutputOption()
+{
+    return {
+        .name = "output",
+        .letter = "o",
+        .value = "FILE",
+        .summary =
+            "the file to write, required: a picture (.png, .jpg, .jpeg, .tif, .tiff or .raw) or a clip; - "
+            "is a clip on standard output",
+        .file = true};
+}
+
+std::vector<Option> Combine(const std::vector<std::vector<Option>>& groups)
+{
+    std::vector<Option> options;
+    for (const std::vector<Option>& group : groups)
+        options.insert(options.end(), group.begin(), group.end());
+    return options;
+}
+
 } // namespace
 
 std::vector<Option> ParameterOptions(const Entry& entry)
@@ -79,33 +102,25 @@ std::vector<Option> ParameterOptions(const Entry& entry)
     return options;
 }
 
-const std::vector<Option>& SharedOptions()
+const std::vector<Option>& StepOptions()
 {
     static const std::vector<Option> options = {
-        {"output",
-         "o",
-         "FILE",
-         "the picture to write, required: .png, .jpg, .jpeg, .tif, .tiff or .raw",
-         {},
-         true},
         {"roi", "", "X,Y,W,H",
          "region of the first picture to work on, in pixels, x and y of its bottom-left corner with y up "
-         "(default the "
-         "whole dominant picture)"},
+         "(default the whole dominant picture)"},
         {"output-offset", "", "X,Y",
          "where the bottom-left pixel of the region lands in the output, in pixels, y up (default 0,0)"},
         {"output-size", "", "WxH",
          "size of the output in pixels (default that of the region plus the output offset)"},
-        {"mask",
-         "",
-         "FILE[:CHANNEL]",
-         "picture that bounds the operation by its box and, where the operator samples it, mixes the result "
-         "with the "
-         "input by one channel: red, green, blue, alpha or mono (default mono for a grey picture, alpha for "
-         "one with "
-         "alpha, else red); its depth follows the pictures",
-         {},
-         true},
+        {.name = "mask",
+         .letter = "",
+         .value = "FILE[:CHANNEL]",
+         .summary =
+             "picture or clip that bounds the operation by its box and, where the operator samples it, "
+             "mixes the result with the input by one channel: red, green, blue, alpha or mono (default "
+             "mono for a grey picture, alpha for one with alpha, else red); its depth follows the "
+             "pictures",
+         .file = true},
         {"mask-offset", "", "X,Y",
          "position of the mask's bottom-left pixel in the first picture, in pixels, y up (default 0,0)"},
         {"channels", "", "LETTERS",
@@ -119,25 +134,110 @@ const std::vector<Option>& SharedOptions()
          {"odd", "even"}},
         {"default-color", "", "R,G,B,A",
          "colour of output pixels that have no source, each component 0 .. 1 (default 0,0,0,0)"},
+    };
+    return options;
+}
+
+const std::vector<Option>& SourceOptions()
+{
+    static const std::vector<Option> options = {
         {"format",
          "",
          "FORMAT",
-         "format to which the pictures are converted when read (default as the file has it)",
+         "format to which the pictures and clips are converted when read (default as the file has it)",
          {"rgba32", "rgba64", "mono8", "mono16"}},
         {"in-format", "", "FORMAT", "format of .raw pictures", AllFormatNames()},
         {"in-size", "", "WxH", "size of .raw pictures in pixels"},
+        {"matrix",
+         "",
+         "601|709",
+         "weights of the YCC colour of clips, when the file is wrong or does not say",
+         {"601", "709"}},
+        {"range", "", "studio|full", "range of the samples of clips, likewise", {"studio", "full"}},
+        {"field-order",
+         "",
+         "ORDER",
+         "which field of an interlaced clip comes first, likewise",
+         {"top", "bottom", "progressive"}},
+        {"premultiplied",
+         "",
+         "yes|no",
+         "whether the colour of pictures and clips is multiplied by their alpha, likewise",
+         {"yes", "no"}},
+    };
+    return options;
+}
+
+const std::vector<Option>& SinkOptions()
+{
+    static const std::vector<Option> options = {
+        {"to", "", "FORMAT",
+         "format of the result, to which it is converted before it is written (default that of the first "
+         "picture or clip, as far as the file can hold it)",
+         AllFormatNames()},
+        {"codec", "", "NAME",
+         "codec of the clip to write (default that of the first clip where it will do, else the "
+         "container's)"},
+        {.name = "codec-option",
+         .letter = "",
+         .value = "NAME=VALUE",
+         .summary = "option of the codec, such as crf=18; may be given several times",
+         .repeats = true},
+        {"container", "", "NAME", "container of the clip to write (default by the name's ending, nut for -)"},
+    };
+    return options;
+}
+
+const std::vector<Option>& RunOptions()
+{
+    static const std::vector<Option> options = {
+        {"frames", "", "A:B",
+         "frames of the clips to work on: from A, counted from 0, up to B, which is left out; either may be "
+         "absent"},
+        {"threads", "", "N", "frames that are worked on at the same time (default one a processor)"},
+        {"filter",
+         "",
+         "yes|no",
+         "average chroma when conversions halve it (default yes), interpolate it when they double it "
+         "(default no)",
+         {"yes", "no"}},
+        {"dither", "", "yes|no", "dither in conversions to YCC (default no)", {"yes", "no"}},
+        {"progress",
+         "",
+         "none|json",
+         "how far a clip is, on standard error: nothing, or a record a line (default a bar on a terminal)",
+         {"none", "json"}},
         {"plain", "", "", "use the plain arithmetic instead of the machine's vector instructions"},
         {"json", "", "", "write a record of the result to standard output"},
-        {"quiet", "", "", "write nothing to standard output"},
+        {"verbose", "", "", "name the conversions that were inserted, on standard error"},
+        {"quiet", "", "", "write nothing to standard output, no remarks and no progress"},
     };
+    return options;
+}
+
+const std::vector<Option>& SharedOptions()
+{
+    static const std::vector<Option> options =
+        Combine({{OutputOption()}, StepOptions(), SourceOptions(), SinkOptions(), RunOptions()});
+    return options;
+}
+
+std::vector<Option> OutputOptions(const Entry& entry)
+{
+    std::vector<Option> options;
+    for (std::size_t i = 1; i < entry.outputs.size(); ++i) {
+        options.push_back({.name = entry.outputs[i].role,
+                           .letter = "",
+                           .value = "FILE",
+                           .summary = entry.outputs[i].summary,
+                           .file = true});
+    }
     return options;
 }
 
 std::vector<Option> OptionsOf(const Entry& entry)
 {
-    std::vector<Option> options = ParameterOptions(entry);
-    options.insert(options.end(), SharedOptions().begin(), SharedOptions().end());
-    return options;
+    return Combine({ParameterOptions(entry), OutputOptions(entry), SharedOptions()});
 }
 
 const std::vector<Command>& Commands()
@@ -148,12 +248,14 @@ const std::vector<Command>& Commands()
          "list the operators",
          {{"json", "", "", "write all that is known of them, as JSON"}},
          false},
-        {"info",
-         "FILE... [--json]",
-         "show what picture files hold",
-         {{"json", "", "", "write a JSON array"},
-          {"in-format", "", "FORMAT", "format of .raw pictures", AllFormatNames()},
-          {"in-size", "", "WxH", "size of .raw pictures in pixels"}}},
+        {"convert", "PICTURE -o FILE [--to FORMAT]",
+         "convert a picture or clip to another format, container or codec; the pair of formats says by which "
+         "converters",
+         Combine({{OutputOption()}, SourceOptions(), SinkOptions(), RunOptions()})},
+        {"run", "CHAIN.toml... [--input NAME=FILE]... [--output NAME=FILE]...",
+         "run chains of operators that stand in files, on pictures or clips", ChainOptions()},
+        {"info", "FILE... [--json]", "show what pictures and clips hold, and who says so",
+         Combine({{{"json", "", "", "write a JSON array"}}, SourceOptions()})},
         {"help", "[OPERATOR]", "explain an operator or the command", {}},
         {"completion", "bash", "write a completion script", {}, true, {"bash"}},
         {"man", "", "write the manual page, as roff", {}, false},
@@ -164,8 +266,10 @@ const std::vector<Command>& Commands()
 std::vector<std::string> CommandNames()
 {
     std::vector<std::string> names;
-    for (const Entry& entry : catalogue::Entries())
+    for (const Entry& entry : catalogue::Entries()) {
         names.push_back(entry.name);
+        if (*entry.alias != '\0') names.emplace_back(entry.alias);
+    }
     for (const Command& command : Commands())
         names.push_back(command.name);
     return names;
@@ -174,15 +278,18 @@ std::vector<std::string> CommandNames()
 std::string PictureNames(const Entry& entry)
 {
     std::vector<std::string> names;
-    for (const catalogue::Input& input : entry.inputs)
-        names.push_back(UpperCase(input.role));
+    for (const catalogue::Input& input : entry.inputs) {
+        const std::string role = UpperCase(input.role);
+        names.push_back(input.optional ? "[" + role + "]" : role);
+    }
     return Join(names, " ");
 }
 
-std::string FormatNames(const Entry& entry)
+std::string FormatNames(const std::vector<GUID>& formats)
 {
     std::vector<std::string> names;
-    for (const GUID& format : entry.formats)
+    names.reserve(formats.size());
+    for (const GUID& format : formats)
         names.push_back(catalogue::FormatName(format));
     return Join(names, ", ");
 }
@@ -202,6 +309,7 @@ std::string RangeText(const Parameter& parameter)
     if (parameter.type == ParameterType::Choice) return Join(ChoiceNames(parameter), ", ");
     if (parameter.type == ParameterType::Flag) return "yes, no";
     if (parameter.type == ParameterType::Point) return "whole numbers";
+    if (parameter.type == ParameterType::Colour) return "components 0 .. 1";
     const std::string range = NumberText(parameter.minimum) + " .. " + NumberText(parameter.maximum);
     return parameter.type == ParameterType::Integer ? "whole numbers " + range : range;
 }
@@ -210,6 +318,9 @@ std::string ValueText(const Parameter& parameter, const catalogue::Value& value)
 {
     if (parameter.type == ParameterType::Flag) return value.x != 0 ? "yes" : "no";
     if (parameter.type == ParameterType::Point) return NumberText(value.x) + "," + NumberText(value.y);
+    if (parameter.type == ParameterType::Colour)
+        return NumberText(value.x) + "," + NumberText(value.y) + "," + NumberText(value.z) + "," +
+               NumberText(value.w);
     for (const catalogue::Choice& choice : parameter.choices) {
         if (choice.value == value.x) return choice.name;
     }

@@ -17,12 +17,25 @@ struct Option {
     std::string summary;
     std::vector<std::string> choices = {}; ///< the words that it takes, when these are few
     bool file = false;                     ///< takes the path of a file
+    bool repeats = false;                  ///< may be given more than once
 };
 
 /// The options that the parameters of an operator make.
 std::vector<Option> ParameterOptions(const catalogue::Entry& entry);
 
-/// The options that all operators share.
+/// The options that name the outputs of an operator behind the first, by their roles.
+std::vector<Option> OutputOptions(const catalogue::Entry& entry);
+
+/// The options of how an operator works, beside its parameters.
+const std::vector<Option>& StepOptions();
+/// The options of how pictures and clips are read.
+const std::vector<Option>& SourceOptions();
+/// The options of how a result is written.
+const std::vector<Option>& SinkOptions();
+/// The options of a run as a whole.
+const std::vector<Option>& RunOptions();
+
+/// The options that all operators share: those of the four groups, and --output.
 const std::vector<Option>& SharedOptions();
 
 /// All options of an operator.
@@ -44,11 +57,11 @@ const std::vector<Command>& Commands();
 /// The names of all operators and commands.
 std::vector<std::string> CommandNames();
 
-/// The pictures that an operator reads, as in a usage line: "BACK FRONT".
+/// The pictures that an operator reads, as in a usage line: "BACK FRONT", "FILL [KEY]".
 std::string PictureNames(const catalogue::Entry& entry);
 
-/// The names of the formats that an operator takes: "rgba32, rgba64".
-std::string FormatNames(const catalogue::Entry& entry);
+/// The names of formats: "rgba32, rgba64".
+std::string FormatNames(const std::vector<GUID>& formats);
 
 /// The letters of the channels in a mode: "rgba".
 std::string ChannelLetters(unsigned long mode);

@@ -7,11 +7,85 @@
 #include <nlohmann/json.hpp>
 
 #include <cstdint>
-#include <iostream>
+#include <ostream>
 
 namespace vfil::tool {
 
 using catalogue::ParameterType;
+
+namespace {
+
+const char* MatrixName(host::Matrix matrix)
+{
+    return matrix == host::Matrix::Bt709 ? "709" : "601";
+}
+
+const char* RangeName(host::Range range)
+{
+    return range == host::Range::Full ? "full" : "studio";
+}
+
+const char* FieldOrderName(host::FieldOrder order)
+{
+    switch (order) {
+    case host::FieldOrder::Progressive:
+        return "progressive";
+    case host::FieldOrder::TopFirst:
+        return "top";
+    case host::FieldOrder::BottomFirst:
+        return "bottom";
+    }
+    return "";
+}
+
+const char* FieldOrderText(host::FieldOrder order)
+{
+    switch (order) {
+    case host::FieldOrder::Progressive:
+        return "progressive";
+    case host::FieldOrder::TopFirst:
+        return "interlaced, top field first";
+    case host::FieldOrder::BottomFirst:
+        return "interlaced, bottom field first";
+    }
+    return "";
+}
+
+const char* OriginName(host::Origin origin)
+{
+    switch (origin) {
+    case host::Origin::Stream:
+        return "stream";
+    case host::Origin::Frame:
+        return "frame";
+    case host::Origin::Override:
+        return "override";
+    case host::Origin::Default:
+        return "default";
+    }
+    return "";
+}
+
+template <class T>
+std::string StatedText(const host::Stated<T>& stated, const char* (*name)(T))
+{
+    return std::string(name(stated.value)) + " (" + OriginName(stated.origin) + ")";
+}
+
+template <class T>
+nlohmann::ordered_json StatedRecord(const host::Stated<T>& stated, const char* (*name)(T))
+{
+    return {{"value", name(stated.value)}, {"from", OriginName(stated.origin)}};
+}
+
+std::string RatioText(const host::Ratio& ratio)
+{
+    if (ratio.numerator == 0) return "not stated";
+    const std::string above = std::to_string(ratio.numerator);
+    return ratio.denominator == 1 ? above : above + "/" + std::to_string(ratio.denominator);
+}
+
+} // namespace
 
 std::string SizeText(long width, long height)
 {
@@ -66,6 +140,8 @@ nlohmann::ordered_json ValueRecord(const catalogue::Parameter& parameter, const 
     case ParameterType::Point:
         return nlohmann::ordered_json::array(
             {NumberRecord(parameter, value.x), NumberRecord(parameter, value.y)});
+    case ParameterType::Colour:
+        return nlohmann::ordered_json::array({value.x, value.y, value.z, value.w});
     case ParameterType::Choice:
         return ValueText(parameter, value);
     case ParameterType::Number:
@@ -75,9 +151,52 @@ nlohmann::ordered_json ValueRecord(const catalogue::Parameter& parameter, const 
     return NumberRecord(parameter, value.x);
 }
 
-void PrintRecord(const nlohmann::ordered_json& record)
+std::vector<std::pair<std::string, std::string>> DescribeClip(const host::VideoInfo& info)
 {
-    std::cout << record.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << '\n';
+    std::vector<std::pair<std::string, std::string>> rows = {
+        {"container", info.container},
+        {"video", info.codec + " " + info.pixelFormat + ", " + std::to_string(info.depth) + " bits"},
+        {"size", SizeText(info.width, info.height)},
+        {"rate", RatioText(info.rate) + " frames a second"},
+        {"pixel aspect", RatioText(info.aspect)},
+        {"frames", info.frames ? std::to_string(*info.frames) : "not stated"},
+        {"matrix", StatedText(info.matrix, MatrixName)},
+        {"range", StatedText(info.range, RangeName)},
+        {"fields", StatedText(info.fieldOrder, FieldOrderText)},
+        {"alpha", StatedText(info.alpha, AlphaName)},
+        {"read as", catalogue::FormatName(info.format)}};
+    for (const std::string& stream : info.otherStreams)
+        rows.emplace_back("beside it", stream);
+    for (const std::string& remark : info.remarks)
+        rows.emplace_back("remark", remark);
+    return rows;
+}
+
+nlohmann::ordered_json Record(const std::string& path, const host::VideoInfo& info)
+{
+    nlohmann::ordered_json record = {{"file", path},
+                                     {"type", info.container},
+                                     {"codec", info.codec},
+                                     {"pixelFormat", info.pixelFormat},
+                                     {"width", info.width},
+                                     {"height", info.height},
+                                     {"format", catalogue::FormatName(info.format)},
+                                     {"depth", info.depth},
+                                     {"rate", {info.rate.numerator, info.rate.denominator}},
+                                     {"aspect", {info.aspect.numerator, info.aspect.denominator}}};
+    if (info.frames) record["frames"] = *info.frames;
+    record["matrix"] = StatedRecord(info.matrix, MatrixName);
+    record["range"] = StatedRecord(info.range, RangeName);
+    record["fieldOrder"] = StatedRecord(info.fieldOrder, FieldOrderName);
+    record["alpha"] = StatedRecord(info.alpha, AlphaName);
+    record["otherStreams"] = info.otherStreams;
+    record["remarks"] = info.remarks;
+    return record;
+}
+
+void PrintRecord(const nlohmann::ordered_json& record, std::ostream& out)
+{
+    out << record.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << '\n';
 }
 
 } // namespace vfil::tool

@@ -3,11 +3,14 @@
 #pragma once
 
 #include "catalogue/catalogue.h"
-#include "host/picturefile.h"
+#include "host/video/video.h"
 
 #include <nlohmann/json_fwd.hpp>
 
+#include <iosfwd>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace vfil::tool {
 
@@ -30,7 +33,13 @@ nlohmann::ordered_json NumberRecord(const catalogue::Parameter& parameter, doubl
 /// name.
 nlohmann::ordered_json ValueRecord(const catalogue::Parameter& parameter, const catalogue::Value& value);
 
-/// Writes a record to standard output. Bytes of file names that are no UTF-8 are replaced.
-void PrintRecord(const nlohmann::ordered_json& record);
+/// What a clip says of itself: terms and what holds for each, with who says it.
+std::vector<std::pair<std::string, std::string>> DescribeClip(const host::VideoInfo& info);
+
+/// The same as a record.
+nlohmann::ordered_json Record(const std::string& path, const host::VideoInfo& info);
+
+/// Writes a record. Bytes of file names that are no UTF-8 are replaced.
+void PrintRecord(const nlohmann::ordered_json& record, std::ostream& out);
 
 } // namespace vfil::tool

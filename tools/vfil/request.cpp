@@ -1,240 +1,115 @@
 /// \file
-/// From the texts of a command line to values.
+/// A job, from the words and options of a command line.
 #include "tools/vfil/request.h"
-#include "catalogue/names.h"
 #include "tools/vfil/failure.h"
 #include "tools/vfil/text.h"
+#include "tools/vfil/values.h"
 
 #include <algorithm>
-#include <cmath>
 #include <filesystem>
+#include <initializer_list>
+#include <limits>
+#include <string_view>
 
 namespace vfil::tool {
 
 using catalogue::Entry;
-using catalogue::Parameter;
-using catalogue::ParameterType;
-using catalogue::Value;
 
 namespace {
 
-constexpr std::pair<const char*, PXImageChannel> kMaskChannels[] = {
-    {"red", PXImageChannel_RED},     {"green", PXImageChannel_GREEN}, {"blue", PXImageChannel_BLUE},
-    {"alpha", PXImageChannel_ALPHA}, {"mono", PXImageChannel_MONO},
-};
+constexpr long kMostThreads = 256;
 
-[[noreturn]] void RefuseValue(const std::string& option, const std::string& text, const std::string& right)
+std::optional<bool> YesOrNo(const Arguments& arguments, const std::string& name)
 {
-    throw RequestError("--" + option + " '" + text + "' is not " + right);
+    return arguments.Has(name) ? std::optional(arguments.Flag(name)) : std::nullopt;
 }
 
-Value ChoiceValue(const Parameter& parameter, const std::string& text)
-{
-    std::vector<std::string> names;
-    for (const catalogue::Choice& choice : parameter.choices) {
-        if (choice.name == text) return {choice.value};
-        names.emplace_back(choice.name);
-    }
-    RefuseValue(parameter.name, text, "one of " + Join(names, ", ") + DidYouMean(text, names));
-}
-
-Value PointValue(const Parameter& parameter, const std::string& text)
-{
-    const auto numbers = ParseIntegers(text, ',', 2);
-    if (!numbers) RefuseValue(parameter.name, text, "two whole numbers X,Y, such as 12,-3");
-    return {static_cast<double>((*numbers)[0]), static_cast<double>((*numbers)[1])};
-}
-
-Value NumberValue(const Parameter& parameter, const std::string& text)
-{
-    const bool whole = parameter.type == ParameterType::Integer;
-    const auto number = ParseNumber(text);
-    if (!number || (whole && *number != std::trunc(*number))) {
-        RefuseValue(parameter.name, text, (whole ? "one of the " : "a number of ") + RangeText(parameter));
-    }
-    if (*number < parameter.minimum || *number > parameter.maximum) {
-        throw RequestError("--" + parameter.name + " " + text + " is out of range: it takes " +
-                           RangeText(parameter));
-    }
-    return {*number};
-}
-
-Value ParameterValue(const Parameter& parameter, const Arguments& arguments)
-{
-    switch (parameter.type) {
-    case ParameterType::Choice:
-        return ChoiceValue(parameter, *arguments.Get(parameter.name));
-    case ParameterType::Flag:
-        return {arguments.Flag(parameter.name) ? 1.0 : 0.0};
-    case ParameterType::Point:
-        return PointValue(parameter, *arguments.Get(parameter.name));
-    case ParameterType::Number:
-    case ParameterType::Integer:
-        break;
-    }
-    return NumberValue(parameter, *arguments.Get(parameter.name));
-}
-
-std::optional<vfILBbox2l> Roi(const Arguments& arguments)
-{
-    const auto text = arguments.Get("roi");
-    if (!text) return std::nullopt;
-    const auto n = ParseIntegers(*text, ',', 4);
-    if (!n) RefuseValue("roi", *text, "four whole numbers X,Y,W,H, such as 10,20,100,50");
-    if ((*n)[2] < 1 || (*n)[3] < 1) RefuseValue("roi", *text, "a region: width and height are at least 1");
-    return vfILBbox2l((*n)[0], (*n)[1], (*n)[2], (*n)[3]);
-}
-
-std::optional<vfILVector2l> Offset(const Arguments& arguments, const std::string& name)
+// One of a few words, and what it stands for.
+template <class T>
+std::optional<T> OneOf(const Arguments& arguments, const std::string& name,
+                       std::initializer_list<std::pair<const char*, T>> meanings)
 {
     const auto text = arguments.Get(name);
     if (!text) return std::nullopt;
-    const auto numbers = ParseIntegers(*text, ',', 2);
-    if (!numbers) RefuseValue(name, *text, "two whole numbers X,Y, such as 12,3");
-    return vfILVector2l((*numbers)[0], (*numbers)[1]);
+    std::vector<std::string> words;
+    for (const auto& [word, meaning] : meanings) {
+        if (*text == word) return meaning;
+        words.emplace_back(word);
+    }
+    RefuseValue(name, *text, "one of " + Join(words, ", ") + DidYouMean(*text, words));
 }
 
-std::optional<vfILVector2l> Size(const Arguments& arguments, const std::string& name)
+void TakeFrames(const Arguments& arguments, RunSettings& settings)
 {
-    const auto text = arguments.Get(name);
-    if (!text) return std::nullopt;
-    const auto n = ParseIntegers(*text, 'x', 2);
-    if (!n) RefuseValue(name, *text, "a size WxH, such as 720x576");
-    if ((*n)[0] < 1 || (*n)[1] < 1) RefuseValue(name, *text, "a size: width and height are at least 1");
-    if (std::max((*n)[0], (*n)[1]) > host::kMaxFileSide) {
-        throw RequestError("--" + name + " " + *text + " is too large: a side has at most " +
-                           std::to_string(host::kMaxFileSide) + " pixels");
+    const auto text = arguments.Get("frames");
+    if (!text) return;
+    const std::size_t colon = text->find(':');
+    const auto bound = [&](std::string_view part, long fallback) {
+        if (part.empty()) return fallback;
+        const auto number = ParseIntegers(part, ',', 1);
+        return number ? number->front() : -1;
+    };
+    if (colon != std::string::npos) {
+        constexpr long kNoEnd = std::numeric_limits<long>::max();
+        settings.firstFrame = bound(std::string_view(*text).substr(0, colon), 0);
+        const long end = bound(std::string_view(*text).substr(colon + 1), kNoEnd);
+        if (end != kNoEnd) settings.endFrame = end;
+        if (settings.firstFrame >= 0 && end > settings.firstFrame) return;
     }
-    return vfILVector2l((*n)[0], (*n)[1]);
+    RefuseValue("frames", *text, "a range A:B of frames, such as 10:20 for frames 10 .. 19, 10: or :20");
 }
 
-std::optional<GUID> Format(const Arguments& arguments, const std::string& name)
+unsigned Threads(const Arguments& arguments)
 {
-    const auto text = arguments.Get(name);
-    if (!text) return std::nullopt;
-    const auto option = std::find_if(SharedOptions().begin(), SharedOptions().end(),
-                                     [&](const Option& o) { return o.name == name; });
-    const std::vector<std::string>& names = option->choices;
-    if (std::find(names.begin(), names.end(), *text) == names.end()) {
-        // The long list of raw formats would not be read: help has it.
-        const std::string right =
-            names.size() > 4 ? "a format ('vfil help copy' names them)" : "one of " + Join(names, ", ");
-        RefuseValue(name, *text, right + DidYouMean(*text, names));
-    }
-    return catalogue::FindFormat(*text)->id;
-}
-
-bool Exists(const std::string& path)
-{
-    std::error_code ignored;
-    return std::filesystem::exists(path, ignored);
-}
-
-// A file name may have a colon of its own: what follows the last one is a channel only when it is the name of
-// one, or when there is no such file but one without the ending.
-void SplitMask(const std::string& text, MaskRequest& mask)
-{
-    mask.path = text;
-    const std::size_t colon = text.rfind(':');
-    if (colon == std::string::npos) return;
-    const std::string name = text.substr(colon + 1);
-    std::vector<std::string> names;
-    for (const auto& [channelName, channel] : kMaskChannels) {
-        names.emplace_back(channelName);
-        if (name != channelName) continue;
-        mask.path = text.substr(0, colon);
-        mask.channel = channel;
-        return;
-    }
-    if (!Exists(text) && Exists(text.substr(0, colon))) {
-        throw RequestError("--mask " + text + ": '" + name + "' is no channel" + DidYouMean(name, names));
-    }
-}
-
-std::optional<MaskRequest> Mask(const Entry& entry, const Arguments& arguments)
-{
-    const auto text = arguments.Get("mask");
-    if (!text && entry.mask == catalogue::MaskUse::Required) {
-        throw RequestError("needs a mask; add --mask FILE[:CHANNEL]");
-    }
-    if (!text && arguments.Has("mask-offset"))
-        throw RequestError("--mask-offset needs --mask FILE[:CHANNEL]");
-    if (!text) return std::nullopt;
-    MaskRequest mask;
-    SplitMask(*text, mask);
-    if (mask.path.empty()) RefuseValue("mask", *text, "FILE[:CHANNEL]: the name of the file is empty");
-    mask.offset = Offset(arguments, "mask-offset").value_or(vfILVector2l());
-    return mask;
-}
-
-unsigned long Channels(const Entry& entry, const Arguments& arguments)
-{
-    const auto text = arguments.Get("channels");
-    if (!text) return entry.channels;
-    const std::string all = ChannelLetters(VFIL_MODE_RGBA);
-    unsigned long mode = 0;
-    for (const char letter : *text) {
-        const std::size_t index = all.find(letter);
-        if (index == std::string::npos) RefuseValue("channels", *text, "made of the letters r, g, b and a");
-        mode |= 1ul << index;
-    }
-    if (mode == 0) RefuseValue("channels", *text, "made of the letters r, g, b and a");
-    if ((mode & entry.fixedChannels) != entry.fixedChannels) {
-        throw RequestError("--channels " + *text + " leaves out what " + entry.name +
-                           " always works on; it takes " +
-                           (entry.fixedChannels == VFIL_MODE_RGBA ? "rgba alone" : "rgb or rgba"));
-    }
-    return mode;
-}
-
-unsigned long Fields(const Arguments& arguments)
-{
-    const auto text = arguments.Get("fields");
+    const auto text = arguments.Get("threads");
     if (!text) return 0;
-    if (*text == "odd") return VFIL_MODE_ODD_ROWS;
-    if (*text == "even") return VFIL_MODE_EVEN_ROWS;
-    RefuseValue("fields", *text, "odd or even");
+    const auto number = ParseIntegers(*text, ',', 1);
+    if (!number || number->front() < 1 || number->front() > kMostThreads) {
+        RefuseValue("threads", *text, "a count of 1 .. " + std::to_string(kMostThreads));
+    }
+    return static_cast<unsigned>(number->front());
 }
 
-vfILColor DefaultColor(const Arguments& arguments)
+std::vector<std::pair<std::string, std::string>> CodecOptions(const Arguments& arguments)
 {
-    const auto text = arguments.Get("default-color");
-    if (!text) return {0, 0, 0, 0};
-    const auto c = ParseNumbers(*text, ',', 4);
-    if (!c) RefuseValue("default-color", *text, "four numbers R,G,B,A of 0 .. 1, such as 1,0.5,0,1");
-    if (std::any_of(c->begin(), c->end(), [](double v) { return v < 0 || v > 1; })) {
-        throw RequestError("--default-color " + *text + " is out of range: each component is 0 .. 1");
+    std::vector<std::pair<std::string, std::string>> options;
+    for (const std::string& text : arguments.All("codec-option")) {
+        const std::size_t equals = text.find('=');
+        if (equals == 0 || equals == std::string::npos)
+            RefuseValue("codec-option", text, "NAME=VALUE, such as crf=18");
+        options.emplace_back(text.substr(0, equals), text.substr(equals + 1));
     }
-    return {(*c)[0], (*c)[1], (*c)[2], (*c)[3]};
+    return options;
 }
 
-void TakePictures(const Arguments& arguments, Request& request)
+std::string OutputPath(const Arguments& arguments)
 {
-    const Entry& entry = *request.entry;
-    const std::size_t wanted = entry.inputs.size();
-    if (arguments.words.size() != wanted) {
-        throw RequestError("takes " + std::to_string(wanted) + (wanted == 1 ? " picture" : " pictures") +
-                           " (" + PictureNames(entry) + "), not " + std::to_string(arguments.words.size()));
-    }
-    request.inputs = arguments.words;
-    if (std::find(request.inputs.begin(), request.inputs.end(), "") != request.inputs.end()) {
-        throw RequestError("the name of a picture (" + PictureNames(entry) + ") is empty");
-    }
-    request.output = arguments.Get("output").value_or("");
-    if (request.output.empty()) throw RequestError("needs -o FILE, the picture to write");
+    std::string path = arguments.Get("output").value_or("");
+    if (path.empty()) throw RequestError("needs -o FILE, the picture or clip to write");
+    return path;
 }
 
-void TakeFormats(const Arguments& arguments, Request& request)
+void CheckWords(const std::vector<std::string>& words, std::size_t least, std::size_t most,
+                const std::string& names)
 {
-    request.format = Format(arguments, "format");
-    request.rawOptions = RawOptions(arguments);
-    const auto raw = std::find_if(request.inputs.begin(), request.inputs.end(), IsRaw);
-    if (raw == request.inputs.end()) return;
-    if (!request.rawOptions.format || request.rawOptions.width == 0) {
-        throw RequestError(*raw + ": a raw picture needs --in-format FORMAT and --in-size WxH");
+    if (words.size() < least || words.size() > most) {
+        throw RequestError("takes " + std::to_string(most) + (most == 1 ? " picture" : " pictures") + " (" +
+                           names + "), not " + std::to_string(words.size()));
     }
-    if (request.format)
-        throw RequestError("--format does not convert " + *raw + ", whose format is --in-format's");
+    if (std::find(words.begin(), words.end(), "") != words.end())
+        throw RequestError("the name of a picture (" + names + ") is empty");
+}
+
+void CheckRaw(const Job& job)
+{
+    for (const Source& source : job.sources) {
+        if (!IsRaw(source.path)) continue;
+        if (!source.rawOptions.format || source.rawOptions.width == 0)
+            throw RequestError(source.path + ": a raw picture needs --in-format FORMAT and --in-size WxH");
+        if (source.format)
+            throw RequestError("--format does not convert " + source.path +
+                               ", whose format is --in-format's");
+    }
 }
 
 } // namespace
@@ -254,27 +129,124 @@ host::ReadOptions RawOptions(const Arguments& arguments)
     return options;
 }
 
-Request MakeRequest(const Entry& entry, const Arguments& arguments)
+host::VideoOverrides Overrides(const Arguments& arguments)
 {
-    Request request;
-    request.entry = &entry;
-    TakePictures(arguments, request);
-    for (const Parameter& parameter : entry.parameters) {
-        if (!arguments.Has(parameter.name)) continue;
-        request.parameters.emplace_back(&parameter, ParameterValue(parameter, arguments));
+    host::VideoOverrides overrides;
+    overrides.matrix = OneOf<host::Matrix>(arguments, "matrix",
+                                           {{"601", host::Matrix::Bt601}, {"709", host::Matrix::Bt709}});
+    overrides.range = OneOf<host::Range>(arguments, "range",
+                                         {{"studio", host::Range::Studio}, {"full", host::Range::Full}});
+    overrides.fieldOrder = OneOf<host::FieldOrder>(arguments, "field-order",
+                                                   {{"top", host::FieldOrder::TopFirst},
+                                                    {"bottom", host::FieldOrder::BottomFirst},
+                                                    {"progressive", host::FieldOrder::Progressive}});
+    overrides.premultiplied = YesOrNo(arguments, "premultiplied");
+    return overrides;
+}
+
+Source MakeSource(const std::string& name, const std::string& path, const Arguments& arguments)
+{
+    return {.name = name,
+            .path = path,
+            .format = Format(arguments, "format"),
+            .rawOptions = RawOptions(arguments),
+            .overrides = Overrides(arguments),
+            .where = ""};
+}
+
+Sink MakeSink(const std::string& path, const std::string& result, const Arguments& arguments)
+{
+    return {.path = path,
+            .result = result,
+            .to = Format(arguments, "to"),
+            .codec = arguments.Get("codec").value_or(""),
+            .container = arguments.Get("container").value_or(""),
+            .codecOptions = CodecOptions(arguments),
+            .where = ""};
+}
+
+RunSettings MakeSettings(const Arguments& arguments)
+{
+    RunSettings settings;
+    TakeFrames(arguments, settings);
+    settings.threads = Threads(arguments);
+    settings.conversions = {YesOrNo(arguments, "filter"), YesOrNo(arguments, "dither")};
+    settings.progress = OneOf<ProgressStyle>(arguments, "progress",
+                                             {{"none", ProgressStyle::None}, {"json", ProgressStyle::Json}})
+                            .value_or(ProgressStyle::Auto);
+    settings.plain = arguments.Flag("plain");
+    settings.json = arguments.Flag("json");
+    settings.quiet = arguments.Flag("quiet");
+    settings.verbose = arguments.Flag("verbose");
+    if (settings.json && settings.quiet) throw RequestError("--json and --quiet exclude each other");
+    return settings;
+}
+
+namespace {
+
+bool Makes(const Entry& entry, const GUID& format)
+{
+    return std::any_of(entry.conversions.begin(), entry.conversions.end(),
+                       [&](const catalogue::FormatPair& pair) { return pair.to == format; });
+}
+
+// The first output goes to -o, the others to the options of their roles. "to" stands for what the operator
+// makes when that is its choice, else for what becomes of it.
+void AddSinks(const Entry& entry, const Arguments& arguments, Step& step, Job& job)
+{
+    const bool made = step.to && Makes(entry, *step.to);
+    if (!made) step.to.reset();
+    for (std::size_t i = 0; i < entry.outputs.size(); ++i) {
+        const catalogue::Output& output = entry.outputs[i];
+        const std::string result = i == 0 ? "the result" : output.role;
+        const bool given = arguments.Has(i == 0 ? "output" : output.role);
+        step.results.push_back(given || !output.optional ? result : "");
+        if (step.results.back().empty()) continue;
+        const std::string path = i == 0 ? OutputPath(arguments) : arguments.Get(output.role).value_or("");
+        if (path.empty()) throw RequestError(std::string("needs --") + output.role + " FILE");
+        job.sinks.push_back(MakeSink(path, result, arguments));
+        if (made) job.sinks.back().to.reset();
     }
-    request.roi = Roi(arguments);
-    request.outputOffset = Offset(arguments, "output-offset");
-    request.outputSize = Size(arguments, "output-size");
-    request.mask = Mask(entry, arguments);
-    request.mode = Channels(entry, arguments) | Fields(arguments);
-    request.defaultColor = DefaultColor(arguments);
-    TakeFormats(arguments, request);
-    request.plain = arguments.Flag("plain");
-    request.json = arguments.Flag("json");
-    request.quiet = arguments.Flag("quiet");
-    if (request.json && request.quiet) throw RequestError("--json and --quiet exclude each other");
-    return request;
+    if (job.sinks.empty()) throw RequestError("needs -o FILE, the picture or clip to write");
+}
+
+} // namespace
+
+Job MakeJob(const Entry& entry, const Arguments& arguments)
+{
+    const auto optional = std::count_if(entry.inputs.begin(), entry.inputs.end(),
+                                        [](const catalogue::Input& input) { return input.optional; });
+    const std::size_t most = entry.inputs.size();
+    CheckWords(arguments.words, most - static_cast<std::size_t>(optional), most, PictureNames(entry));
+    Job job;
+    Step step = MakeStep(entry, arguments);
+    step.inputs.resize(most);
+    for (std::size_t i = 0; i < arguments.words.size(); ++i) {
+        step.inputs[i] = entry.inputs[i].role;
+        job.sources.push_back(MakeSource(step.inputs[i], arguments.words[i], arguments));
+    }
+    CheckRaw(job);
+    if (step.mask) {
+        // A mask takes the depth of the pictures by itself.
+        job.sources.push_back(MakeSource("mask", step.mask->input, arguments));
+        job.sources.back().format.reset();
+        step.mask->input = "mask";
+    }
+    AddSinks(entry, arguments, step, job);
+    job.steps.push_back(std::move(step));
+    job.settings = MakeSettings(arguments);
+    return job;
+}
+
+Job MakeConvertJob(const Arguments& arguments)
+{
+    CheckWords(arguments.words, 1, 1, "PICTURE");
+    Job job;
+    job.sources.push_back(MakeSource("picture", arguments.words[0], arguments));
+    CheckRaw(job);
+    job.sinks.push_back(MakeSink(OutputPath(arguments), "picture", arguments));
+    job.settings = MakeSettings(arguments);
+    return job;
 }
 
 } // namespace vfil::tool

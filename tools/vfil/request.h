@@ -1,52 +1,38 @@
 /// \file
-/// What the user asked of an operator, understood but not yet held against the pictures.
+/// What the user asked for, understood but not yet held against the pictures.
 #pragma once
 
-#include "catalogue/catalogue.h"
-#include "host/picturefile.h"
 #include "tools/vfil/arguments.h"
+#include "tools/vfil/job.h"
 
-#include <vfil/color.h>
-#include <vfil/geometry.h>
-
-#include <optional>
 #include <string>
-#include <utility>
-#include <vector>
 
 namespace vfil::tool {
 
-/// A mask picture.
-struct MaskRequest {
-    std::string path;
-    std::optional<PXImageChannel> channel; ///< absent: by the picture's kind
-    vfILVector2l offset;
-};
+/// The job of an operator's command line.
+///
+/// \throws RequestError for a wrong count of pictures and for a value that does not make sense; so do the
+/// others.
+Job MakeJob(const catalogue::Entry& entry, const Arguments& arguments);
 
-/// A run of an operator.
-struct Request {
-    const catalogue::Entry* entry = nullptr;
-    std::vector<std::string> inputs;
-    std::string output;
-    std::vector<std::pair<const catalogue::Parameter*, catalogue::Value>> parameters; ///< those given
-    std::optional<vfILBbox2l> roi;
-    std::optional<vfILVector2l> outputOffset;
-    std::optional<vfILVector2l> outputSize;
-    std::optional<MaskRequest> mask;
-    unsigned long mode = 0;
-    vfILColor defaultColor{0, 0, 0, 0};
-    std::optional<GUID> format;   ///< to which the pictures are converted
-    host::ReadOptions rawOptions; ///< format and size of .raw pictures, when given
-    bool plain = false;
-    bool json = false;
-    bool quiet = false;
-};
+/// The job of "vfil convert".
+Job MakeConvertJob(const Arguments& arguments);
 
-/// \throws RequestError for a wrong count of pictures and for a value that does not make sense.
-Request MakeRequest(const catalogue::Entry& entry, const Arguments& arguments);
+// The parts of a job, from options of these names. What is no option stays empty: names, paths, `where`.
+
+/// A step by ParameterOptions and StepOptions; the input of its mask is the FILE of --mask.
+Step MakeStep(const catalogue::Entry& entry, const Arguments& arguments);
+/// A source by SourceOptions.
+Source MakeSource(const std::string& name, const std::string& path, const Arguments& arguments);
+/// A sink by SinkOptions.
+Sink MakeSink(const std::string& path, const std::string& result, const Arguments& arguments);
+/// What RunOptions say.
+RunSettings MakeSettings(const Arguments& arguments);
 
 /// Format and size of .raw pictures from --in-format and --in-size.
 host::ReadOptions RawOptions(const Arguments& arguments);
+/// What is known better than a clip says.
+host::VideoOverrides Overrides(const Arguments& arguments);
 
 /// Whether the name is that of a raw picture.
 bool IsRaw(const std::string& path);

@@ -1,0 +1,34 @@
+/// \file
+/// 16-bit samples to 8 bits.
+
+#include "pairconv.h"
+
+#include "il/rows/depthrows.h"
+
+using namespace vfil;
+
+namespace {
+
+constexpr vfILConvertPairs kPairs{L"vfIL16to8",
+                                  {{PXFormat_RGBA64, PXFormat_RGBA32}, {PXFormat_Mono16, PXFormat_Mono8}}};
+
+} // namespace
+
+vfIL16to8::vfIL16to8() : vfILPairConvertProc(kPairs)
+{}
+
+vfILStatus vfIL16to8::DoEffect()
+{
+    if (!kPairs.Contains(InputFormat(), OutputFormat())) return VFIL_FAILURE;
+    return OutputFormat() == PXFormat_RGBA32 ? ConvertRGBA() : ConvertMONO();
+}
+
+vfILStatus vfIL16to8::ConvertRGBA()
+{
+    return ConvertRows(FindDepthRows(m_simdAvailable != 0).narrow[Run().streaming], 4 * Run().width);
+}
+
+vfILStatus vfIL16to8::ConvertMONO()
+{
+    return ConvertRows(FindDepthRows(m_simdAvailable != 0).narrow[Run().streaming], Run().width);
+}

@@ -1,0 +1,29 @@
+/// \file
+/// Red and blue exchanged, and the rows turned over.
+
+#include "pairconv.h"
+
+#include "il/rows/depthrows.h"
+
+using namespace vfil;
+
+namespace {
+
+constexpr vfILConvertPairs kPairs{L"vfILRGBA2BGRA",
+                                  {{PXFormat_RGBA32, PXFormat_BGRA32}, {PXFormat_BGRA32, PXFormat_RGBA32}}};
+
+} // namespace
+
+vfILRGBA2BGRA::vfILRGBA2BGRA() : vfILPairConvertProc(kPairs)
+{}
+
+vfILStatus vfILRGBA2BGRA::DoEffect()
+{
+    if (!kPairs.Contains(InputFormat(), OutputFormat())) return VFIL_FAILURE;
+    return Convert8_RGBA2BGRA();
+}
+
+vfILStatus vfILRGBA2BGRA::Convert8_RGBA2BGRA()
+{
+    return ConvertRows(FindDepthRows(m_simdAvailable != 0).swap[Run().streaming], Run().width, true);
+}

@@ -1,0 +1,182 @@
+/// \file
+/// A picture with an alpha plane to fill and key.
+
+#include "keypair.h"
+#include "rowloop.h"
+
+#include "il/rows/keyrows.h"
+
+#include <vfil/fillkey.h>
+
+using namespace vfil;
+
+const wchar_t* const vfILYCCA2YCCYCC::m_ClassName = L"vfILYCCA2YCCYCC";
+
+vfILYCCA2YCCYCC::vfILYCCA2YCCYCC() : m_defaultColor(0.0, 0.0, 0.0, 0.0)
+{}
+
+vfILYCCA2YCCYCC::vfILYCCA2YCCYCC(const vfILYCCA2YCCYCC& other) = default;
+vfILYCCA2YCCYCC& vfILYCCA2YCCYCC::operator=(const vfILYCCA2YCCYCC& other) = default;
+vfILYCCA2YCCYCC::~vfILYCCA2YCCYCC() = default;
+
+const wchar_t* vfILYCCA2YCCYCC::GetClassNameW() const
+{
+    return m_ClassName;
+}
+
+vfILStatus vfILYCCA2YCCYCC::Execute()
+{
+    vfILStatus status = Verify();
+    if (status == VFIL_SUCCESS) status = PrepareData();
+    if (status == VFIL_SUCCESS && MustInterrupt() == 0) status = ProcessData();
+    const vfILStatus cleaned = CleanData();
+    return status == VFIL_SUCCESS ? cleaned : status;
+}
+
+vfILStatus vfILYCCA2YCCYCC::Verify()
+{
+    if (vfILProcessor::Verify() != VFIL_SUCCESS) return VFIL_FAILURE;
+    if (m_inputImg == nullptr)
+        return Fail(0x1000B, "%s ERROR Verify: Input image is NULL\n", GetClassNameW());
+    const ImageView input(m_inputImg);
+    if (!input.HasPixels())
+        return Fail(0x1000C, "%s ERROR Verify: Input image pixel array is NULL\n", GetClassNameW());
+    if (m_outputImgA == nullptr && m_outputImgB == nullptr)
+        return Fail(0x10002, "%s ERROR Verify: Output image is NULL\n", GetClassNameW());
+    if (!input.format->alphaPlane)
+        return Fail(0x10034, "%s ERROR Verify: Invalid input image format\n", GetClassNameW());
+    if (VerifyOutput(m_outputImgA) != VFIL_SUCCESS || VerifyOutput(m_outputImgB) != VFIL_SUCCESS)
+        return VFIL_FAILURE;
+    if (m_defaultColor.Verify() != 1)
+        return Fail(0x10004, "%s ERROR Verify: Default color is invalid\n", GetClassNameW());
+    if (!(m_roi == input.Box()) || m_outputOffset[0] != 0 || m_outputOffset[1] != 0)
+        return Fail(0x10060, "%s ERROR Verify: Image format does not support ROI\n", GetClassNameW());
+    return VFIL_SUCCESS;
+}
+
+vfILStatus vfILYCCA2YCCYCC::VerifyOutput(IPXImage* output)
+{
+    if (output == nullptr) return VFIL_SUCCESS;
+    const ImageView to(output);
+    const ImageView input(m_inputImg);
+    if (!IsSubsampled(to)) {
+        return Fail(0x10003, "%s ERROR Verify: Output image pixel array is NULL, or not of a 4:2:2 format\n",
+                    GetClassNameW());
+    }
+    if (!(to.Box() == input.Box())) {
+        return Fail(0x10062, "%s ERROR Verify: Input/Output images must have the same size\n",
+                    GetClassNameW());
+    }
+    if (!IsOfStandard(to, input))
+        return Fail(0x1000D, "%s ERROR Verify: Invalid image format \n", GetClassNameW());
+    return VFIL_SUCCESS;
+}
+
+vfILStatus vfILYCCA2YCCYCC::PrepareData()
+{
+    const ImageView fill(m_outputImgA);
+    const ImageView key(m_outputImgB);
+    if (!HasFormatBytes(ImageView(m_inputImg)) || !HasFormatBytes(fill) || !HasFormatBytes(key))
+        return VFIL_FAILURE;
+    const std::int64_t bytes = fill.RowBytes() * fill.height + key.RowBytes() * key.height;
+    m_streaming = bytes >= static_cast<std::int64_t>(kStreamingBytes);
+    return VFIL_SUCCESS;
+}
+
+vfILStatus vfILYCCA2YCCYCC::ProcessData()
+{
+    Convert8_YCCA2YCCYCC();
+    return VFIL_SUCCESS;
+}
+
+vfILStatus vfILYCCA2YCCYCC::CleanData()
+{
+    if (m_streaming) FinishStreaming();
+    m_streaming = false;
+    return VFIL_SUCCESS;
+}
+
+void vfILYCCA2YCCYCC::Convert8_YCCA2YCCYCC()
+{
+    const ImageView input(m_inputImg);
+    const ImageView fill(m_outputImgA);
+    const ImageView key(m_outputImgB);
+    const bool vectors = m_simdAvailable != 0;
+    const KeyRow Convert8_CbYCr2YCC422 = FindColourRow({fill.format->chromaFirst, vectors, m_streaming});
+    const KeyRow Convert8_Alpha2YCC422 = FindAlphaToKeyRow({key.format->chromaFirst, vectors, m_streaming});
+    const auto pixels = static_cast<std::size_t>(input.width);
+    ForEachRow(*this, input.height, [&](long row) {
+        if (fill.HasPixels()) Convert8_CbYCr2YCC422(input.Pixel(0, row), RowBeside(fill, row), pixels);
+        if (key.HasPixels()) Convert8_Alpha2YCC422(input.PlanePixel(0, row), RowBeside(key, row), pixels);
+    });
+}
+
+void vfILYCCA2YCCYCC::SetInputImg(IPXImage* image)
+{
+    m_inputImg = image;
+}
+
+IPXImage* vfILYCCA2YCCYCC::GetInputImg() const
+{
+    return m_inputImg;
+}
+
+void vfILYCCA2YCCYCC::TakeSize(IPXImage* output)
+{
+    if (output == nullptr || m_roiSet) return;
+    const ImageView view(output);
+    m_roi.SetSize(view.width, view.height);
+}
+
+void vfILYCCA2YCCYCC::SetOutputImgA(IPXImage* image)
+{
+    m_outputImgA = image;
+    TakeSize(image);
+}
+
+IPXImage* vfILYCCA2YCCYCC::GetOutputImgA() const
+{
+    return m_outputImgA;
+}
+
+void vfILYCCA2YCCYCC::SetOutputImgB(IPXImage* image)
+{
+    m_outputImgB = image;
+    TakeSize(image);
+}
+
+IPXImage* vfILYCCA2YCCYCC::GetOutputImgB() const
+{
+    return m_outputImgB;
+}
+
+void vfILYCCA2YCCYCC::SetROI(const vfILBbox2l& roi)
+{
+    m_roi = roi;
+    m_roiSet = true;
+}
+
+const vfILBbox2l& vfILYCCA2YCCYCC::GetROI() const
+{
+    return m_roi;
+}
+
+void vfILYCCA2YCCYCC::SetOutputOffset(const vfILVector2l& offset)
+{
+    m_outputOffset = offset;
+}
+
+const vfILVector2l& vfILYCCA2YCCYCC::GetOutputOffset() const
+{
+    return m_outputOffset;
+}
+
+void vfILYCCA2YCCYCC::SetDefaultColor(const vfILColor& color)
+{
+    m_defaultColor = color;
+}
+
+const vfILColor& vfILYCCA2YCCYCC::GetDefaultColor() const
+{
+    return m_defaultColor;
+}

@@ -1,0 +1,201 @@
+/// \file
+/// A step, from the options of an operator.
+#include "tools/vfil/failure.h"
+#include "tools/vfil/request.h"
+#include "tools/vfil/text.h"
+#include "tools/vfil/values.h"
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+
+namespace vfil::tool {
+
+using catalogue::Entry;
+using catalogue::Parameter;
+using catalogue::ParameterType;
+using catalogue::Value;
+
+namespace {
+
+constexpr std::pair<const char*, PXImageChannel> kMaskChannels[] = {
+    {"red", PXImageChannel_RED},     {"green", PXImageChannel_GREEN}, {"blue", PXImageChannel_BLUE},
+    {"alpha", PXImageChannel_ALPHA}, {"mono", PXImageChannel_MONO},
+};
+
+Value ChoiceValue(const Parameter& parameter, const std::string& text)
+{
+    std::vector<std::string> names;
+    for (const catalogue::Choice& choice : parameter.choices) {
+        if (choice.name == text) return {choice.value};
+        names.emplace_back(choice.name);
+    }
+    RefuseValue(parameter.name, text, "one of " + Join(names, ", ") + DidYouMean(text, names));
+}
+
+Value PointValue(const Parameter& parameter, const std::string& text)
+{
+    const auto numbers = ParseIntegers(text, ',', 2);
+    if (!numbers) RefuseValue(parameter.name, text, "two whole numbers X,Y, such as 12,-3");
+    return {static_cast<double>((*numbers)[0]), static_cast<double>((*numbers)[1])};
+}
+
+Value ColourValue(const Parameter& parameter, const std::string& text)
+{
+    const auto n = ParseNumbers(text, ',', 4);
+    if (!n) RefuseValue(parameter.name, text, "four numbers R,G,B,A, such as 1,0.5,0,1");
+    for (const double component : *n) {
+        if (component < parameter.minimum || component > parameter.maximum)
+            throw RequestError("--" + parameter.name + " " + text + " is out of range: it takes " +
+                               RangeText(parameter));
+    }
+    return {(*n)[0], (*n)[1], (*n)[2], (*n)[3]};
+}
+
+Value NumberValue(const Parameter& parameter, const std::string& text)
+{
+    const bool whole = parameter.type == ParameterType::Integer;
+    const auto number = ParseNumber(text);
+    if (!number || (whole && *number != std::trunc(*number))) {
+        RefuseValue(parameter.name, text, (whole ? "one of the " : "a number of ") + RangeText(parameter));
+    }
+    if (*number < parameter.minimum || *number > parameter.maximum) {
+        throw RequestError("--" + parameter.name + " " + text + " is out of range: it takes " +
+                           RangeText(parameter));
+    }
+    return {*number};
+}
+
+Value ParameterValue(const Parameter& parameter, const Arguments& arguments)
+{
+    switch (parameter.type) {
+    case ParameterType::Choice:
+        return ChoiceValue(parameter, *arguments.Get(parameter.name));
+    case ParameterType::Flag:
+        return {arguments.Flag(parameter.name) ? 1.0 : 0.0};
+    case ParameterType::Point:
+        return PointValue(parameter, *arguments.Get(parameter.name));
+    case ParameterType::Colour:
+        return ColourValue(parameter, *arguments.Get(parameter.name));
+    case ParameterType::Number:
+    case ParameterType::Integer:
+        break;
+    }
+    return NumberValue(parameter, *arguments.Get(parameter.name));
+}
+
+std::optional<vfILBbox2l> Roi(const Arguments& arguments)
+{
+    const auto text = arguments.Get("roi");
+    if (!text) return std::nullopt;
+    const auto n = ParseIntegers(*text, ',', 4);
+    if (!n) RefuseValue("roi", *text, "four whole numbers X,Y,W,H, such as 10,20,100,50");
+    if ((*n)[2] < 1 || (*n)[3] < 1) RefuseValue("roi", *text, "a region: width and height are at least 1");
+    return vfILBbox2l((*n)[0], (*n)[1], (*n)[2], (*n)[3]);
+}
+
+bool Exists(const std::string& path)
+{
+    std::error_code ignored;
+    return std::filesystem::exists(path, ignored);
+}
+
+// A file name may have a colon of its own: what follows the last one is a channel only when it is the name of
+// one, or when there is no such file but one without the ending.
+void SplitMask(const std::string& text, StepMask& mask)
+{
+    mask.input = text;
+    const std::size_t colon = text.rfind(':');
+    if (colon == std::string::npos) return;
+    const std::string name = text.substr(colon + 1);
+    std::vector<std::string> names;
+    for (const auto& [channelName, channel] : kMaskChannels) {
+        names.emplace_back(channelName);
+        if (name != channelName) continue;
+        mask.input = text.substr(0, colon);
+        mask.channel = channel;
+        return;
+    }
+    if (!Exists(text) && Exists(text.substr(0, colon))) {
+        throw RequestError("--mask " + text + ": '" + name + "' is no channel" + DidYouMean(name, names));
+    }
+}
+
+std::optional<StepMask> Mask(const Entry& entry, const Arguments& arguments)
+{
+    const auto text = arguments.Get("mask");
+    if (!text && entry.mask == catalogue::MaskUse::Required) {
+        throw RequestError("needs a mask; add --mask FILE[:CHANNEL]");
+    }
+    if (!text && arguments.Has("mask-offset"))
+        throw RequestError("--mask-offset needs --mask FILE[:CHANNEL]");
+    if (!text) return std::nullopt;
+    StepMask mask;
+    SplitMask(*text, mask);
+    if (mask.input.empty()) RefuseValue("mask", *text, "FILE[:CHANNEL]: the name of the file is empty");
+    mask.offset = Offset(arguments, "mask-offset").value_or(vfILVector2l());
+    return mask;
+}
+
+unsigned long Channels(const Entry& entry, const Arguments& arguments)
+{
+    const auto text = arguments.Get("channels");
+    if (!text) return entry.channels;
+    const std::string all = ChannelLetters(VFIL_MODE_RGBA);
+    unsigned long mode = 0;
+    for (const char letter : *text) {
+        const std::size_t index = all.find(letter);
+        if (index == std::string::npos) RefuseValue("channels", *text, "made of the letters r, g, b and a");
+        mode |= 1ul << index;
+    }
+    if (mode == 0) RefuseValue("channels", *text, "made of the letters r, g, b and a");
+    if ((mode & entry.fixedChannels) != entry.fixedChannels) {
+        throw RequestError("--channels " + *text + " leaves out what " + entry.name +
+                           " always works on; it takes " +
+                           (entry.fixedChannels == VFIL_MODE_RGBA ? "rgba alone" : "rgb or rgba"));
+    }
+    return mode;
+}
+
+unsigned long Fields(const Arguments& arguments)
+{
+    const auto text = arguments.Get("fields");
+    if (!text) return 0;
+    if (*text == "odd") return VFIL_MODE_ODD_ROWS;
+    if (*text == "even") return VFIL_MODE_EVEN_ROWS;
+    RefuseValue("fields", *text, "odd or even");
+}
+
+vfILColor DefaultColor(const Arguments& arguments)
+{
+    const auto text = arguments.Get("default-color");
+    if (!text) return {0, 0, 0, 0};
+    const auto c = ParseNumbers(*text, ',', 4);
+    if (!c) RefuseValue("default-color", *text, "four numbers R,G,B,A of 0 .. 1, such as 1,0.5,0,1");
+    if (std::any_of(c->begin(), c->end(), [](double v) { return v < 0 || v > 1; })) {
+        throw RequestError("--default-color " + *text + " is out of range: each component is 0 .. 1");
+    }
+    return {(*c)[0], (*c)[1], (*c)[2], (*c)[3]};
+}
+
+} // namespace
+
+Step MakeStep(const Entry& entry, const Arguments& arguments)
+{
+    Step step;
+    step.entry = &entry;
+    for (const Parameter& parameter : entry.parameters) {
+        if (!arguments.Has(parameter.name)) continue;
+        step.parameters.emplace_back(&parameter, ParameterValue(parameter, arguments));
+    }
+    step.roi = Roi(arguments);
+    step.outputOffset = Offset(arguments, "output-offset");
+    step.outputSize = Size(arguments, "output-size");
+    step.mask = Mask(entry, arguments);
+    step.mode = Channels(entry, arguments) | Fields(arguments);
+    step.defaultColor = DefaultColor(arguments);
+    if (!entry.conversions.empty()) step.to = Format(arguments, "to");
+    return step;
+}
+
+} // namespace vfil::tool

@@ -27,6 +27,11 @@ inline constexpr std::size_t kStreamingBytes = std::size_t{3} << 20;
 /// a row took a copy from 0.15 to 0.18 ns a pixel.
 void FinishStreaming();
 
+struct BoxRows;
+struct ConvRows;
+struct EdgeRows;
+struct RankRows;
+struct RecursionRows;
 struct YccRows;
 struct KeyRows;
 struct DepthRows;
@@ -41,6 +46,11 @@ struct ModelRows;
     void Fill(KeyRows& rows);                                                                                \
     void Fill(DepthRows& rows);                                                                              \
     void Fill(ModelRows& rows);                                                                              \
+    void Fill(BoxRows& rows);                                                                                \
+    void Fill(ConvRows& rows);                                                                               \
+    void Fill(EdgeRows& rows);                                                                               \
+    void Fill(RankRows& rows);                                                                               \
+    void Fill(RecursionRows& rows);                                                                          \
     }
 VFIL_DECLARE_LEVEL(sse2)
 VFIL_DECLARE_LEVEL(avx2)

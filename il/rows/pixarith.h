@@ -108,6 +108,14 @@ private:
     static constexpr std::uint32_t Product(Sample a, Sample b) { return std::uint32_t{a} * b; }
 };
 
+/// F by M, B by the rest, as one fixed-point step from B: the rule of the filters' 15-bit arithmetic, at most
+/// one from Arith's Blend.
+constexpr std::uint8_t BlendFixed8(std::uint8_t F, std::uint8_t B, std::uint8_t M)
+{
+    const int t = (F - B) * M + 0x80;
+    return static_cast<std::uint8_t>(B + ((t + (t >> 8)) >> 8));
+}
+
 /// a + b - a * b / 255: the complement of the product of the complements.
 constexpr std::uint8_t InvNormMult8(std::uint8_t a, std::uint8_t b)
 {

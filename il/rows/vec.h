@@ -320,6 +320,46 @@ inline U16 AddNormMultFull(U16 f, U16 a, U16 b)
     return Ratio(MulHigh(a, b) + carry, low);
 }
 
+/// The larger of unsigned lanes.
+inline U16 MaxFull(U16 a, U16 b)
+{
+#if defined(__AVX2__)
+    return {VFIL_MM(max_epu16)(a.bits, b.bits)};
+#else
+    return AddFull({_mm_subs_epu16(a.bits, b.bits)}, b);
+#endif
+}
+
+inline U16 Abs(U16 v)
+{
+#if defined(__AVX2__)
+    return {VFIL_MM(abs_epi16)(v.bits)};
+#else
+    return MaxSigned(v, Splat(0) - v);
+#endif
+}
+
+/// Of unsigned values: kept where v is above the limit, else 0.
+inline U8 KeepAbove(U8 kept, U8 v, U8 limit)
+{
+#if defined(__AVX512BW__)
+    return {_mm512_maskz_mov_epi8(_mm512_cmpgt_epu8_mask(v.bits, limit.bits), kept.bits)};
+#else
+    const Register excess = VFIL_MM(subs_epu8)(v.bits, limit.bits);
+    return {VFIL_BITS(andnot)(VFIL_MM(cmpeq_epi8)(excess, Register{}), kept.bits)};
+#endif
+}
+
+inline U16 KeepAbove(U16 kept, U16 v, U16 limit)
+{
+#if defined(__AVX512BW__)
+    return {_mm512_maskz_mov_epi16(_mm512_cmpgt_epu16_mask(v.bits, limit.bits), kept.bits)};
+#else
+    const Register excess = VFIL_MM(subs_epu16)(v.bits, limit.bits);
+    return {VFIL_BITS(andnot)(VFIL_MM(cmpeq_epi16)(excess, Register{}), kept.bits)};
+#endif
+}
+
 /// Bytes from p to the next multiple of kBytes.
 inline std::size_t BytesToAligned(const std::uint8_t* p)
 {

@@ -100,5 +100,42 @@ inline U16 PackSigned(S32 a, S32 b)
     return {VFIL_MM(packs_epi32)(a.bits, b.bits)};
 }
 
+inline S32 operator-(S32 a, S32 b)
+{
+    return {VFIL_MM(sub_epi32)(a.bits, b.bits)};
+}
+
+inline S32 Abs(S32 v)
+{
+#if defined(__AVX2__)
+    return {VFIL_MM(abs_epi32)(v.bits)};
+#else
+    const S32 sign = ShiftDown<31>(v);
+    return {_mm_sub_epi32(_mm_xor_si128(v.bits, sign.bits), sign.bits)};
+#endif
+}
+
+/// Signed 32-bit lanes of 16-bit ones, in the order that NarrowFull undoes.
+struct S32Pair {
+    S32 lo, hi;
+};
+
+inline S32Pair WidenFull(U16 v)
+{
+    const Register zero{};
+    return {{VFIL_MM(unpacklo_epi16)(v.bits, zero)}, {VFIL_MM(unpackhi_epi16)(v.bits, zero)}};
+}
+
+/// Limits signed lanes of less than 2 to the power of 30, or minus that, to 0 .. 65535.
+inline U16 NarrowFull(S32Pair v)
+{
+#if defined(__AVX2__)
+    return {VFIL_MM(packus_epi32)(v.lo.bits, v.hi.bits)};
+#else
+    const S32 middle = Splat32(0x8000);
+    return PackSigned(v.lo - middle, v.hi - middle) ^ Splat(-0x8000);
+#endif
+}
+
 } // namespace
 } // namespace vfil

@@ -201,5 +201,32 @@ inline Pixels64 ToWhole(F64 v)
 #endif
 }
 
+/// The lower or the upper signed 32-bit lanes of a vector, as doubles.
+template <int half>
+inline F64 HalfToDouble(Register v)
+{
+#if defined(__AVX512BW__)
+    return {_mm512_cvtepi32_pd(_mm512_extracti64x4_epi64(v, half))};
+#elif defined(__AVX2__)
+    return {_mm256_cvtepi32_pd(_mm256_extracti128_si256(v, half))};
+#else
+    return {_mm_cvtepi32_pd(_mm_shuffle_epi32(v, half == 0 ? 0x44 : 0xEE))};
+#endif
+}
+
+/// Doubles of less than 2 to the power of 31, or minus that, without their fraction, as 32-bit lanes.
+inline Register HalvesToInt32(F64 low, F64 high)
+{
+#if defined(__AVX512BW__)
+    return _mm512_inserti64x4(_mm512_castsi256_si512(_mm512_cvttpd_epi32(low.v)),
+                              _mm512_cvttpd_epi32(high.v), 1);
+#elif defined(__AVX2__)
+    return _mm256_inserti128_si256(_mm256_castsi128_si256(_mm256_cvttpd_epi32(low.v)),
+                                   _mm256_cvttpd_epi32(high.v), 1);
+#else
+    return _mm_unpacklo_epi64(_mm_cvttpd_epi32(low.v), _mm_cvttpd_epi32(high.v));
+#endif
+}
+
 } // namespace
 } // namespace vfil

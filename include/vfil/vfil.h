@@ -2,16 +2,23 @@
 /// The whole public face.
 #pragma once
 
+#include <vfil/blur.h>
 #include <vfil/color.h>
 #include <vfil/composite.h>
+#include <vfil/convolve.h>
+#include <vfil/edges.h>
 #include <vfil/error.h>
 #include <vfil/fields.h>
 #include <vfil/fillkey.h>
 #include <vfil/frame.h>
 #include <vfil/geometry.h>
 #include <vfil/image.h>
+#include <vfil/matrix.h>
 #include <vfil/models.h>
+#include <vfil/morphology.h>
 #include <vfil/numeric.h>
 #include <vfil/pixel.h>
 #include <vfil/pxformat.h>
+#include <vfil/rank.h>
+#include <vfil/spatial.h>
 #include <vfil/tables.h>

@@ -1,0 +1,107 @@
+/// \file
+/// Vectors of floats, and the way between them and samples. Included by *_simd.cpp sources alone, as vec.h
+/// is.
+#pragma once
+
+#include "il/rows/vec64.h"
+#include "il/rows/vecmove.h"
+
+namespace vfil {
+namespace {
+
+#if defined(__AVX512BW__)
+using FloatRegister = __m512;
+#elif defined(__AVX2__)
+using FloatRegister = __m256;
+#else
+using FloatRegister = __m128;
+#endif
+
+/// A vector of kLanes32 floats.
+struct F32 {
+    FloatRegister v;
+};
+
+inline F32 SplatFloat(float v)
+{
+    return {VFIL_MM(set1_ps)(v)};
+}
+
+inline F32 operator+(F32 a, F32 b)
+{
+    return {VFIL_MM(add_ps)(a.v, b.v)};
+}
+
+inline F32 operator*(F32 a, F32 b)
+{
+    return {VFIL_MM(mul_ps)(a.v, b.v)};
+}
+
+inline F32 LoadFloats(const float* p)
+{
+    return {VFIL_MM(loadu_ps)(p)};
+}
+
+inline F32 LoadFloats(const std::uint8_t* p)
+{
+    return {VFIL_MM(cvtepi32_ps)(LoadEachAs32(p).bits)};
+}
+
+inline F32 LoadFloats(const std::uint16_t* p)
+{
+    return {VFIL_MM(cvtepi32_ps)(LoadPairsAs32(reinterpret_cast<const std::uint8_t*>(p)).bits)};
+}
+
+inline void StoreFloats(float* p, F32 v)
+{
+    VFIL_MM(storeu_ps)(p, v.v);
+}
+
+/// Limited to 0 .. full and truncated; 0 for NaN.
+inline S32 ToWhole(F32 v, float full)
+{
+    const FloatRegister positive = VFIL_MM(max_ps)(v.v, SplatFloat(0).v); // the second operand for NaN
+    return {VFIL_MM(cvttps_epi32)(VFIL_MM(min_ps)(positive, SplatFloat(full).v))};
+}
+
+/// Lanes of 0 .. 65535 to 16 bits, in their order.
+inline U8 NarrowPairs(S32 a, S32 b)
+{
+    return OrderNarrowed({NarrowFull({a, b}).bits});
+}
+
+inline F64 LoadDoubles(const double* p)
+{
+    return {VFIL_MM(loadu_pd)(p)};
+}
+
+inline void StoreDoubles(double* p, F64 v)
+{
+    VFIL_MM(storeu_pd)(p, v.v);
+}
+
+inline F64 LoadAsDoubles(const float* p)
+{
+#if defined(__AVX512BW__)
+    return {_mm512_cvtps_pd(_mm256_loadu_ps(p))};
+#elif defined(__AVX2__)
+    return {_mm256_cvtps_pd(_mm_loadu_ps(p))};
+#else
+    return {_mm_cvtps_pd(_mm_castsi128_ps(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p))))};
+#endif
+}
+
+/// Rounded to nearest.
+inline void StoreAsFloats(float* p, F64 v)
+{
+#if defined(__AVX512BW__)
+    _mm256_storeu_ps(p, _mm512_cvtpd_ps(v.v));
+#elif defined(__AVX2__)
+    _mm_storeu_ps(p, _mm256_cvtpd_ps(v.v));
+#else
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(p), _mm_castps_si128(_mm_cvtpd_ps(v.v)));
+#endif
+}
+
+} // namespace
+} // namespace vfil

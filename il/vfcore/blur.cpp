@@ -1,0 +1,199 @@
+/// \file
+/// Blurs: what each type is made of. The box and the recursive types have sources of their own.
+
+#include "copyinstead.h"
+#include "runarray.h"
+#include "windowloop.h"
+
+#include <vfil/blur.h>
+
+#include <cmath>
+#include <numeric>
+
+using namespace vfil;
+
+namespace {
+
+using BoxFormats = FormatList<Rgba8, Mono8>;
+
+/// The weights of a Gaussian from -radius to radius.
+void FillGaussian(float* weights, long radius, double sigma)
+{
+    const double inverse = sigma == 0 ? 0 : 1 / sigma;
+    for (long x = -radius; x <= radius; ++x) {
+        const auto square = static_cast<double>(x) * static_cast<double>(x);
+        *weights++ = static_cast<float>(std::exp(-0.5 * square * inverse * inverse));
+    }
+}
+
+void ScaleToOne(float* weights, long count)
+{
+    const double sum = std::accumulate(weights, weights + count, 0.0);
+    std::transform(weights, weights + count, weights, [sum](float w) { return static_cast<float>(w / sum); });
+}
+
+} // namespace
+
+const wchar_t* const vfILBlurImg::m_ClassName = L"vfILBlurImg";
+
+const wchar_t* vfILBlurImg::GetClassNameW() const
+{
+    return m_ClassName;
+}
+
+vfILBlurImg::~vfILBlurImg() = default;
+
+vfILStatus vfILBlurImg::Execute()
+{
+    const bool reaches = GetRadiusX() >= 1 || GetRadiusY() >= 1;
+    return m_degree != 0 && reaches ? vfILImgProc::Execute() : CopyInstead(*this);
+}
+
+vfILStatus vfILBlurImg::Verify()
+{
+    if (BuildKernel() != VFIL_SUCCESS) return VFIL_FAILURE;
+    const vfILStatus status = vfILConvolveImg::Verify();
+    FreeKernel();
+    if (status != VFIL_SUCCESS) return status;
+    if (m_type < VFIL_BLUR_DISC || m_type > VFIL_BLUR_FAST_GAUSS_FLOAT) {
+        return Fail(0x10024, "%s ERROR Verify: Type of blurring is unknown\n", GetClassNameW());
+    }
+    if (m_type == VFIL_BLUR_BOX && !BoxFormats::Contains(OutputFormat())) {
+        return Fail(0x1000D, "%s ERROR Verify: Invalid image format \n", GetClassNameW());
+    }
+    if (!(m_degree >= 0 && m_degree <= 1)) {
+        return Fail(0x10026, "%s ERROR Verify: Degree of blurring is not in range [0..1]\n", GetClassNameW());
+    }
+    return VFIL_SUCCESS;
+}
+
+vfILStatus vfILBlurImg::PrepareData()
+{
+    FreeKernel();
+    if (BuildKernel() != VFIL_SUCCESS) return VFIL_FAILURE;
+    return vfILConvolveImg::PrepareData();
+}
+
+vfILStatus vfILBlurImg::CleanData()
+{
+    FreeKernel();
+    return vfILConvolveImg::CleanData();
+}
+
+void vfILBlurImg::FreeKernel()
+{
+    SetKernel(nullptr, GetRadius());
+    m_kernelBuffer.Free();
+}
+
+/// A type without a kernel has one of a single weight, so that there is one. So has a Gaussian that is wide
+/// and high, of which only the factors are used: SeparateKernel makes them.
+vfILStatus vfILBlurImg::BuildKernel()
+{
+    const vfILVector2l radius = WholeRadius();
+    if (radius[0] < 0 || radius[1] < 0) return VFIL_SUCCESS;
+    const long width = 2 * long{radius[0]} + 1;
+    const long height = 2 * long{radius[1]} + 1;
+    const bool isLine = IsGauss() && (width == 1 || height == 1);
+    const bool isWhole = isLine || m_type == VFIL_BLUR_DISC;
+    constexpr auto kMost = std::numeric_limits<std::ptrdiff_t>::max() / std::ptrdiff_t{sizeof(float)};
+    const std::ptrdiff_t weights = !isWhole ? 1 : width > kMost / height ? kMost : width * height;
+    auto* kernel =
+        reinterpret_cast<float*>(m_kernelBuffer.Allocate(static_cast<std::size_t>(weights) * sizeof(float)));
+    if (kernel == nullptr) {
+        return Fail(0x10001, "%s ERROR BuildKernel: insufficient memory space\n", GetClassNameW());
+    }
+    if (isLine) {
+        FillGaussian(kernel, width * height / 2,
+                     double{height == 1 ? GetRadiusX() : GetRadiusY()} * m_degree);
+        ScaleToOne(kernel, weights);
+    } else if (isWhole) {
+        FillDisc(kernel);
+    } else {
+        *kernel = 1;
+    }
+    SetKernel(kernel, GetRadius());
+    return VFIL_SUCCESS;
+}
+
+void vfILBlurImg::FillDisc(float* kernel) const
+{
+    const vfILVector2l radius = WholeRadius();
+    const float squareX = GetRadiusX() * GetRadiusX();
+    const float squareY = GetRadiusY() * GetRadiusY();
+    float* weight = kernel;
+    for (long y = -long{radius[1]}; y <= radius[1]; ++y)
+        for (long x = -long{radius[0]}; x <= radius[0]; ++x) {
+            const auto fx = static_cast<float>(x);
+            const auto fy = static_cast<float>(y);
+            *weight++ = fx * fx * squareY + fy * fy * squareX <= squareX * squareY ? 1.0F : 0.0F;
+        }
+    const auto ones = static_cast<float>(std::count(kernel, weight, 1.0F));
+    const float share = m_degree / ones;
+    std::transform(kernel, weight, kernel, [share](float one) { return one * share; });
+    kernel[(weight - kernel) / 2] = 1 - (ones - 1) * share;
+}
+
+/// Up to these radii the kernel is cheaper than the recursion.
+bool vfILBlurImg::IsConvolutionFasterThanFastGauss() const
+{
+    const vfILVector2l radius = WholeRadius();
+    return radius[0] <= 4 && radius[1] < 5;
+}
+
+/// The type convolves with a Gaussian.
+bool vfILBlurImg::IsGauss() const
+{
+    return m_type == VFIL_BLUR_GAUSS ||
+           (m_type == VFIL_BLUR_FAST_GAUSS && IsConvolutionFasterThanFastGauss());
+}
+
+int vfILBlurImg::IsKernelSeparable()
+{
+    if (IsGauss()) return 1;
+    return m_type == VFIL_BLUR_DISC ? vfILConvolveImg::IsKernelSeparable() : 0;
+}
+
+vfILStatus vfILBlurImg::SeparateKernel(float* kx, float* ky)
+{
+    if (!IsGauss()) return vfILConvolveImg::SeparateKernel(kx, ky);
+    const vfILVector2l radius = WholeRadius();
+    FillGaussian(kx, radius[0], double{GetRadiusX()} * m_degree);
+    ScaleToOne(kx, 2 * long{radius[0]} + 1);
+    FillGaussian(ky, radius[1], double{GetRadiusY()} * m_degree);
+    ScaleToOne(ky, 2 * long{radius[1]} + 1);
+    return VFIL_SUCCESS;
+}
+
+vfILStatus vfILBlurImg::DoEffect()
+{
+    if (m_type == VFIL_BLUR_BOX) return BlurBox();
+    if (m_type == VFIL_BLUR_DISC || IsGauss()) return vfILConvolveImg::DoEffect();
+    return BlurRecursively();
+}
+
+void vfILBlurImg::SetType(vfILBlurType type)
+{
+    m_type = type;
+}
+
+vfILBlurType vfILBlurImg::GetType() const
+{
+    return m_type;
+}
+
+void vfILBlurImg::SetDegree(float degree)
+{
+    m_degree = degree;
+}
+
+float vfILBlurImg::GetDegree() const
+{
+    return m_degree;
+}
+
+void vfILBlurImg::SetRadiusNormalizedForBlurType(float rx, float ry)
+{
+    const float scale = m_type == VFIL_BLUR_BOX ? 0.5F : 1.0F;
+    SetRadius(rx * scale, ry * scale);
+}

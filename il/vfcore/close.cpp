@@ -1,0 +1,7 @@
+/// \file
+/// Dilation, then erosion.
+
+#include <vfil/morphology.h>
+
+vfILCloseImg::vfILCloseImg() : vfILMorphologicalChain(true)
+{}

@@ -1,0 +1,14 @@
+/// \file
+/// The largest samples below a structuring element.
+
+#include <vfil/morphology.h>
+
+vfILDilateImg::vfILDilateImg()
+{
+    AllowBands();
+}
+
+vfILStatus vfILDilateImg::DoEffect()
+{
+    return WriteExtremes(true, *this);
+}

@@ -1,0 +1,104 @@
+/// \file
+/// The base of the operators with a structuring element.
+
+#include "morphrun.h"
+
+#include <new>
+
+using namespace vfil;
+
+const wchar_t* const vfILMorphologicalProc::m_ClassName = L"vfILMorphologicalProc";
+
+vfILMorphologicalProc::vfILMorphologicalProc() = default;
+
+vfILMorphologicalProc::~vfILMorphologicalProc() = default;
+
+const wchar_t* vfILMorphologicalProc::GetClassNameW() const
+{
+    return m_ClassName;
+}
+
+vfILStatus vfILMorphologicalProc::Verify()
+{
+    if (vfILMonadicSpatialProc::Verify() != VFIL_SUCCESS) return VFIL_FAILURE;
+    if (!PointFormats::Contains(OutputFormat())) {
+        return Fail(0x1000D, "%s ERROR Verify: Invalid image format \n", GetClassNameW());
+    }
+    const bool known = m_type >= VFIL_STRUCT_RECTANGLE && m_type <= VFIL_STRUCT_CUSTOM;
+    if (!known || (m_type == VFIL_STRUCT_CUSTOM && m_element == nullptr)) {
+        return Fail(0x1005B, "%s:ERROR in Verify(): Invalid structural type specified\n", GetClassNameW());
+    }
+    if (m_mode != 1 && m_mode != 2) {
+        return Fail(0x1005D, "%s:ERROR in Verify(): Invalid morphological mode specified\n", GetClassNameW());
+    }
+    if (m_dontCareCount >= 1) {
+        return Fail(0x1005E, "%s:ERROR in Verify(): Too many don't care pixels specified\n", GetClassNameW());
+    }
+    return VFIL_SUCCESS;
+}
+
+void vfILMorphologicalProc::SetStructuringElement(vfILStructuralType type, long fill, float rx, float ry,
+                                                  long dontCare, long further)
+{
+    m_type = type;
+    m_fill = fill;
+    SetRadius(rx, ry);
+    m_dontCareCount = dontCare;
+    m_further = further;
+}
+
+void vfILMorphologicalProc::SetStructuringElement(long* element, long rx, long ry)
+{
+    m_type = VFIL_STRUCT_CUSTOM;
+    m_element = element;
+    SetRadius(static_cast<float>(rx), static_cast<float>(ry));
+    m_dontCareCount = 0;
+    m_further = 0;
+}
+
+vfILStructuralType vfILMorphologicalProc::GetStructuringType() const
+{
+    return m_type;
+}
+
+void vfILMorphologicalProc::SetMode(vfILMorphologyMode mode)
+{
+    m_mode = mode;
+}
+
+vfILMorphologyMode vfILMorphologicalProc::GetMode() const
+{
+    return m_mode;
+}
+
+vfILStatus vfILMorphologicalProc::BuildStructuringElement(Element& element)
+try {
+    const vfILWindowRun& run = Run();
+    if (m_type == VFIL_STRUCT_CUSTOM && m_element != nullptr) {
+        element.runs = NonZeroRuns(m_element, run.kernelWidth, run.kernelHeight);
+    } else if (m_type == VFIL_STRUCT_RECTANGLE) {
+        if (m_fill != 0) element.runs = RectangleRuns(run.kernelWidth, run.kernelHeight);
+    } else if (m_type == VFIL_STRUCT_ELLIPSE) {
+        if (m_fill != 0)
+            element.runs = EllipseRuns(static_cast<double>(run.radiusX), static_cast<double>(run.radiusY));
+    } else {
+        return Fail(0x1005D, "%s:ERROR BuildStructuringElement: Invalid structural type specified\n",
+                    GetClassNameW());
+    }
+    return VFIL_SUCCESS;
+} catch (const std::bad_alloc&) {
+    return Fail(0x10001, "%s:ERROR BuildStructuringElement: insufficient memory space\n", GetClassNameW());
+}
+
+vfILStatus vfILMorphologicalProc::WriteExtremes(bool largest, const vfILProcessor& polled)
+try {
+    Element element;
+    if (BuildStructuringElement(element) != VFIL_SUCCESS) return VFIL_FAILURE;
+    PointFormats::Visit(OutputFormat(), [&](auto format) {
+        RunExtremes<decltype(format)>(polled, Run(), element.runs,
+                                      {largest, m_simdAvailable != 0, Run().streaming}, [](long, auto*) {});
+    });
+    return VFIL_SUCCESS;
+} catch (const std::bad_alloc&) {
+    return Fail(0x10001, "%s:ERROR DoEffect: insufficient memory space\n", GetClassNameW());
+}

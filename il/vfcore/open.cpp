@@ -1,0 +1,7 @@
+/// \file
+/// Erosion, then dilation.
+
+#include <vfil/morphology.h>
+
+vfILOpenImg::vfILOpenImg() : vfILMorphologicalChain(false)
+{}

@@ -1,0 +1,275 @@
+#include "support/blurscene.h"
+#include "support/processors.h"
+
+#include <vfil/convolve.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+using namespace vfil::test;
+
+namespace {
+
+const GUID& kRgba8 = PXFormat_RGBA32;
+
+int TruncateFloat(float value, int full)
+{
+    if (!(value > 0)) return 0;
+    return value >= static_cast<float>(full) ? full : static_cast<int>(value);
+}
+
+/// A kernel, its size, and the sums by its definition.
+struct Kernel {
+    long width, height;
+    std::vector<float> weights;
+    float offset = 0;
+
+    static int Fixed(float w)
+    {
+        return std::min(32767, static_cast<int>(w * 32768.0 + (w < 0 ? -0.5 : 0.5)));
+    }
+    int InFloat(const WindowSample& at, int full) const
+    {
+        float sum = 0;
+        for (long y = 0; y < height; ++y)
+            for (long x = 0; x < width; ++x) {
+                const float weight = weights[static_cast<std::size_t>(y * width + x)];
+                if (weight != 0) sum += weight * static_cast<float>(at(x, y));
+            }
+        return TruncateFloat(sum + offset + 0.5F, full);
+    }
+    int InFixed(const WindowSample& at) const
+    {
+        long sum = 0;
+        for (long y = 0; y < height; ++y)
+            for (long x = 0; x < width; ++x)
+                sum += long{at(x, y)} * Fixed(weights[static_cast<std::size_t>(y * width + x)]);
+        return static_cast<int>(std::clamp((sum + 0x4000) >> 15, 0L, 255L));
+    }
+};
+
+/// A column and a row, each way by itself.
+struct Factors {
+    std::vector<float> kx, ky;
+
+    int InFloat(const WindowSample& at, int full) const
+    {
+        float result = 0;
+        for (std::size_t y = 0; y < ky.size(); ++y) {
+            float sum = 0;
+            for (std::size_t x = 0; x < kx.size(); ++x)
+                sum += kx[x] * static_cast<float>(at(static_cast<long>(x), static_cast<long>(y)));
+            result += ky[y] * sum;
+        }
+        return TruncateFloat(result + 0.5F, full);
+    }
+    int InFixed(const WindowSample& at) const
+    {
+        long result = 0x4000;
+        for (std::size_t y = 0; y < ky.size(); ++y) {
+            long sum = 0x4000;
+            for (std::size_t x = 0; x < kx.size(); ++x)
+                sum += long{at(static_cast<long>(x), static_cast<long>(y))} * Kernel::Fixed(kx[x]);
+            result += std::clamp(sum >> 15, -32768L, 32767L) * Kernel::Fixed(ky[y]);
+        }
+        return static_cast<int>(std::clamp(result >> 15, 0L, 255L));
+    }
+};
+
+/// Weights of both signs, some of them 0, of the given sum of magnitudes.
+Kernel RandomKernel(std::mt19937& random, long radiusX, long radiusY, float magnitude)
+{
+    Kernel kernel{2 * radiusX + 1, 2 * radiusY + 1, {}};
+    kernel.weights.resize(static_cast<std::size_t>(kernel.width * kernel.height));
+    for (float& weight : kernel.weights)
+        weight = random() % 5 == 0 ? 0.0F : static_cast<float>(static_cast<int>(random() % 301) - 60) / 200;
+    float sum = 0;
+    for (const float weight : kernel.weights)
+        sum += std::abs(weight);
+    for (float& weight : kernel.weights)
+        weight *= magnitude / std::max(sum, 1e-3F);
+    return kernel;
+}
+
+// Both arithmetics, as the formats, the weights and the offset ask for them.
+TEST(Convolve, SinglePassFollowsItsDefinition)
+{
+    std::mt19937 random(1);
+    const GUID* const formats[] = {&PXFormat_RGBA32, &PXFormat_RGBA64, &PXFormat_Mono8, &PXFormat_Mono16};
+    for (int i = 0; i < 400 && !HasFatalFailure(); ++i) {
+        const GUID& format = *formats[i % 4];
+        BlurScene scene(random, format, RandomIn(random, 1, 40), RandomIn(random, 1, 12));
+        const long rx = RandomIn(random, 0, 4), ry = RandomIn(random, 0, 3);
+        const float magnitude = i % 3 == 0 ? 3.0F : 0.99F;
+        Kernel kernel = RandomKernel(random, rx, ry, magnitude);
+        kernel.weights.front() += 0.001F; // none is of rank 1
+        if (random() % 3 == 0) kernel.offset = static_cast<float>(RandomIn(random, -90, 90)) / 2;
+        const bool simd = random() % 2;
+        Switched<vfILConvolveImg> filter(simd);
+        filter.SetKernel(kernel.weights.data(), static_cast<float>(rx), static_cast<float>(ry));
+        filter.SetOffset(kernel.offset);
+        if (kernel.width > 1 && kernel.height > 1 && filter.IsKernelSeparable()) continue;
+        const auto [least, most] = std::minmax_element(kernel.weights.begin(), kernel.weights.end());
+        const bool fixed = format == kRgba8 && simd && kernel.offset == 0 && *most < 1 && *least > -1;
+        if (!fixed && random() % 2) scene.Mask(random);
+        SCOPED_TRACE(testing::Message() << "case " << i << ", fixed " << fixed);
+        scene.Arrange(filter, static_cast<float>(rx), static_cast<float>(ry));
+        scene.Check(filter, [&](const WindowSample& at) {
+            return fixed ? kernel.InFixed(at) : kernel.InFloat(at, scene.input.Format().Full());
+        });
+    }
+}
+
+TEST(Convolve, DualPassFollowsItsDefinition)
+{
+    std::mt19937 random(2);
+    const GUID* const formats[] = {&PXFormat_RGBA32, &PXFormat_RGBA64, &PXFormat_Mono8, &PXFormat_Mono16};
+    for (int i = 0; i < 200 && !HasFatalFailure(); ++i) {
+        const GUID& format = *formats[i % 4];
+        const bool isTall = i >= 196; // so that the run comes in bands
+        BlurScene scene(random, format, RandomIn(random, 1, isTall ? 2500 : 40),
+                          isTall ? 130 : RandomIn(random, 1, 30));
+        const long rx = RandomIn(random, 1, isTall ? 1 : 5), ry = RandomIn(random, 1, isTall ? 1 : 4);
+        Kernel row = RandomKernel(random, rx, 0, i % 3 ? 1.0F : 2.5F);
+        Kernel column = RandomKernel(random, 0, ry, i % 5 ? 1.0F : 0.5F);
+        row.weights[1] += 0.4F;
+        column.weights[1] += 0.4F;
+        std::vector<float> product;
+        for (const float y : column.weights)
+            for (const float x : row.weights)
+                product.push_back(x * y);
+        const bool simd = random() % 4 != 0;
+        Switched<vfILConvolveImg> filter(simd);
+        filter.SetOffset(77); // which two passes take no notice of
+        filter.SetKernel(product.data(), static_cast<float>(rx), static_cast<float>(ry));
+        Factors factors{std::vector<float>(row.weights.size()), std::vector<float>(column.weights.size())};
+        ASSERT_EQ(filter.IsKernelSeparable(), 1);
+        ASSERT_EQ(filter.SeparateKernel(factors.kx.data(), factors.ky.data()), VFIL_SUCCESS);
+        for (std::size_t k = 0; k < product.size(); ++k)
+            ASSERT_NEAR(factors.ky[k / factors.kx.size()] * factors.kx[k % factors.kx.size()], product[k],
+                        1e-6);
+        const auto fits = [](float w) { return std::abs(w) < 0.999969482421875F; };
+        const bool fixed = format == kRgba8 && simd &&
+                           std::all_of(factors.kx.begin(), factors.kx.end(), fits) &&
+                           std::all_of(factors.ky.begin(), factors.ky.end(), fits);
+        if (!fixed && random() % 2) scene.Mask(random);
+        SCOPED_TRACE(testing::Message() << "case " << i << ", fixed " << fixed);
+        scene.Arrange(filter, static_cast<float>(rx), static_cast<float>(ry));
+        scene.Check(filter, [&](const WindowSample& at) {
+            return fixed ? factors.InFixed(at) : factors.InFloat(at, scene.input.Format().Full());
+        });
+    }
+}
+
+// The mask's sample times the distance, in 32 bits, and over 255 by a sum of shifts.
+TEST(Convolve, FixedResultsMixByTheirOwnRule)
+{
+    GuardedImage in(kRgba8, 256, 64), out(kRgba8, 256, 64), mask(PXFormat_Mono8, 256, 64);
+    std::mt19937 random(3);
+    in.Randomise(random);
+    for (long y = 0; y < 64; ++y)
+        for (long x = 0; x < 256; ++x)
+            mask.Set(x, y, {static_cast<int>(x)});
+    std::vector<float> kernel{0.2F, 0.0F, -0.3F, 0.5F, 0.0F, 0.1F, 0.0F, 0.25F, 0.25F};
+    Switched<vfILConvolveImg> filter(true);
+    filter.SetInputImg(&in);
+    filter.SetOutputImg(&out);
+    filter.SetKernel(kernel.data(), 1);
+    ASSERT_EQ(filter.Execute(), VFIL_SUCCESS);
+    const Snapshot whole(out);
+    filter.SetMask({0, 0, 256, 64}, &mask, PXImageChannel_MONO);
+    ASSERT_EQ(filter.Execute(), VFIL_SUCCESS);
+    for (long y = 0; y < 64; ++y)
+        for (long x = 0; x < 256; ++x)
+            for (std::size_t c = 0; c < 3; ++c) {
+                const double from = in.Get(x, y)[c];
+                const double exact = from + (whole.At(x, y)[c] - from) * static_cast<double>(x) / 255;
+                const int mixed = out.Get(x, y)[c];
+                ASSERT_NEAR(mixed, exact, 0.51) << x << ' ' << y;
+                ASSERT_TRUE((x != 0 && x != 255) || mixed == exact);
+            }
+}
+
+// Fixed and float are one code apart at most; where weights don't fit, or their roundings add up, they are
+// one.
+TEST(Convolve, FixedIsCloseToFloat)
+{
+    std::mt19937 random(4);
+    int largest = 0;
+    for (int i = 0; i < 60; ++i) {
+        const long radius = RandomIn(random, 1, 3);
+        Kernel kernel = RandomKernel(random, radius, radius, 1);
+        if (i % 4 == 0) kernel.weights[2] = 0.99999F;
+        const long size = 2 * radius + 1;
+        if (i % 4 == 1)
+            for (long k = 0; k < size * size; ++k)
+                kernel.weights[static_cast<std::size_t>(k)] =
+                    static_cast<float>((1 + k % size) * (3 + k / size)) / 900;
+        GuardedImage in(kRgba8, 30, 9), fast(kRgba8, 30, 9), slow(kRgba8, 30, 9);
+        in.Randomise(random);
+        for (const bool simd : {false, true}) {
+            Switched<vfILConvolveImg> filter(simd);
+            filter.SetInputImg(&in);
+            filter.SetOutputImg(simd ? &fast : &slow);
+            filter.SetKernel(kernel.weights.data(), static_cast<float>(radius));
+            ASSERT_EQ(filter.Execute(), VFIL_SUCCESS);
+        }
+        const auto a = fast.Bytes(), b = slow.Bytes();
+        for (std::size_t k = 0; k < a.size(); ++k)
+            largest = std::max(largest, std::abs(a[k] - b[k]));
+    }
+    EXPECT_EQ(largest, 1);
+}
+
+TEST(Convolve, LargeAndNotFiniteWeights)
+{
+    constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
+    GuardedImage in(kRgba8, 3, 3), out(kRgba8, 3, 3);
+    for (long i = 0; i < 9; ++i)
+        in.Set(i % 3, i / 3, {static_cast<int>(20 + i), 200, 3, 255});
+    Switched<vfILConvolveImg> filter(true);
+    filter.SetInputImg(&in);
+    filter.SetOutputImg(&out);
+    filter.SetProcessingMode(VFIL_MODE_RGBA);
+    filter.SetEdgeMode(VFIL_EDGE_CLAMP);
+    const auto middle = [&](std::vector<float> kernel, float radius) {
+        filter.SetKernel(kernel.data(), radius, 0);
+        EXPECT_EQ(filter.Execute(), VFIL_SUCCESS);
+        return out.Get(1, 1);
+    };
+    EXPECT_EQ(middle({0.0F, 1.0F, 0.0F}, 1), in.Get(1, 1)) << "a weight of 1 is exact";
+    EXPECT_EQ(middle({0.0F, 1e30F, -1.0F}, 1), (Pixel{255, 255, 255, 255}));
+    EXPECT_EQ(middle({0.0F, kNaN, 0.5F}, 1), (Pixel{0, 0, 0, 0}));
+    EXPECT_EQ(middle({INFINITY, -INFINITY, 0.5F}, 1), (Pixel{0, 0, 0, 0}));
+    // Of so many weights of nearly 1, sums leave 32 bits on the way: 601 * 255 * 32000.
+    std::vector<float> many(601, 0.97F);
+    std::fill_n(many.begin(), 300, -0.97F);
+    EXPECT_EQ(middle(many, 300)[3], 247);
+}
+
+TEST(Convolve, VerifyChecksInOrder)
+{
+    GuardedImage rgba(kRgba8, 4, 4), bgr(PXFormat_BGR24, 4, 4);
+    float weight = 1;
+    const struct {
+        unsigned long code;
+        GuardedImage* image;
+        float* kernel;
+        float radius;
+    } cases[] = {{0, &rgba, &weight, 0},
+                 {0x10021, &rgba, nullptr, 0},
+                 {0x1000D, &bgr, nullptr, 0},
+                 {0x10023, &bgr, nullptr, -1}};
+    for (const auto& c : cases) {
+        vfILConvolveImg filter;
+        filter.SetInputImg(c.image);
+        filter.SetOutputImg(c.image);
+        filter.SetKernel(c.kernel, c.radius);
+        EXPECT_EQ(filter.Verify() == VFIL_SUCCESS ? 0 : filter.GetLastError().GetErrorCode(), c.code);
+    }
+}
+
+} // namespace

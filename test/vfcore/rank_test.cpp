@@ -1,0 +1,163 @@
+#include "support/failingnew.h"
+#include "support/filterscene.h"
+#include "support/processors.h"
+
+#include <vfil/rank.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+using namespace vfil::test;
+
+namespace {
+
+enum Filter { kMax, kMin, kMedian, kSelective, kFilters };
+
+std::unique_ptr<vfILMonadicSpatialProc> MakeRank(int which, bool simd)
+{
+    if (which == kMax) return std::make_unique<Switched<vfILMaxRankImg>>(simd);
+    if (which == kMin) return std::make_unique<Switched<vfILMinRankImg>>(simd);
+    if (which == kMedian) return std::make_unique<Switched<vfILMedianRankImg>>(simd);
+    return std::make_unique<Switched<vfILSelectiveRankImg>>(simd);
+}
+
+struct Keyed {
+    int key;
+    Pixel pixel;
+};
+
+/// The window's pixels in row order.
+std::vector<Keyed> Gather(const EdgedPicture& picture, long x, long y, double rx, double ry, bool mono)
+{
+    std::vector<Keyed> list;
+    for (long dy = -static_cast<long>(ry); dy <= static_cast<long>(ry); ++dy)
+        for (long dx = -static_cast<long>(rx); dx <= static_cast<long>(rx); ++dx) {
+            const auto fx = static_cast<double>(dx), fy = static_cast<double>(dy);
+            if ((fx * fx) * (ry * ry) + (fy * fy) * (rx * rx) > (rx * rx) * (ry * ry)) continue;
+            const Pixel p = picture(x + dx, y + dy);
+            list.push_back({mono ? p[0] : (p[0] * 29 + p[1] * 57 + p[2] * 11) / 97, p});
+        }
+    return list;
+}
+
+/// Sorts from the large end until the middle is in its place: of equal keys the last is taken first.
+Pixel MedianOf(std::vector<Keyed> list, int tolerance)
+{
+    const std::size_t middle = list.size() / 2;
+    const Keyed noted = list[middle];
+    for (std::size_t end = list.size(); end > middle; --end) {
+        std::size_t largest = 0;
+        for (std::size_t i = 0; i < end; ++i)
+            if (list[i].key >= list[largest].key) largest = i;
+        std::swap(list[largest], list[end - 1]);
+    }
+    return std::abs(noted.key - list[middle].key) <= tolerance ? noted.pixel : list[middle].pixel;
+}
+
+void CheckScene(std::mt19937& random, long width, long height, float rx, float ry, int which)
+{
+    static constexpr std::array<int, 4> kKeys{2, 5, 40, 250};
+    FilterScene scene(random, width, height, kKeys[random() % 4]);
+    const double threshold = static_cast<double>(random() % 5) / 8;
+    const int full = scene.format.Full();
+    const auto filter = [&](const EdgedPicture& picture, long x, long y) {
+        const std::vector<Keyed> list = Gather(picture, x, y, rx, ry, scene.format.channels == 1);
+        if (which >= kMedian)
+            return MedianOf(list, which == kMedian ? -1 : static_cast<int>(std::lround(threshold * full)));
+        const Keyed* best = list.data();
+        for (const Keyed& each : list)
+            if (which == kMax ? each.key > best->key : each.key < best->key) best = &each;
+        return best->pixel;
+    };
+    const auto processor = MakeRank(which, random() % 2);
+    processor->SetRadius(rx, ry);
+    if (auto* selective = dynamic_cast<vfILSelectiveRankImg*>(processor.get()))
+        selective->SetThreshold(threshold);
+    scene.Check(*processor, Filtered(scene.Picture(), filter));
+}
+
+TEST(Rank, FollowsTheDefinition)
+{
+    static constexpr std::array<float, 9> kRadii{0.0F, 0.7F, 1.0F, 1.0F, 1.5F, 2.0F, 2.3F, 3.0F, 4.4F};
+    for (unsigned seed = 0; seed < 1500 && !HasFatalFailure(); ++seed) {
+        SCOPED_TRACE(testing::Message() << "seed " << seed);
+        std::mt19937 random(seed);
+        const float rx = kRadii[random() % kRadii.size()];
+        const float ry = seed % 2 ? rx : kRadii[random() % kRadii.size()];
+        CheckScene(random, RandomIn(random, 1, 12), RandomIn(random, 1, 9), rx, ry,
+                   static_cast<int>(seed % kFilters));
+    }
+}
+
+// Windows of more pixels than the row kernels take, and pictures of more than one band.
+TEST(Rank, LargePicturesAndWindows)
+{
+    for (unsigned seed = 0; seed < 48 && !HasFatalFailure(); ++seed) {
+        SCOPED_TRACE(testing::Message() << "seed " << seed);
+        std::mt19937 random(seed);
+        if (seed < 40) {
+            CheckScene(random, 24, 14, 8.5F + static_cast<float>(seed % 7), 9.7F,
+                       static_cast<int>(seed % kFilters));
+        } else {
+            CheckScene(random, 3500, 80, 1.0F, 1.0F, static_cast<int>(seed % kFilters));
+        }
+    }
+}
+
+TEST(Rank, VerifyChecksInOrder)
+{
+    GuardedImage rgba(PXFormat_RGBA32, 3, 3), bgra(PXFormat_BGRA32, 3, 3);
+    const struct {
+        unsigned long code;
+        IPXImage* picture;
+        float radius;
+        double threshold;
+    } cases[] = {{0, &rgba, 1, 0},        {0, &rgba, 1, 1},          {0x10023, &bgra, -1, 2},
+                 {0x1000D, &bgra, 1, 2},  {0x10046, &rgba, 1, -0.1}, {0x10046, &rgba, 1, 1.001},
+                 {0x10046, &rgba, 1, NAN}};
+    for (const auto& c : cases)
+        for (int which = 0; which < kFilters; ++which) {
+            const auto filter = MakeRank(which, true);
+            if (auto* selective = dynamic_cast<vfILSelectiveRankImg*>(filter.get()))
+                selective->SetThreshold(c.threshold);
+            filter->SetInputImg(c.picture);
+            filter->SetOutputImg(c.picture);
+            filter->SetRadius(c.radius);
+            const unsigned long expected = c.code == 0x10046 && which != kSelective ? 0 : c.code;
+            const unsigned long code =
+                filter->Verify() == VFIL_SUCCESS ? 0 : filter->GetLastError().GetErrorCode();
+            EXPECT_EQ(code, expected) << "case " << &c - cases << " filter " << which;
+        }
+}
+
+TEST(Rank, RunsThatCannotBeHad)
+{
+    std::mt19937 random(1);
+    GuardedImage in(PXFormat_RGBA64, 300, 20), out(PXFormat_RGBA64, 300, 20);
+    in.Randomise(random);
+    const Snapshot before(out), unchanged(in);
+    for (int which = 0; which < kFilters; ++which) {
+        const auto filter = MakeRank(which, true);
+        filter->SetInputImg(&in);
+        filter->SetOutputImg(&out);
+        filter->SetProcessingMode(VFIL_MODE_RGBA);
+        // More than the padded picture needs, less than the rows of keys and pixels, or the counts.
+        const bool extreme = which == kMax || which == kMin;
+        filter->SetRadius(extreme ? 30.0F : 10.0F, extreme ? 40.0F : 10.0F);
+        g_failFrom = extreme ? 400000 : 200000;
+        const vfILStatus status = filter->Execute();
+        g_failFrom = kNeverFail;
+        EXPECT_EQ(status, VFIL_FAILURE) << which;
+        EXPECT_EQ(filter->GetLastError().GetErrorCode(), 0x10001U);
+        EXPECT_EQ(Difference(before, out), "");
+        // What Verify refuses, but a host may run nevertheless, has no window.
+        GuardedImage copy(PXFormat_RGBA64, 300, 20);
+        filter->SetOutputImg(&copy);
+        filter->SetRadius(NAN, 1.0F);
+        EXPECT_EQ(filter->Execute(), VFIL_SUCCESS);
+        EXPECT_EQ(Difference(unchanged, copy), "");
+    }
+}
+
+} // namespace

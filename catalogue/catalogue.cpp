@@ -12,7 +12,8 @@ const std::vector<Entry>& Entries()
 {
     static const std::vector<Entry> entries = [] {
         std::vector<Entry> all;
-        for (const auto family : {LayerEntries, PixelEntries, ConvertEntries, KeyEntries, FieldEntries}) {
+        for (const auto family : {LayerEntries, PixelEntries, FilterEntries, EdgeEntries, RankEntries,
+                                  MorphologyEntries, ConvertEntries, KeyEntries, FieldEntries}) {
             std::vector<Entry> some = family();
             std::move(some.begin(), some.end(), std::back_inserter(all));
         }
@@ -52,12 +53,18 @@ const char* TypeName(ParameterType type)
         return "integer";
     case ParameterType::Choice:
         return "choice";
+    case ParameterType::Set:
+        return "set";
     case ParameterType::Flag:
         return "flag";
     case ParameterType::Point:
         return "point";
+    case ParameterType::Pair:
+        return "pair";
     case ParameterType::Colour:
         return "colour";
+    case ParameterType::Table:
+        return "table";
     }
     return "";
 }

@@ -19,26 +19,40 @@ enum class ParameterType {
     Number,
     Integer,
     Choice,
+    Set, ///< any of the choices, one at least
     Flag,
     Point,
+    Pair, ///< two numbers, of x and y; one stands for both
     Colour,
+    Table, ///< numbers of the pixels of a window
 };
 
-/// The value of a parameter of any type: a number, a choice's value or a flag (0 or 1) in x; a point in x and
-/// y; red, green, blue and alpha of a colour in x, y, z and w.
+/// Numbers by rows, the top one first, an odd count of rows and of columns.
+struct Table {
+    std::vector<double> numbers;
+    long columns = 0;
+
+    long Rows() const { return columns == 0 ? 0 : static_cast<long>(numbers.size()) / columns; }
+
+    friend bool operator==(const Table&, const Table&) = default;
+};
+
+/// The value of a parameter of any type: a number, a choice's value, the bits of a set or a flag (0 or 1) in
+/// x; a point or a pair in x and y; red, green, blue and alpha of a colour in x, y, z and w.
 struct Value {
     double x = 0;
     double y = 0;
     double z = 0;
     double w = 0;
+    Table table = {};
 
     friend bool operator==(const Value&, const Value&) = default;
 };
 
-/// One of the values that a choice takes.
+/// One of the values that a choice or a set takes.
 struct Choice {
     const char* name;
-    double value;
+    double value; ///< of a set: a bit, or several
     const char* summary;
 };
 
@@ -47,15 +61,16 @@ struct Parameter {
     std::string name; ///< of the option, without the dashes
     ParameterType type;
     const char* unit; ///< "" without one
-    double minimum;   ///< of each component
+    double minimum;   ///< of each component; of a set, of the sum of its bits
     double maximum;
-    std::optional<Value> fallback; ///< the default; without one the pictures decide
+    std::optional<Value> fallback; ///< the default; without one the pictures decide, unless it is required
     const char* summary;
     std::vector<Choice> choices;
     unsigned long
         refusal; ///< the code with which Verify refuses a value outside the range; 0 when it takes any
     void (*apply)(vfILProcessor& processor, const Value& value);
     Value (*read)(const vfILProcessor& processor);
+    bool required = false; ///< the processor does not run without it
 };
 
 /// What a mask picture does to a processor.
@@ -95,7 +110,7 @@ inline constexpr int kWholePicture = std::numeric_limits<int>::max();
 struct Entry {
     std::string name; ///< of the command
     const char* className;
-    const char* family; ///< "layer", "pixel", "convert", "key" or "field"
+    const char* family; ///< "layer", "pixel", "filter", "edge", "rank", "morphology", "convert" ...
     const char* summary;
     std::vector<Input> inputs;
     std::vector<Output> outputs = {{"result", "the picture to write"}};
@@ -109,8 +124,9 @@ struct Entry {
     bool multiplied;    ///< the result's colour is multiplied by alpha, whatever the inputs' state
     bool whole = false; ///< works on whole pictures: region, offset and single fields are refused
     int spatialReach;   ///< input pixels that an output pixel depends on, in each direction, or kWholePicture
-    int temporalReach;  ///< frames, before and after
-    bool bands;         ///< rows may be processed in bands, in any order
+    int radiusReach = 0; ///< how many times its radius, or half its kernel, it depends on beside these
+    int temporalReach;   ///< frames, before and after
+    bool bands;          ///< rows may be processed in bands, in any order
     std::unique_ptr<Operator> (*make)(bool simd);
     const char* note = "";  ///< what may surprise in its results
     const char* alias = ""; ///< the name by rule, when `name` is a more telling one
@@ -128,7 +144,7 @@ bool Takes(const Entry& entry, const GUID& from, const GUID& to);
 /// Whether the processor makes nothing but another format of a picture.
 bool IsConverter(const Entry& entry);
 
-/// The type in words: "number", "integer", "choice", "flag", "point", "colour".
+/// The type in words: "number", "integer", "choice", "set", "flag", "point", "pair", "colour", "table".
 const char* TypeName(ParameterType type);
 
 } // namespace vfil::catalogue

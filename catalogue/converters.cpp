@@ -75,20 +75,13 @@ Pairs With16Bits(Pairs pairs)
 template <class P>
 Parameter Filtering(Value fallback, const char* summary)
 {
-    return FlagParameter(
-        "SetDoFiltering", fallback, summary,
-        [](vfILProcessor& p, const Value& v) { As<P>(p).SetDoFiltering(v.x != 0); },
-        [](const vfILProcessor& p) { return Value{static_cast<double>(As<P>(p).GetDoFiltering())}; });
+    return FlagParameter<&P::SetDoFiltering, &P::GetDoFiltering>("SetDoFiltering", fallback, summary);
 }
 
 Parameter Dithering()
 {
-    return FlagParameter(
-        "SetDoDithering", Value{0}, "carry the rounding error of 4:2:2 samples along the row",
-        [](vfILProcessor& p, const Value& v) { As<vfILRGB2YCCProc>(p).SetDoDithering(v.x != 0); },
-        [](const vfILProcessor& p) {
-            return Value{static_cast<double>(As<vfILRGB2YCCProc>(p).GetDoDithering())};
-        });
+    return FlagParameter<&vfILRGB2YCCProc::SetDoDithering, &vfILRGB2YCCProc::GetDoDithering>(
+        "SetDoDithering", Value{0}, "carry the rounding error of 4:2:2 samples along the row");
 }
 
 template <class P>

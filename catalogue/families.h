@@ -12,6 +12,18 @@ std::vector<Entry> LayerEntries();
 /// The entries of the operators that make one pixel of one pixel.
 std::vector<Entry> PixelEntries();
 
+/// The entries of the blurs, the convolution and the sharpening.
+std::vector<Entry> FilterEntries();
+
+/// The entries of what finds edges or makes a relief of them.
+std::vector<Entry> EdgeEntries();
+
+/// The entries of what puts a neighbour in a pixel's place.
+std::vector<Entry> RankEntries();
+
+/// The entries of what works by a structuring element.
+std::vector<Entry> MorphologyEntries();
+
 /// The entries of the converters, and of the luma as alpha.
 std::vector<Entry> ConvertEntries();
 

@@ -9,7 +9,8 @@ namespace vfil::catalogue {
 
 namespace {
 
-Parameter Alpha(const char* name, const char* summary, Setter apply, Getter read)
+Parameter Alpha(const char* name, const char* summary, void (*apply)(vfILProcessor&, const Value&),
+                Value (*read)(const vfILProcessor&))
 {
     return {.name = name,
             .type = ParameterType::Number,

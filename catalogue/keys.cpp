@@ -44,34 +44,14 @@ Entry Split()
 
 Parameter FillMissingInput()
 {
-    return FlagParameter(
-        "SetFillMissingInput", Value{0}, "make a fill or key that is missing from the fill colour",
-        [](vfILProcessor& p, const Value& v) { As<vfILYCCYCC2YCCA>(p).SetFillMissingInput(v.x != 0); },
-        [](const vfILProcessor& p) {
-            return Value{static_cast<double>(As<vfILYCCYCC2YCCA>(p).GetFillMissingInput())};
-        });
+    return FlagParameter<&vfILYCCYCC2YCCA::SetFillMissingInput, &vfILYCCYCC2YCCA::GetFillMissingInput>(
+        "SetFillMissingInput", Value{0}, "make a fill or key that is missing from the fill colour");
 }
 
 Parameter FillColor()
 {
-    return {.name = ParameterName("SetFillColor"),
-            .type = ParameterType::Colour,
-            .unit = "",
-            .minimum = 0,
-            .maximum = 1,
-            .fallback = Value{0, 0, 0, 1},
-            .summary = "red, green and blue of a missing fill, alpha of a missing key",
-            .choices = {},
-            .refusal = 0,
-            .apply =
-                [](vfILProcessor& p, const Value& v) {
-                    As<vfILYCCYCC2YCCA>(p).SetFillColor({v.x, v.y, v.z, v.w});
-                },
-            .read =
-                [](const vfILProcessor& p) {
-                    const vfILColor& color = As<vfILYCCYCC2YCCA>(p).GetFillColor();
-                    return Value{color.GetRed(), color.GetGreen(), color.GetBlue(), color.GetAlpha()};
-                }};
+    return ColourParameter<&vfILYCCYCC2YCCA::SetFillColor, &vfILYCCYCC2YCCA::GetFillColor>(
+        "SetFillColor", Value{0, 0, 0, 1}, "red, green and blue of a missing fill, alpha of a missing key");
 }
 
 Entry Join()

@@ -20,34 +20,16 @@ constexpr double kHighest = std::numeric_limits<std::int32_t>::max();
 constexpr double kDominantA = 0;
 constexpr double kDominantB = 1;
 
-vfILAlphaMode AlphaModeOf(const Value& value)
-{
-    return static_cast<vfILAlphaMode>(static_cast<int>(value.x));
-}
-
-std::vector<Choice> AlphaModes()
-{
-    return {{"zero", VFIL_ALPHA_ZERO, "clear"},
-            {"full", VFIL_ALPHA_FULL, "opaque"},
-            {"computed", VFIL_ALPHA_COMPUTED, "by the operator's rule"}};
-}
-
 // P is the class that declares the accessors: the layer frame and the masked mix each have their own.
 template <class P>
 Parameter AlphaMode()
 {
-    return {
-        .name = ParameterName("SetAlphaMode"),
-        .type = ParameterType::Choice,
-        .unit = "",
-        .minimum = VFIL_ALPHA_ZERO,
-        .maximum = VFIL_ALPHA_COMPUTED,
-        .fallback = Value{VFIL_ALPHA_COMPUTED},
-        .summary = "what becomes of the output's alpha",
-        .choices = AlphaModes(),
-        .refusal = 0x1005A,
-        .apply = [](vfILProcessor& p, const Value& v) { As<P>(p).SetAlphaMode(AlphaModeOf(v)); },
-        .read = [](const vfILProcessor& p) { return Value{static_cast<double>(As<P>(p).GetAlphaMode())}; }};
+    return ChoiceParameter<&P::SetAlphaMode, &P::GetAlphaMode>(
+        "SetAlphaMode", VFIL_ALPHA_COMPUTED, "what becomes of the output's alpha",
+        {{"zero", VFIL_ALPHA_ZERO, "clear"},
+         {"full", VFIL_ALPHA_FULL, "opaque"},
+         {"computed", VFIL_ALPHA_COMPUTED, "by the operator's rule"}},
+        0x1005A);
 }
 
 Parameter InputOffset()
@@ -100,66 +82,35 @@ Parameter DominantInput()
                 }};
 }
 
-// A share of 0 .. 1, full by default.
-Parameter ShareParameter(const char* setter, const char* summary, Setter apply, Getter read)
-{
-    return {.name = ParameterName(setter),
-            .type = ParameterType::Number,
-            .unit = "",
-            .minimum = 0,
-            .maximum = 1,
-            .fallback = Value{1},
-            .summary = summary,
-            .choices = {},
-            .refusal = 0x10012,
-            .apply = apply,
-            .read = read};
-}
-
 Parameter ExtraTransparency()
 {
-    return ShareParameter(
-        "SetExtraTransparency", "strength of the front; 1 is full strength, 0 leaves nothing of it",
-        [](vfILProcessor& p, const Value& v) { As<vfILCompImg>(p).SetExtraTransparency(v.x); },
-        [](const vfILProcessor& p) { return Value{As<vfILCompImg>(p).GetExtraTransparency()}; });
+    return ShareParameter<&vfILCompImg::SetExtraTransparency, &vfILCompImg::GetExtraTransparency>(
+        "SetExtraTransparency", 1, "strength of the front; 1 is full strength, 0 leaves nothing of it",
+        0x10012);
 }
 
 Parameter MixAmount()
 {
-    return ShareParameter(
-        "SetAlpha", "amount of the mix, multiplied with the mask; 0 leaves the back's colour",
-        [](vfILProcessor& p, const Value& v) { As<vfILCompositeImg>(p).SetAlpha(v.x); },
-        [](const vfILProcessor& p) { return Value{As<vfILCompositeImg>(p).GetAlpha()}; });
+    return ShareParameter<&vfILCompositeImg::SetAlpha, &vfILCompositeImg::GetAlpha>(
+        "SetAlpha", 1, "amount of the mix, multiplied with the mask; 0 leaves the back's colour", 0x10012);
 }
 
 Parameter ImgAPremultiplied()
 {
-    return FlagParameter(
-        "SetImgAPremultiplied", std::nullopt, "take the back's colour as already multiplied by its alpha",
-        [](vfILProcessor& p, const Value& v) { As<vfILCompImg>(p).SetImgAPremultiplied(v.x != 0); },
-        [](const vfILProcessor& p) {
-            return Value{static_cast<double>(As<vfILCompImg>(p).GetImgAPremultiplied())};
-        });
+    return FlagParameter<&vfILCompImg::SetImgAPremultiplied, &vfILCompImg::GetImgAPremultiplied>(
+        "SetImgAPremultiplied", std::nullopt, "take the back's colour as already multiplied by its alpha");
 }
 
 Parameter ImgBPremultiplied()
 {
-    return FlagParameter(
-        "SetImgBPremultiplied", std::nullopt, "take the front's colour as already multiplied by its alpha",
-        [](vfILProcessor& p, const Value& v) { As<vfILCompImg>(p).SetImgBPremultiplied(v.x != 0); },
-        [](const vfILProcessor& p) {
-            return Value{static_cast<double>(As<vfILCompImg>(p).GetImgBPremultiplied())};
-        });
+    return FlagParameter<&vfILCompImg::SetImgBPremultiplied, &vfILCompImg::GetImgBPremultiplied>(
+        "SetImgBPremultiplied", std::nullopt, "take the front's colour as already multiplied by its alpha");
 }
 
 Parameter NeverPremultiplyBackImage()
 {
-    return FlagParameter(
-        "NeverPremultiplyBackImage", Value{0}, "take the back's colour as it stands, whatever its alpha",
-        [](vfILProcessor& p, const Value& v) { As<vfILCompImg>(p).NeverPremultiplyBackImage(v.x != 0); },
-        [](const vfILProcessor& p) {
-            return Value{static_cast<double>(As<vfILCompImg>(p).IsNeverPremultiplyBackImage())};
-        });
+    return FlagParameter<&vfILCompImg::NeverPremultiplyBackImage, &vfILCompImg::IsNeverPremultiplyBackImage>(
+        "NeverPremultiplyBackImage", Value{0}, "take the back's colour as it stands, whatever its alpha");
 }
 
 std::vector<Parameter> LayerParameters()

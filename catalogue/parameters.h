@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace vfil::catalogue {
 
@@ -24,11 +25,58 @@ const P& As(const vfILProcessor& processor)
     return static_cast<const P&>(processor);
 }
 
-using Setter = void (*)(vfILProcessor&, const Value&);
-using Getter = Value (*)(const vfILProcessor&);
+/// What applies and reads a parameter of one number by a setter and a getter of its class.
+template <auto kSet, auto kGet>
+struct Accessors;
 
-inline Parameter FlagParameter(const char* setter, std::optional<Value> fallback, const char* summary,
-                               Setter apply, Getter read)
+template <class P, class T, class Result, void (P::*kSet)(T), Result (P::*kGet)() const>
+struct Accessors<kSet, kGet> {
+    static void Apply(vfILProcessor& processor, const Value& value)
+    {
+        (As<P>(processor).*kSet)(static_cast<T>(value.x));
+    }
+    static Value Read(const vfILProcessor& processor)
+    {
+        return Value{static_cast<double>((As<P>(processor).*kGet)())};
+    }
+};
+
+/// The same for a colour.
+template <auto kSet, auto kGet>
+struct ColourAccessors;
+
+template <class P, void (P::*kSet)(const vfILColor&), const vfILColor& (P::*kGet)() const>
+struct ColourAccessors<kSet, kGet> {
+    static void Apply(vfILProcessor& processor, const Value& value)
+    {
+        (As<P>(processor).*kSet)({value.x, value.y, value.z, value.w});
+    }
+    static Value Read(const vfILProcessor& processor)
+    {
+        const vfILColor& color = (As<P>(processor).*kGet)();
+        return Value{color.GetRed(), color.GetGreen(), color.GetBlue(), color.GetAlpha()};
+    }
+};
+
+/// A number of 0 .. 1.
+template <auto kSet, auto kGet>
+Parameter ShareParameter(const char* setter, double fallback, const char* summary, unsigned long refusal)
+{
+    return {.name = ParameterName(setter),
+            .type = ParameterType::Number,
+            .unit = "",
+            .minimum = 0,
+            .maximum = 1,
+            .fallback = Value{fallback},
+            .summary = summary,
+            .choices = {},
+            .refusal = refusal,
+            .apply = Accessors<kSet, kGet>::Apply,
+            .read = Accessors<kSet, kGet>::Read};
+}
+
+template <auto kSet, auto kGet>
+Parameter FlagParameter(const char* setter, std::optional<Value> fallback, const char* summary)
 {
     return {.name = ParameterName(setter),
             .type = ParameterType::Flag,
@@ -39,8 +87,42 @@ inline Parameter FlagParameter(const char* setter, std::optional<Value> fallback
             .summary = summary,
             .choices = {},
             .refusal = 0,
-            .apply = apply,
-            .read = read};
+            .apply = Accessors<kSet, kGet>::Apply,
+            .read = Accessors<kSet, kGet>::Read};
+}
+
+template <auto kSet, auto kGet>
+Parameter ColourParameter(const char* setter, const Value& fallback, const char* summary)
+{
+    return {.name = ParameterName(setter),
+            .type = ParameterType::Colour,
+            .unit = "",
+            .minimum = 0,
+            .maximum = 1,
+            .fallback = fallback,
+            .summary = summary,
+            .choices = {},
+            .refusal = 0,
+            .apply = ColourAccessors<kSet, kGet>::Apply,
+            .read = ColourAccessors<kSet, kGet>::Read};
+}
+
+/// A choice among values without a gap, in ascending order.
+template <auto kSet, auto kGet>
+Parameter ChoiceParameter(const char* setter, double fallback, const char* summary,
+                          std::vector<Choice> choices, unsigned long refusal)
+{
+    return {.name = ParameterName(setter),
+            .type = ParameterType::Choice,
+            .unit = "",
+            .minimum = choices.front().value,
+            .maximum = choices.back().value,
+            .fallback = Value{fallback},
+            .summary = summary,
+            .choices = choices,
+            .refusal = refusal,
+            .apply = Accessors<kSet, kGet>::Apply,
+            .read = Accessors<kSet, kGet>::Read};
 }
 
 /// A processor that treats whole pictures, in all channels and without a mask; inputs and formats are the

@@ -90,8 +90,8 @@ void vfILBlurImg::FreeKernel()
 /// and high, of which only the factors are used: SeparateKernel makes them.
 vfILStatus vfILBlurImg::BuildKernel()
 {
+    if (!IsRadiusValid()) return VFIL_SUCCESS; // the frame's check comes after, and says so
     const vfILVector2l radius = WholeRadius();
-    if (radius[0] < 0 || radius[1] < 0) return VFIL_SUCCESS;
     const long width = 2 * long{radius[0]} + 1;
     const long height = 2 * long{radius[1]} + 1;
     const bool isLine = IsGauss() && (width == 1 || height == 1);

@@ -68,8 +68,7 @@ vfILStatus vfILMonadicSpatialProc::Verify()
         return Fail(0x1000E, "%s ERROR: Verify: Input and Output image formats do not match\n",
                     GetClassNameW());
     }
-    const auto isValid = [](double radius) { return radius >= 0 && radius <= 1073741824.9; };
-    if (!isValid(m_radius[0]) || !isValid(m_radius[1])) {
+    if (!IsRadiusValid()) {
         return Fail(0x10023, "%s ERROR Verify: Kernel radius is not in valid range\n", GetClassNameW());
     }
     if (m_edgeMode < VFIL_EDGE_COLOR || m_edgeMode > VFIL_EDGE_MIRROR) {
@@ -79,6 +78,12 @@ vfILStatus vfILMonadicSpatialProc::Verify()
         return Fail(0x10048, "%s ERROR Verify: Edge padding color is invalid\n", GetClassNameW());
     }
     return VFIL_SUCCESS;
+}
+
+bool vfILMonadicSpatialProc::IsRadiusValid() const
+{
+    const auto isValid = [](double radius) { return radius >= 0 && radius <= 1073741824.9; };
+    return isValid(m_radius[0]) && isValid(m_radius[1]);
 }
 
 vfILStatus vfILMonadicSpatialProc::PrepareData()

@@ -88,6 +88,8 @@ protected:
     /// called several times a run, for one band of rows after the other, so that the padded copy need not
     /// hold the whole picture: that saves memory, and the copy stays in the cache.
     void AllowBands() { m_bandsAllowed = true; }
+    /// Whether Verify takes the radius.
+    bool IsRadiusValid() const;
     /// The radius without its fraction; saturated, and 0 for NaN.
     vfILVector2l WholeRadius() const;
     /// The state of the run, from PrepareData to CleanData.

@@ -3,25 +3,14 @@
 #include "tools/vfil/chainfile.h"
 #include "tools/vfil/failure.h"
 #include "tools/vfil/text.h"
+#include "tools/vfil/values.h"
 
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
 #include <optional>
-#include <sstream>
 
 namespace vfil::tool {
 
 namespace {
-
-std::string ReadAll(const std::string& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    if (!file || std::filesystem::is_directory(path)) throw RequestError(path + ": cannot be read");
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
-}
 
 const char* KindName(const toml::node& node)
 {
@@ -63,6 +52,20 @@ std::optional<std::vector<std::string>> Scalars(const toml::array& array)
     return texts;
 }
 
+// An array of rows as an option of a table of numbers takes it.
+std::optional<std::string> Rows(const toml::node& node)
+{
+    const toml::array* const array = node.as_array();
+    if (!array) return std::nullopt;
+    std::vector<std::string> rows;
+    for (const toml::node& row : *array) {
+        const auto numbers = row.is_array() ? Scalars(*row.as_array()) : std::nullopt;
+        if (!numbers) return std::nullopt;
+        rows.push_back(Join(*numbers, " "));
+    }
+    return Join(rows, "; ");
+}
+
 // The entries of a table as an option that repeats takes them.
 std::optional<std::vector<std::string>> Assignments(const toml::table& table)
 {
@@ -102,7 +105,7 @@ std::string OptionAt(const std::string& text, std::size_t begin)
 
 ChainFile::ChainFile(std::string path) : m_path(std::move(path))
 {
-    const std::string text = ReadAll(m_path);
+    const std::string text = ReadText(m_path);
     try {
         m_root = toml::parse(text, m_path);
     } catch (const toml::parse_error& error) {
@@ -155,6 +158,7 @@ void ChainFile::CheckNames(const toml::table& table, const std::vector<std::stri
 std::vector<std::string> ChainFile::Values(const toml::node& node, const Option& option) const
 {
     if (const auto scalar = Scalar(node)) return {*scalar};
+    if (const auto rows = option.value == kTablePlaceholder ? Rows(node) : std::nullopt) return {*rows};
     std::optional<std::vector<std::string>> texts;
     if (const toml::array* array = node.as_array()) texts = Scalars(*array);
     if (texts && !option.repeats) return {Join(*texts, option.value == "WxH" ? "x" : ",")};

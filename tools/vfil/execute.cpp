@@ -65,6 +65,8 @@ std::string ErrorLine(const catalogue::Entry& entry, unsigned long code)
     char number[16];
     std::snprintf(number, sizeof number, " (0x%lX)", code);
     line += number;
+    for (const catalogue::Parameter& parameter : entry.parameters)
+        if (parameter.refusal == code) return line + "; see --" + parameter.name;
     if (const char* options = OptionsOfCode(code)) line += std::string("; see ") + options;
     return line;
 }

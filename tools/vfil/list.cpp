@@ -9,6 +9,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <iomanip>
 #include <iostream>
 
@@ -44,7 +45,7 @@ Json ParameterRecord(const Parameter& parameter)
                    {"type", TypeName(parameter.type)},
                    {"unit", parameter.unit},
                    {"summary", parameter.summary}};
-    if (parameter.type == ParameterType::Choice) {
+    if (!parameter.choices.empty()) {
         for (const catalogue::Choice& choice : parameter.choices) {
             record["choices"].push_back({{"name", choice.name}, {"summary", choice.summary}});
         }
@@ -52,6 +53,7 @@ Json ParameterRecord(const Parameter& parameter)
         record["minimum"] = NumberRecord(parameter, parameter.minimum);
         record["maximum"] = NumberRecord(parameter, parameter.maximum);
     }
+    record["required"] = parameter.required;
     record["default"] = parameter.fallback ? ValueRecord(parameter, *parameter.fallback) : Json();
     return record;
 }
@@ -95,6 +97,7 @@ Json EntryRecord(const Entry& entry)
             {"multiplied", entry.multiplied},
             {"whole", entry.whole},
             {"spatialReach", entry.spatialReach},
+            {"radiusReach", entry.radiusReach},
             {"temporalReach", entry.temporalReach},
             {"bands", entry.bands},
             {"note", entry.note}};
@@ -110,13 +113,16 @@ void RunList(const Arguments& arguments)
             all.push_back(EntryRecord(entry));
         return PrintRecord(all, std::cout);
     }
+    std::size_t width = 0;
+    for (const Entry& entry : catalogue::Entries())
+        width = std::max(width, entry.name.size());
     std::string family;
     for (const Entry& entry : catalogue::Entries()) {
         if (family != entry.family)
             std::cout << (family.empty() ? "" : "\n") << FamilyTitle(entry.family) << '\n';
         family = entry.family;
-        std::cout << "  " << std::left << std::setw(14) << entry.name << std::setw(13) << PictureNames(entry)
-                  << entry.summary << '\n';
+        std::cout << "  " << std::left << std::setw(static_cast<int>(width) + 1) << entry.name
+                  << std::setw(13) << PictureNames(entry) << entry.summary << '\n';
     }
 }
 

@@ -6,6 +6,7 @@
 
 #include <catalogue/names.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace vfil::tool {
@@ -33,12 +34,18 @@ std::string Placeholder(const Parameter& parameter)
         return "INTEGER";
     case ParameterType::Choice:
         return Join(ChoiceNames(parameter), "|");
+    case ParameterType::Set:
+        return "NAME,...";
     case ParameterType::Flag:
         return "";
     case ParameterType::Point:
         return "X,Y";
+    case ParameterType::Pair:
+        return "X[,Y]";
     case ParameterType::Colour:
         return "R,G,B,A";
+    case ParameterType::Table:
+        return kTablePlaceholder;
     }
     return "";
 }
@@ -47,15 +54,26 @@ std::string ParameterSummary(const Parameter& parameter)
 {
     std::vector<std::string> notes;
     for (const catalogue::Choice& choice : parameter.choices) {
-        notes.push_back(std::string(choice.name) + ": " + choice.summary);
+        notes.emplace_back(choice.name);
+        if (*choice.summary != '\0') notes.back() += std::string(": ") + choice.summary;
     }
     if (parameter.type == ParameterType::Flag)
         notes.emplace_back("=no for the opposite");
     else if (parameter.choices.empty())
         notes.push_back(RangeText(parameter));
     if (*parameter.unit != '\0') notes.emplace_back(parameter.unit);
-    notes.push_back("default " + DefaultText(parameter));
+    notes.push_back(parameter.required ? "required" : "default " + DefaultText(parameter));
     return std::string(parameter.summary) + " (" + Join(notes, "; ") + ")";
+}
+
+Option FileOption(const Parameter& parameter)
+{
+    return {.name = FileOptionOf(parameter),
+            .letter = "",
+            .value = "FILE",
+            .summary = "a file with the table for --" + parameter.name +
+                       ", a row a line; what follows a # is a remark",
+            .file = true};
 }
 
 std::vector<std::string> AllFormatNames()
@@ -89,6 +107,11 @@ std::vector<Option> Combine(const std::vector<std::vector<Option>>& groups)
 
 } // namespace
 
+std::string FileOptionOf(const Parameter& parameter)
+{
+    return parameter.name + "-file";
+}
+
 std::vector<Option> ParameterOptions(const Entry& entry)
 {
     std::vector<Option> options;
@@ -98,6 +121,7 @@ std::vector<Option> ParameterOptions(const Entry& entry)
                            .value = Placeholder(parameter),
                            .summary = ParameterSummary(parameter),
                            .choices = ChoiceNames(parameter)});
+        if (parameter.type == ParameterType::Table) options.push_back(FileOption(parameter));
     }
     return options;
 }
@@ -306,23 +330,88 @@ std::string ChannelLetters(unsigned long mode)
 
 std::string RangeText(const Parameter& parameter)
 {
-    if (parameter.type == ParameterType::Choice) return Join(ChoiceNames(parameter), ", ");
-    if (parameter.type == ParameterType::Flag) return "yes, no";
-    if (parameter.type == ParameterType::Point) return "whole numbers";
-    if (parameter.type == ParameterType::Colour) return "components 0 .. 1";
     const std::string range = NumberText(parameter.minimum) + " .. " + NumberText(parameter.maximum);
-    return parameter.type == ParameterType::Integer ? "whole numbers " + range : range;
+    switch (parameter.type) {
+    case ParameterType::Choice:
+        return Join(ChoiceNames(parameter), ", ");
+    case ParameterType::Set:
+        return "one or more of " + Join(ChoiceNames(parameter), ", ");
+    case ParameterType::Flag:
+        return "yes, no";
+    case ParameterType::Point:
+        return "whole numbers";
+    case ParameterType::Pair:
+        return "a number or two, " + range;
+    case ParameterType::Colour:
+        return "components " + range;
+    case ParameterType::Table:
+        return "rows of numbers " + range + ", the top one first, such as '1 2 1; 2 4 2; 1 2 1'";
+    case ParameterType::Integer:
+        return "whole numbers " + range;
+    case ParameterType::Number:
+        break;
+    }
+    return range;
 }
+
+namespace {
+
+std::string ChoiceText(const Parameter& parameter, double value)
+{
+    for (const catalogue::Choice& choice : parameter.choices)
+        if (choice.value == value) return choice.name;
+    return NumberText(value);
+}
+
+std::string SetText(const Parameter& parameter, double value)
+{
+    std::vector<std::string> names;
+    for (const catalogue::Choice& choice : parameter.choices) {
+        if (choice.value == value) return choice.name;
+        const auto bits = static_cast<unsigned long>(choice.value);
+        if ((static_cast<unsigned long>(value) & bits) == bits) names.emplace_back(choice.name);
+    }
+    return Join(names, ",");
+}
+
+std::string TableText(const catalogue::Table& table)
+{
+    std::string text;
+    for (std::size_t i = 0; i < table.numbers.size(); ++i) {
+        if (i > 0) text += i % static_cast<std::size_t>(table.columns) == 0 ? "; " : " ";
+        text += NumberText(table.numbers[i]);
+    }
+    return text.empty() ? "none" : text;
+}
+
+std::string NumberTexts(const std::vector<double>& numbers)
+{
+    std::vector<std::string> texts(numbers.size());
+    std::transform(numbers.begin(), numbers.end(), texts.begin(), NumberText);
+    return Join(texts, ",");
+}
+
+} // namespace
 
 std::string ValueText(const Parameter& parameter, const catalogue::Value& value)
 {
-    if (parameter.type == ParameterType::Flag) return value.x != 0 ? "yes" : "no";
-    if (parameter.type == ParameterType::Point) return NumberText(value.x) + "," + NumberText(value.y);
-    if (parameter.type == ParameterType::Colour)
-        return NumberText(value.x) + "," + NumberText(value.y) + "," + NumberText(value.z) + "," +
-               NumberText(value.w);
-    for (const catalogue::Choice& choice : parameter.choices) {
-        if (choice.value == value.x) return choice.name;
+    switch (parameter.type) {
+    case ParameterType::Choice:
+        return ChoiceText(parameter, value.x);
+    case ParameterType::Set:
+        return SetText(parameter, value.x);
+    case ParameterType::Flag:
+        return value.x != 0 ? "yes" : "no";
+    case ParameterType::Point:
+    case ParameterType::Pair:
+        return NumberTexts({value.x, value.y});
+    case ParameterType::Colour:
+        return NumberTexts({value.x, value.y, value.z, value.w});
+    case ParameterType::Table:
+        return TableText(value.table);
+    case ParameterType::Integer:
+    case ParameterType::Number:
+        break;
     }
     return NumberText(value.x);
 }

@@ -20,6 +20,12 @@ struct Option {
     bool repeats = false;                  ///< may be given more than once
 };
 
+/// The value of an option that takes a table of numbers, in help.
+inline constexpr const char* kTablePlaceholder = "TABLE";
+
+/// The option that takes the value of a parameter, which is a table, from a file.
+std::string FileOptionOf(const catalogue::Parameter& parameter);
+
 /// The options that the parameters of an operator make.
 std::vector<Option> ParameterOptions(const catalogue::Entry& entry);
 

@@ -121,8 +121,17 @@ nlohmann::ordered_json Record(const std::string& path, const host::PictureInfo& 
 
 nlohmann::ordered_json NumberRecord(const catalogue::Parameter& parameter, double number)
 {
-    if (parameter.type == ParameterType::Number) return number;
-    return static_cast<std::int64_t>(number);
+    const bool whole = parameter.type == ParameterType::Integer || parameter.type == ParameterType::Point;
+    return whole ? nlohmann::ordered_json(static_cast<std::int64_t>(number)) : nlohmann::ordered_json(number);
+}
+
+// An array of rows.
+static nlohmann::ordered_json TableRecord(const catalogue::Table& table)
+{
+    nlohmann::ordered_json rows = nlohmann::ordered_json::array();
+    for (auto row = table.numbers.begin(); row != table.numbers.end(); row += table.columns)
+        rows.push_back(std::vector<double>(row, row + table.columns));
+    return rows;
 }
 
 nlohmann::ordered_json ValueRecord(const catalogue::Parameter& parameter, const catalogue::Value& value)
@@ -131,12 +140,16 @@ nlohmann::ordered_json ValueRecord(const catalogue::Parameter& parameter, const 
     case ParameterType::Flag:
         return value.x != 0;
     case ParameterType::Point:
+    case ParameterType::Pair:
         return nlohmann::ordered_json::array(
             {NumberRecord(parameter, value.x), NumberRecord(parameter, value.y)});
     case ParameterType::Colour:
         return nlohmann::ordered_json::array({value.x, value.y, value.z, value.w});
     case ParameterType::Choice:
+    case ParameterType::Set:
         return ValueText(parameter, value);
+    case ParameterType::Table:
+        return TableRecord(value.table);
     case ParameterType::Number:
     case ParameterType::Integer:
         break;

@@ -1,20 +1,18 @@
 /// \file
 /// A step, from the options of an operator.
 #include "tools/vfil/failure.h"
+#include "tools/vfil/parametervalue.h"
 #include "tools/vfil/request.h"
 #include "tools/vfil/text.h"
 #include "tools/vfil/values.h"
 
 #include <algorithm>
-#include <cmath>
 #include <filesystem>
 
 namespace vfil::tool {
 
 using catalogue::Entry;
 using catalogue::Parameter;
-using catalogue::ParameterType;
-using catalogue::Value;
 
 namespace {
 
@@ -22,67 +20,6 @@ constexpr std::pair<const char*, PXImageChannel> kMaskChannels[] = {
     {"red", PXImageChannel_RED},     {"green", PXImageChannel_GREEN}, {"blue", PXImageChannel_BLUE},
     {"alpha", PXImageChannel_ALPHA}, {"mono", PXImageChannel_MONO},
 };
-
-Value ChoiceValue(const Parameter& parameter, const std::string& text)
-{
-    std::vector<std::string> names;
-    for (const catalogue::Choice& choice : parameter.choices) {
-        if (choice.name == text) return {choice.value};
-        names.emplace_back(choice.name);
-    }
-    RefuseValue(parameter.name, text, "one of " + Join(names, ", ") + DidYouMean(text, names));
-}
-
-Value PointValue(const Parameter& parameter, const std::string& text)
-{
-    const auto numbers = ParseIntegers(text, ',', 2);
-    if (!numbers) RefuseValue(parameter.name, text, "two whole numbers X,Y, such as 12,-3");
-    return {static_cast<double>((*numbers)[0]), static_cast<double>((*numbers)[1])};
-}
-
-Value ColourValue(const Parameter& parameter, const std::string& text)
-{
-    const auto n = ParseNumbers(text, ',', 4);
-    if (!n) RefuseValue(parameter.name, text, "four numbers R,G,B,A, such as 1,0.5,0,1");
-    for (const double component : *n) {
-        if (component < parameter.minimum || component > parameter.maximum)
-            throw RequestError("--" + parameter.name + " " + text + " is out of range: it takes " +
-                               RangeText(parameter));
-    }
-    return {(*n)[0], (*n)[1], (*n)[2], (*n)[3]};
-}
-
-Value NumberValue(const Parameter& parameter, const std::string& text)
-{
-    const bool whole = parameter.type == ParameterType::Integer;
-    const auto number = ParseNumber(text);
-    if (!number || (whole && *number != std::trunc(*number))) {
-        RefuseValue(parameter.name, text, (whole ? "one of the " : "a number of ") + RangeText(parameter));
-    }
-    if (*number < parameter.minimum || *number > parameter.maximum) {
-        throw RequestError("--" + parameter.name + " " + text + " is out of range: it takes " +
-                           RangeText(parameter));
-    }
-    return {*number};
-}
-
-Value ParameterValue(const Parameter& parameter, const Arguments& arguments)
-{
-    switch (parameter.type) {
-    case ParameterType::Choice:
-        return ChoiceValue(parameter, *arguments.Get(parameter.name));
-    case ParameterType::Flag:
-        return {arguments.Flag(parameter.name) ? 1.0 : 0.0};
-    case ParameterType::Point:
-        return PointValue(parameter, *arguments.Get(parameter.name));
-    case ParameterType::Colour:
-        return ColourValue(parameter, *arguments.Get(parameter.name));
-    case ParameterType::Number:
-    case ParameterType::Integer:
-        break;
-    }
-    return NumberValue(parameter, *arguments.Get(parameter.name));
-}
 
 std::optional<vfILBbox2l> Roi(const Arguments& arguments)
 {
@@ -185,8 +122,8 @@ Step MakeStep(const Entry& entry, const Arguments& arguments)
     Step step;
     step.entry = &entry;
     for (const Parameter& parameter : entry.parameters) {
-        if (!arguments.Has(parameter.name)) continue;
-        step.parameters.emplace_back(&parameter, ParameterValue(parameter, arguments));
+        if (const auto value = ParameterValue(parameter, arguments))
+            step.parameters.emplace_back(&parameter, *value);
     }
     step.roi = Roi(arguments);
     step.outputOffset = Offset(arguments, "output-offset");

@@ -57,6 +57,18 @@ std::string Join(const std::vector<std::string>& parts, std::string_view separat
     return text;
 }
 
+std::vector<std::string> Split(std::string_view text, std::string_view separators)
+{
+    std::vector<std::string> parts;
+    std::size_t begin = 0;
+    while ((begin = text.find_first_not_of(separators, begin)) != std::string_view::npos) {
+        const std::size_t end = std::min(text.find_first_of(separators, begin), text.size());
+        parts.emplace_back(text.substr(begin, end - begin));
+        begin = end;
+    }
+    return parts;
+}
+
 std::string UpperCase(std::string_view text)
 {
     std::string upper(text);

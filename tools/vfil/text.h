@@ -12,6 +12,9 @@ namespace vfil::tool {
 
 std::string Join(const std::vector<std::string>& parts, std::string_view separator);
 
+/// The parts between any of the separators, without empty ones.
+std::vector<std::string> Split(std::string_view text, std::string_view separators);
+
 std::string UpperCase(std::string_view text);
 
 /// The text with a capital at its start.

@@ -7,12 +7,24 @@
 #include "tools/vfil/text.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
 
 namespace vfil::tool {
 
 void RefuseValue(const std::string& option, const std::string& text, const std::string& right)
 {
     throw RequestError("--" + option + " '" + text + "' is not " + right);
+}
+
+std::string ReadText(const std::string& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    if (!file || std::filesystem::is_directory(path)) throw RequestError(path + ": cannot be read");
+    std::ostringstream text;
+    text << file.rdbuf();
+    return text.str();
 }
 
 std::optional<vfILVector2l> Offset(const Arguments& arguments, const std::string& name)

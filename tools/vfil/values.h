@@ -15,6 +15,11 @@ namespace vfil::tool {
 /// \throws RequestError "--option 'text' is not right"
 [[noreturn]] void RefuseValue(const std::string& option, const std::string& text, const std::string& right);
 
+/// The whole of a file.
+///
+/// \throws RequestError when it cannot be read
+std::string ReadText(const std::string& path);
+
 /// "X,Y"
 std::optional<vfILVector2l> Offset(const Arguments& arguments, const std::string& name);
 /// "WxH"

@@ -121,7 +121,7 @@ struct Entry {
     unsigned long channels; ///< channel bits of the processing mode that give what a user expects of the name
     unsigned long fixedChannels; ///< channel bits that cannot be left out
     MaskUse mask;
-    bool multiplied;    ///< the result's colour is multiplied by alpha, whatever the inputs' state
+    bool multiplied; ///< weighs colour by alpha, as it is when colour is multiplied by it; so is the result's
     bool whole = false; ///< works on whole pictures: region, offset and single fields are refused
     int spatialReach;   ///< input pixels that an output pixel depends on, in each direction, or kWholePicture
     int radiusReach = 0; ///< how many times its radius, or half its kernel, it depends on beside these

@@ -35,6 +35,7 @@ Entry Blur()
              "SetDegree", 1,
              "how much is blurred: the share of the disc, the scale of the others; the box knows only 0",
              0x10026)});
+    entry.multiplied = true;
     entry.note = "the disc and the Gaussian take longer with the radius, the other types do not";
     return entry;
 }

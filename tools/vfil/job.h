@@ -46,7 +46,8 @@ struct Step {
     std::optional<vfILVector2l> outputOffset;
     std::optional<vfILVector2l> outputSize;
     std::optional<StepMask> mask;
-    unsigned long mode = 0; ///< bits of vfILProcessingMode
+    unsigned long mode = 0;    ///< bits of vfILProcessingMode
+    bool usualChannels = true; ///< nobody chose those in the mode
     vfILColor defaultColor{0, 0, 0, 0};
     std::optional<GUID> to; ///< format of the results, for an operator with conversions
     std::string where;

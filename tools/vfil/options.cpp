@@ -148,8 +148,8 @@ const std::vector<Option>& StepOptions()
         {"mask-offset", "", "X,Y",
          "position of the mask's bottom-left pixel in the first picture, in pixels, y up (default 0,0)"},
         {"channels", "", "LETTERS",
-         "channels to work on, letters of rgba (default rgba for operators of two pictures and copy, else "
-         "rgb)"},
+         "channels to work on, letters of rgba (default what 'vfil help OPERATOR' says, without a for a "
+         "picture that has no alpha)"},
         {"fields",
          "",
          "odd|even",

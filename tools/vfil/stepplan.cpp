@@ -254,6 +254,15 @@ void PlanMask(JobPlan& plan, StepPlan& planned)
     planned.clip = planned.clip || signal.clip;
 }
 
+// A picture without alpha stays one: the rounding of a filter would make it a little clear.
+void LeaveFullAlpha(const JobPlan& plan, StepPlan& planned)
+{
+    Step& step = planned.step;
+    const Signal& first = FirstOf(plan, planned);
+    if (!step.usualChannels || step.entry->inputs.size() > 1 || first.alpha || first.mayClear) return;
+    step.mode &= ~(VFIL_MODE_ALPHA & ~step.entry->fixedChannels);
+}
+
 // Operators whose result is multiplied let the dominant picture through where the two do not overlap:
 // straight colour would stand beside multiplied colour there. Who states a premultiplication gets the class's
 // own behaviour.
@@ -264,7 +273,9 @@ bool WorksMultiplied(const StepPlan& planned)
         return given.first->name.find("premultipl") != std::string::npos;
     });
     const bool rgba = planned.format == PXFormat_RGBA32 || planned.format == PXFormat_RGBA64;
-    return planned.step.entry->multiplied && rgba && !stated;
+    const bool filtersColourAlone =
+        planned.step.entry->inputs.size() == 1 && (planned.step.mode & VFIL_MODE_ALPHA) == 0;
+    return planned.step.entry->multiplied && rgba && !stated && !filtersColourAlone;
 }
 
 // Of the formats that the operator makes of the one in which it works the wanted one, else one with the
@@ -346,6 +357,7 @@ void PlanStep(JobPlan& plan, Step step)
     StepPlan planned;
     planned.step = std::move(step);
     PlanInputs(plan, planned);
+    LeaveFullAlpha(plan, planned);
     PlanDominant(plan, planned);
     PlanRegions(plan, planned);
     PlanMask(plan, planned);

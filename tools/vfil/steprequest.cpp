@@ -130,6 +130,7 @@ Step MakeStep(const Entry& entry, const Arguments& arguments)
     step.outputSize = Size(arguments, "output-size");
     step.mask = Mask(entry, arguments);
     step.mode = Channels(entry, arguments) | Fields(arguments);
+    step.usualChannels = !arguments.Has("channels");
     step.defaultColor = DefaultColor(arguments);
     if (!entry.conversions.empty()) step.to = Format(arguments, "to");
     return step;

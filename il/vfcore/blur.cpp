@@ -8,6 +8,7 @@
 #include <vfil/blur.h>
 
 #include <cmath>
+#include <limits>
 #include <numeric>
 
 using namespace vfil;
@@ -16,20 +17,27 @@ namespace {
 
 using BoxFormats = FormatList<Rgba8, Mono8>;
 
-/// The weights of a Gaussian from -radius to radius.
-void FillGaussian(float* weights, long radius, double sigma)
+/// A Gaussian from -radius to radius, of sum 1.
+void FillGaussian(double* weights, long radius, double sigma)
 {
     const double inverse = sigma == 0 ? 0 : 1 / sigma;
+    double* weight = weights;
     for (long x = -radius; x <= radius; ++x) {
         const auto square = static_cast<double>(x) * static_cast<double>(x);
-        *weights++ = static_cast<float>(std::exp(-0.5 * square * inverse * inverse));
+        *weight++ = std::exp(-0.5 * square * inverse * inverse);
     }
+    const double sum = std::accumulate(weights, weight, 0.0);
+    std::transform(weights, weight, weights, [sum](double w) { return w / sum; });
 }
 
-void ScaleToOne(float* weights, long count)
+/// Copies weights that stand a step apart, scaled to a sum of 1.
+void CopyScaled(const float* weights, long step, long count, float* to)
 {
-    const double sum = std::accumulate(weights, weights + count, 0.0);
-    std::transform(weights, weights + count, weights, [sum](float w) { return static_cast<float>(w / sum); });
+    double sum = 0;
+    for (long i = 0; i < count; ++i)
+        sum += weights[i * step];
+    for (long i = 0; i < count; ++i)
+        to[i] = static_cast<float>(weights[i * step] / sum);
 }
 
 } // namespace
@@ -86,34 +94,46 @@ void vfILBlurImg::FreeKernel()
     m_kernelBuffer.Free();
 }
 
-/// A type without a kernel has one of a single weight, so that there is one. So has a Gaussian that is wide
-/// and high, of which only the factors are used: SeparateKernel makes them.
+/// A type without a kernel has one of a single weight, so that there is one.
 vfILStatus vfILBlurImg::BuildKernel()
 {
     if (!IsRadiusValid()) return VFIL_SUCCESS; // the frame's check comes after, and says so
+    const bool hasKernel = m_type == VFIL_BLUR_DISC || IsGauss();
+    const vfILVector2l radius = hasKernel ? WholeRadius() : vfILVector2l(0, 0);
+    const long width = 2 * long{radius[0]} + 1;
+    const long height = 2 * long{radius[1]} + 1;
+    constexpr auto kMost = std::numeric_limits<std::ptrdiff_t>::max() / std::ptrdiff_t{sizeof(float)};
+    const std::ptrdiff_t weights = width > kMost / height ? kMost : width * height;
+    auto* kernel =
+        reinterpret_cast<float*>(m_kernelBuffer.Allocate(static_cast<std::size_t>(weights) * sizeof(float)));
+    bool done = kernel != nullptr;
+    if (done && m_type == VFIL_BLUR_DISC)
+        FillDisc(kernel);
+    else if (done && hasKernel)
+        done = FillGauss(kernel);
+    else if (done)
+        *kernel = 1;
+    if (!done) return Fail(0x10001, "%s ERROR BuildKernel: insufficient memory space\n", GetClassNameW());
+    SetKernel(kernel, GetRadius());
+    return VFIL_SUCCESS;
+}
+
+/// False when memory is short.
+bool vfILBlurImg::FillGauss(float* kernel) const
+{
     const vfILVector2l radius = WholeRadius();
     const long width = 2 * long{radius[0]} + 1;
     const long height = 2 * long{radius[1]} + 1;
-    const bool isLine = IsGauss() && (width == 1 || height == 1);
-    const bool isWhole = isLine || m_type == VFIL_BLUR_DISC;
-    constexpr auto kMost = std::numeric_limits<std::ptrdiff_t>::max() / std::ptrdiff_t{sizeof(float)};
-    const std::ptrdiff_t weights = !isWhole ? 1 : width > kMost / height ? kMost : width * height;
-    auto* kernel =
-        reinterpret_cast<float*>(m_kernelBuffer.Allocate(static_cast<std::size_t>(weights) * sizeof(float)));
-    if (kernel == nullptr) {
-        return Fail(0x10001, "%s ERROR BuildKernel: insufficient memory space\n", GetClassNameW());
-    }
-    if (isLine) {
-        FillGaussian(kernel, width * height / 2,
-                     double{height == 1 ? GetRadiusX() : GetRadiusY()} * m_degree);
-        ScaleToOne(kernel, weights);
-    } else if (isWhole) {
-        FillDisc(kernel);
-    } else {
-        *kernel = 1;
-    }
-    SetKernel(kernel, GetRadius());
-    return VFIL_SUCCESS;
+    RunArray<double> factors;
+    if (!factors.Allocate(static_cast<std::size_t>(width + height))) return false;
+    double* const x = factors.Data();
+    double* const y = x + width;
+    FillGaussian(x, radius[0], double{GetRadiusX()} * m_degree);
+    FillGaussian(y, radius[1], double{GetRadiusY()} * m_degree);
+    for (long row = 0; row < height; ++row)
+        kernel = std::transform(
+            x, y, kernel, [factor = y[row]](double weight) { return static_cast<float>(weight * factor); });
+    return true;
 }
 
 void vfILBlurImg::FillDisc(float* kernel) const
@@ -157,11 +177,13 @@ int vfILBlurImg::IsKernelSeparable()
 vfILStatus vfILBlurImg::SeparateKernel(float* kx, float* ky)
 {
     if (!IsGauss()) return vfILConvolveImg::SeparateKernel(kx, ky);
+    const float* const kernel = GetKernel();
+    if (kernel == nullptr) return VFIL_FAILURE;
     const vfILVector2l radius = WholeRadius();
-    FillGaussian(kx, radius[0], double{GetRadiusX()} * m_degree);
-    ScaleToOne(kx, 2 * long{radius[0]} + 1);
-    FillGaussian(ky, radius[1], double{GetRadiusY()} * m_degree);
-    ScaleToOne(ky, 2 * long{radius[1]} + 1);
+    const long width = 2 * long{radius[0]} + 1;
+    const long height = 2 * long{radius[1]} + 1;
+    CopyScaled(kernel + radius[1] * width, 1, width, kx);
+    CopyScaled(kernel + radius[0], width, height, ky);
     return VFIL_SUCCESS;
 }
 

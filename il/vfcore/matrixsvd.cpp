@@ -6,6 +6,7 @@
 #include "matrixsvd.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace vfil {
 
@@ -90,6 +91,14 @@ void Decomposition::AddProjections(double** x, long rows, long i, long firstRow,
     }
 }
 
+/// What is so small that its reciprocal may be no number counts as nothing, so that finite matrices have
+/// finite decompositions: rounding leaves such remainders in matrices of deficient rank.
+bool IsNothing(double scale)
+{
+    using Limits = std::numeric_limits<double>;
+    return scale < Limits::min() / Limits::epsilon();
+}
+
 /// Clears column i below the diagonal. Beyond the last row there is nothing to sum. \return The diagonal
 /// element.
 double Decomposition::ReflectColumn(long i)
@@ -97,7 +106,7 @@ double Decomposition::ReflectColumn(long i)
     double scale = 0;
     for (long k = i; k <= m_m; ++k)
         scale += std::fabs(m_a[k][i]);
-    if (scale == 0) return 0;
+    if (IsNothing(scale)) return 0;
     double s = 0;
     for (long k = i; k <= m_m; ++k) {
         m_a[k][i] /= scale;
@@ -125,7 +134,7 @@ double Decomposition::ReflectRow(long i)
     double scale = 0;
     for (long k = l; k <= m_n; ++k)
         scale += std::fabs(own[k]);
-    if (scale == 0) return 0;
+    if (IsNothing(scale)) return 0;
     double s = 0;
     for (long k = l; k <= m_n; ++k) {
         own[k] /= scale;

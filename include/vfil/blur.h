@@ -36,6 +36,7 @@ protected:
 
 public:
     int IsKernelSeparable() override;
+    /// There is a kernel during runs only.
     vfILStatus SeparateKernel(float* kx, float* ky) override;
 
     /// \param type Default VFIL_BLUR_DISC. Verify refuses unknown types (0x10024).
@@ -53,6 +54,7 @@ private:
     vfILStatus BuildKernel();
     void FreeKernel();
     void FillDisc(float* kernel) const;
+    bool FillGauss(float* kernel) const;
     bool IsConvolutionFasterThanFastGauss() const;
     bool IsGauss() const;
     vfILStatus BlurBox();

@@ -226,6 +226,24 @@ TEST(Matrix, ConditionsOfInverses)
     EXPECT_EQ(condition, VFIL_CONDITION_WELL);
 }
 
+// Remainders of rounding that have no finite reciprocal must not reach the inverse.
+TEST(Matrix, FiniteMatricesHaveFiniteInverses)
+{
+    Matrix checkered(31, 31);
+    for (long i = 0; i < 31; ++i)
+        for (long j = 0; j < 31; ++j)
+            checkered(i, j) = static_cast<double>((i / 3 + j / 5) % 2);
+    Matrix flat(44, 44);
+    flat.SetToConstant(1);
+    vfILMatrixCondition condition{};
+    for (const Matrix& m : {checkered, flat, Of(2, 2, {1, 0, 0, 1e-310}), Of(1, 2, {1, 1e-310}),
+                            Of(3, 3, {1, 1e-310, 1e-310, 0, 1, 0, 0, 0, 1})}) {
+        const Matrix inverse = m.PseudoInverse(condition);
+        EXPECT_LT(Distance(m * inverse * m, m), 1e-11);
+        EXPECT_LT(Distance(inverse * m * inverse, inverse), 1e-11);
+    }
+}
+
 TEST(Matrix, SolvesSystems)
 {
     const auto norm = VFIL_NORM_ROW_SUM;

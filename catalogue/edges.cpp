@@ -56,10 +56,9 @@ std::vector<Parameter> WithThreshold(std::vector<Parameter> parameters)
     return parameters;
 }
 
-template <class P>
 Parameter DetectType()
 {
-    return ChoiceParameter<&P::SetType, &P::GetType>(
+    return ChoiceParameter<&vfILEdgeDetectProc::SetType, &vfILEdgeDetectProc::GetType>(
         "SetType", VFIL_EDGE_MAGNITUDE, "what is shown of the gradient",
         {{"magnitude", VFIL_EDGE_MAGNITUDE, "|x| + |y|"},
          {"angle", VFIL_EDGE_ANGLE,
@@ -85,9 +84,9 @@ std::vector<Entry> EdgeEntries()
                                              WithThreshold({Directions<vfILGradientImg>()})));
     entries.push_back(Edges<vfILEmbossImg>("vfILEmbossImg", "make a relief", {Directions<vfILEmbossImg>()}));
     entries.push_back(Edges<vfILRobertsImg>("vfILRobertsImg", "find edges by columns and rows of three",
-                                            WithThreshold({DetectType<vfILRobertsImg>()})));
+                                            WithThreshold({DetectType()})));
     entries.push_back(Edges<vfILSobelImg>("vfILSobelImg", "find edges by columns and rows of corners",
-                                          WithThreshold({DetectType<vfILSobelImg>()})));
+                                          WithThreshold({DetectType()})));
     entries.push_back(Edges<vfILLaplaceImg>("vfILLaplaceImg", "find what is brighter than its neighbours",
                                             WithThreshold({LaplaceType()})));
     return entries;

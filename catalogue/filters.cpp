@@ -118,21 +118,15 @@ Parameter Kernel()
             .required = true};
 }
 
-// A number of the range 0 .. 1e9 or -1e9 .. 1e9.
+// A number up to 1e9.
 template <auto kSet, auto kGet>
-Parameter NumberParameter(const char* name, double minimum, const char* summary)
+Parameter LargeNumber(const char* setter, double minimum, const char* summary)
 {
-    return {.name = name,
-            .type = ParameterType::Number,
-            .unit = "",
-            .minimum = minimum,
-            .maximum = kMostOfNumber,
-            .fallback = Value{0},
-            .summary = summary,
-            .choices = {},
-            .refusal = 0,
-            .apply = Accessors<kSet, kGet>::Apply,
-            .read = Accessors<kSet, kGet>::Read};
+    Parameter parameter =
+        UnitParameter<Accessors<kSet, kGet>>(setter, ParameterType::Number, Value{0}, summary, 0);
+    parameter.minimum = minimum;
+    parameter.maximum = kMostOfNumber;
+    return parameter;
 }
 
 Entry Convolve()
@@ -140,10 +134,11 @@ Entry Convolve()
     Entry entry = SpatialEntry<Convolution>(
         "vfILConvolveImg", "filter", "weigh the pixels of a window, and add them up",
         {Kernel(),
-         NumberParameter<&Convolution::SetDivisor, &Convolution::GetDivisor>(
-             "divisor", 0, "divides the weights; 0 stands for their sum, or for 1 where that is not above 0"),
-         NumberParameter<&vfILConvolveImg::SetOffset, &vfILConvolveImg::GetOffset>(
-             "offset", -kMostOfNumber, "added to each result, in units of a sample")});
+         LargeNumber<&Convolution::SetDivisor, &Convolution::GetDivisor>(
+             "SetDivisor", 0,
+             "divides the weights; 0 stands for their sum, or for 1 where that is not above 0"),
+         LargeNumber<&vfILConvolveImg::SetOffset, &vfILConvolveImg::GetOffset>(
+             "SetOffset", -kMostOfNumber, "added to each result, in units of a sample")});
     entry.channels = VFIL_MODE_RGB;
     entry.note = "a kernel that is a column times a row takes no notice of the offset";
     return entry;

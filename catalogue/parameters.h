@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace vfil::catalogue {
@@ -58,53 +59,41 @@ struct ColourAccessors<kSet, kGet> {
     }
 };
 
-/// A number of 0 .. 1.
-template <auto kSet, auto kGet>
-Parameter ShareParameter(const char* setter, double fallback, const char* summary, unsigned long refusal)
+/// A parameter of components 0 .. 1.
+template <class HowItIsSet>
+Parameter UnitParameter(const char* setter, ParameterType type, std::optional<Value> fallback,
+                        const char* summary, unsigned long refusal)
 {
     return {.name = ParameterName(setter),
-            .type = ParameterType::Number,
+            .type = type,
             .unit = "",
             .minimum = 0,
             .maximum = 1,
-            .fallback = Value{fallback},
+            .fallback = std::move(fallback),
             .summary = summary,
             .choices = {},
             .refusal = refusal,
-            .apply = Accessors<kSet, kGet>::Apply,
-            .read = Accessors<kSet, kGet>::Read};
+            .apply = HowItIsSet::Apply,
+            .read = HowItIsSet::Read};
+}
+
+template <auto kSet, auto kGet>
+Parameter ShareParameter(const char* setter, double fallback, const char* summary, unsigned long refusal)
+{
+    return UnitParameter<Accessors<kSet, kGet>>(setter, ParameterType::Number, Value{fallback}, summary,
+                                                refusal);
 }
 
 template <auto kSet, auto kGet>
 Parameter FlagParameter(const char* setter, std::optional<Value> fallback, const char* summary)
 {
-    return {.name = ParameterName(setter),
-            .type = ParameterType::Flag,
-            .unit = "",
-            .minimum = 0,
-            .maximum = 1,
-            .fallback = fallback,
-            .summary = summary,
-            .choices = {},
-            .refusal = 0,
-            .apply = Accessors<kSet, kGet>::Apply,
-            .read = Accessors<kSet, kGet>::Read};
+    return UnitParameter<Accessors<kSet, kGet>>(setter, ParameterType::Flag, std::move(fallback), summary, 0);
 }
 
 template <auto kSet, auto kGet>
 Parameter ColourParameter(const char* setter, const Value& fallback, const char* summary)
 {
-    return {.name = ParameterName(setter),
-            .type = ParameterType::Colour,
-            .unit = "",
-            .minimum = 0,
-            .maximum = 1,
-            .fallback = fallback,
-            .summary = summary,
-            .choices = {},
-            .refusal = 0,
-            .apply = ColourAccessors<kSet, kGet>::Apply,
-            .read = ColourAccessors<kSet, kGet>::Read};
+    return UnitParameter<ColourAccessors<kSet, kGet>>(setter, ParameterType::Colour, fallback, summary, 0);
 }
 
 /// A choice among values without a gap, in ascending order.
@@ -112,17 +101,12 @@ template <auto kSet, auto kGet>
 Parameter ChoiceParameter(const char* setter, double fallback, const char* summary,
                           std::vector<Choice> choices, unsigned long refusal)
 {
-    return {.name = ParameterName(setter),
-            .type = ParameterType::Choice,
-            .unit = "",
-            .minimum = choices.front().value,
-            .maximum = choices.back().value,
-            .fallback = Value{fallback},
-            .summary = summary,
-            .choices = choices,
-            .refusal = refusal,
-            .apply = Accessors<kSet, kGet>::Apply,
-            .read = Accessors<kSet, kGet>::Read};
+    Parameter parameter = UnitParameter<Accessors<kSet, kGet>>(setter, ParameterType::Choice, Value{fallback},
+                                                               summary, refusal);
+    parameter.minimum = choices.front().value;
+    parameter.maximum = choices.back().value;
+    parameter.choices = std::move(choices);
+    return parameter;
 }
 
 /// A processor that treats whole pictures, in all channels and without a mask; inputs and formats are the

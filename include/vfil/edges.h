@@ -107,46 +107,45 @@ private:
     const wchar_t* GetClassNameW() const;
 };
 
-/// Gx is the sum of the eastern column less that of the western one, Gy the sum of the southern row less that
-/// of the northern one.
-class VFIL_API vfILRobertsImg : public vfILEdgeThresholdProc {
+/// What the detectors of edges share: a gradient (Gx, Gy) of each sample, shown as its magnitude or as its
+/// angle.
+class VFIL_API vfILEdgeDetectProc : public vfILEdgeThresholdProc {
 public:
     /// Adds 0x1000D, 0x10049 (type), 0x10029, 0x1002A.
     vfILStatus Verify() override;
-
-protected:
-    vfILStatus DoEffect() override;
-
-public:
     /// \param type Default VFIL_EDGE_MAGNITUDE. Verify refuses unknown values (0x10049).
     void SetType(vfILEdgeDetectType type);
     vfILEdgeDetectType GetType() const;
 
+protected:
+    vfILEdgeDetectProc() = default;
+
 private:
+    virtual const wchar_t* GetClassNameW() const = 0;
+
     vfILEdgeDetectType m_type = VFIL_EDGE_MAGNITUDE;
+};
+
+/// Gx is the sum of the eastern column less that of the western one, Gy the sum of the southern row less that
+/// of the northern one.
+class VFIL_API vfILRobertsImg : public vfILEdgeDetectProc {
+protected:
+    vfILStatus DoEffect() override;
+
+private:
     static const wchar_t* const m_ClassName;
-    const wchar_t* GetClassNameW() const;
+    const wchar_t* GetClassNameW() const override;
 };
 
 /// Gx is the eastern column less the western one, Gy the northern row less the southern one. The middle of a
 /// column or row counts half, rounded down: this is less than its corners, and not twice as much.
-class VFIL_API vfILSobelImg : public vfILEdgeThresholdProc {
-public:
-    /// Adds 0x1000D, 0x10049 (type), 0x10029, 0x1002A.
-    vfILStatus Verify() override;
-
+class VFIL_API vfILSobelImg : public vfILEdgeDetectProc {
 protected:
     vfILStatus DoEffect() override;
 
-public:
-    /// \param type As in vfILRobertsImg.
-    void SetType(vfILEdgeDetectType type);
-    vfILEdgeDetectType GetType() const;
-
 private:
-    vfILEdgeDetectType m_type = VFIL_EDGE_MAGNITUDE;
     static const wchar_t* const m_ClassName;
-    const wchar_t* GetClassNameW() const;
+    const wchar_t* GetClassNameW() const override;
 };
 
 /// What a pixel is above its neighbours. The threshold looks at the response as it is, so that dark lines

@@ -193,10 +193,7 @@ vfILConvolveImg::~vfILConvolveImg() = default;
 
 vfILStatus vfILConvolveImg::Verify()
 {
-    if (vfILMonadicSpatialProc::Verify() != VFIL_SUCCESS) return VFIL_FAILURE;
-    if (!PointFormats::Contains(OutputFormat())) {
-        return Fail(0x1000D, "%s ERROR Verify: Invalid image format \n", GetClassNameW());
-    }
+    if (VerifyFrame(GetClassNameW()) != VFIL_SUCCESS) return VFIL_FAILURE;
     if (m_kernel == nullptr) return Fail(0x10021, "%s ERROR Verify: Kernel is NULL\n", GetClassNameW());
     return VFIL_SUCCESS;
 }

@@ -16,13 +16,6 @@ void vfILEdgeProc::Init()
     AllowBands();
 }
 
-vfILStatus vfILEdgeProc::VerifyFrame(const wchar_t* className)
-{
-    if (vfILMonadicSpatialProc::Verify() != VFIL_SUCCESS) return VFIL_FAILURE;
-    if (PointFormats::Contains(OutputFormat())) return VFIL_SUCCESS;
-    return Fail(0x1000D, "%s ERROR Verify: Invalid image format \n", className);
-}
-
 /// The kernels read 3 x 3 samples: a host's own radius must not give them fewer, nor move them.
 vfILStatus vfILEdgeProc::PrepareData()
 {

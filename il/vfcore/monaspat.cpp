@@ -3,6 +3,7 @@
 
 #include "padding.h"
 #include "pixelrun.h"
+#include "rowloop.h"
 #include "saturate.h"
 
 #include "il/rows/levels.h"
@@ -78,6 +79,13 @@ vfILStatus vfILMonadicSpatialProc::Verify()
         return Fail(0x10048, "%s ERROR Verify: Edge padding color is invalid\n", GetClassNameW());
     }
     return VFIL_SUCCESS;
+}
+
+vfILStatus vfILMonadicSpatialProc::VerifyFrame(const wchar_t* className)
+{
+    if (vfILMonadicSpatialProc::Verify() != VFIL_SUCCESS) return VFIL_FAILURE;
+    if (PointFormats::Contains(OutputFormat())) return VFIL_SUCCESS;
+    return Fail(0x1000D, "%s ERROR Verify: Invalid image format \n", className);
 }
 
 bool vfILMonadicSpatialProc::IsRadiusValid() const

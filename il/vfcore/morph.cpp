@@ -20,10 +20,7 @@ const wchar_t* vfILMorphologicalProc::GetClassNameW() const
 
 vfILStatus vfILMorphologicalProc::Verify()
 {
-    if (vfILMonadicSpatialProc::Verify() != VFIL_SUCCESS) return VFIL_FAILURE;
-    if (!PointFormats::Contains(OutputFormat())) {
-        return Fail(0x1000D, "%s ERROR Verify: Invalid image format \n", GetClassNameW());
-    }
+    if (VerifyFrame(GetClassNameW()) != VFIL_SUCCESS) return VFIL_FAILURE;
     const bool known = m_type >= VFIL_STRUCT_RECTANGLE && m_type <= VFIL_STRUCT_CUSTOM;
     if (!known || (m_type == VFIL_STRUCT_CUSTOM && m_element == nullptr)) {
         return Fail(0x1005B, "%s:ERROR in Verify(): Invalid structural type specified\n", GetClassNameW());

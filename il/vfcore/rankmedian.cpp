@@ -24,11 +24,7 @@ const wchar_t* vfILMedianRankImg::GetClassNameW() const
 
 vfILStatus vfILMedianRankImg::Verify()
 {
-    if (vfILMonadicSpatialProc::Verify() != VFIL_SUCCESS) return VFIL_FAILURE;
-    if (!PointFormats::Contains(OutputFormat())) {
-        return Fail(0x1000D, "%s ERROR Verify: Invalid image format \n", GetClassNameW());
-    }
-    return VFIL_SUCCESS;
+    return VerifyFrame(GetClassNameW());
 }
 
 vfILStatus vfILMedianRankImg::DoEffect()

@@ -24,10 +24,7 @@ const wchar_t* vfILSelectiveRankImg::GetClassNameW() const
 
 vfILStatus vfILSelectiveRankImg::Verify()
 {
-    if (vfILMonadicSpatialProc::Verify() != VFIL_SUCCESS) return VFIL_FAILURE;
-    if (!PointFormats::Contains(OutputFormat())) {
-        return Fail(0x1000D, "%s ERROR Verify: Invalid image format \n", GetClassNameW());
-    }
+    if (VerifyFrame(GetClassNameW()) != VFIL_SUCCESS) return VFIL_FAILURE;
     if (!(m_threshold >= 0 && m_threshold <= 1)) {
         return Fail(0x10046, "%s ERROR Verify: Threshold is not in range [0..1]\n", GetClassNameW());
     }

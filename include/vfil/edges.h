@@ -36,8 +36,6 @@ class VFIL_API vfILEdgeProc : public vfILMonadicSpatialProc {
 protected:
     vfILEdgeProc();
     vfILStatus PrepareData() override;
-    /// The frame's checks, then 0x1000D (a format that is neither RGBA nor mono).
-    vfILStatus VerifyFrame(const wchar_t* className);
 
 private:
     void Init();

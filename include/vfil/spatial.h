@@ -48,6 +48,8 @@ public:
     vfILStatus Verify() override;
 
 protected:
+    /// For the Verify of a leaf: that of this class, then 0x1000D (a format that is neither RGBA nor mono).
+    vfILStatus VerifyFrame(const wchar_t* className);
     /// Fails with 0x10001, before anything is written, when the padded copy is too large for the memory.
     vfILStatus PrepareData() override;
     vfILStatus ProcessData() override;

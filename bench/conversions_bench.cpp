@@ -6,20 +6,9 @@
 #include <vfil/fillkey.h>
 #include <vfil/models.h>
 
-#include <cstdio>
-#include <cstdlib>
-
 namespace bench {
 
 namespace {
-
-template <class Processor>
-void Run(Processor& processor)
-{
-    if (processor.Verify() == VFIL_SUCCESS && processor.Execute() == VFIL_SUCCESS) return;
-    std::fprintf(stderr, "a converter refused with %#lx\n", processor.GetLastError().GetErrorCode());
-    std::abort();
-}
 
 template <class Converter, class Tune>
 void AddTuned(const std::string& operation, const GUID& from, const GUID& to, Tune tune)
@@ -29,7 +18,7 @@ void AddTuned(const std::string& operation, const GUID& from, const GUID& to, Tu
         converter.SetInputImg(&frame.In(from));
         converter.SetOutputImg(&frame.Out(to));
         tune(converter);
-        Run(converter);
+        Execute(converter);
     });
 }
 
@@ -45,7 +34,7 @@ void AddFill(const char* operation, const GUID& fill)
         vfILYCCA2YCCYCC splitter;
         splitter.SetInputImg(&frame.In(PXFormat_YCCA422_601));
         splitter.SetOutputImgA(&frame.Out(fill));
-        Run(splitter);
+        Execute(splitter);
     });
 }
 
@@ -57,14 +46,14 @@ void AddFillAndKey()
         vfILYCCA2YCCYCC splitter;
         splitter.SetInputImg(&frame.In(PXFormat_YCCA422_601));
         splitter.SetOutputImgB(&frame.Out(PXFormat_YUV422_601));
-        Run(splitter);
+        Execute(splitter);
     });
     Add(kJoin, kOurs, [](const Frame& frame) {
         vfILYCCYCC2YCCA joiner;
         joiner.SetInputImgA(&frame.In(PXFormat_YUV422_601));
         joiner.SetInputImgB(&frame.In(PXFormat_YCC422_601));
         joiner.SetOutputImg(&frame.Out(PXFormat_YCCA422_601));
-        Run(joiner);
+        Execute(joiner);
     });
 }
 

@@ -4,8 +4,12 @@
 
 #include "host/picture.h"
 
+#include <vfil/error.h>
+
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
+#include <cstdlib>
 #include <functional>
 #include <string>
 #include <vector>
@@ -25,9 +29,14 @@ struct Frame {
     /// A picture to read and one to write in each format that conversions are measured in. Those of RGBA are
     /// back and out.
     std::vector<PicturePtr> inputs, outputs;
+    /// A photograph, opaque, for the filters: in RGBA of 8 and 16 bits and its green as mono, ...
+    std::vector<PicturePtr> photos;
+    /// ... and the planes G, B, R and A of 8 bits, one below the other.
+    PicturePtr photoPlanes;
 
     vfil::host::Picture& In(const GUID& format) const { return Find(inputs, format); }
     vfil::host::Picture& Out(const GUID& format) const { return Find(outputs, format); }
+    vfil::host::Picture& Photo(const GUID& format) const { return Find(photos, format); }
 
 private:
     static vfil::host::Picture& Find(const std::vector<PicturePtr>& pictures, const GUID& format);
@@ -51,8 +60,18 @@ private:
     std::size_t m_next = 0;
 };
 
-/// Adds the benchmark of an operator done by someone: run treats one whole frame.
+/// Adds the benchmark of an operator done by someone: run treats one whole frame, or does one operation whose
+/// name ends in kMicroseconds.
 void Add(const std::string& operation, const std::string& who, std::function<void(const Frame&)> run);
+
+/// Runs one of our processors, and ends the program where it refuses.
+template <class Processor>
+void Execute(Processor& processor)
+{
+    if (processor.Verify() == VFIL_SUCCESS && processor.Execute() == VFIL_SUCCESS) return;
+    std::fprintf(stderr, "a processor refused with %#lx\n", processor.GetLastError().GetErrorCode());
+    std::abort();
+}
 
 // Each source adds its own.
 void AddProcessors();
@@ -66,6 +85,13 @@ void AddOpenCv();
 void AddOpenCvConversions();
 void AddSwscale();
 void AddZimg();
+void AddFilters();
+void AddMatrices();
+void AddYuvFilters();
+void AddOpenCvFilters();
+void AddVips();
+void AddAvFilters();
+void AddEigen();
 
 // How the table names those who are no peers: the processors, and their kernels by themselves.
 inline constexpr char kOurs[] = "vfil";
@@ -102,5 +128,7 @@ inline constexpr char kJoin[] = "join fill and key";
 
 /// The ending of operations that write over the back, as pixman does.
 inline constexpr char kInPlace[] = ", in place";
+/// The ending of operations that are no work on pixels.
+inline constexpr char kMicroseconds[] = ", us";
 
 } // namespace bench

@@ -1,9 +1,12 @@
 /// \file
 /// Runs all benchmarks interleaved in one run, since the speed of a machine drifts, and prints the median
-/// times as a table: ns a pixel of processor time, and ratios to the best peer and to the best limit loop.
-/// Processor time, since others at work on the machine stretch it least; nothing here waits or uses a second
-/// thread.
-#include "frames.h"
+/// times as a table: ns a pixel of processor time, microseconds where the name says so, and ratios to the
+/// best peer and to the best limit loop. It is the time of the whole process: others at work on the machine
+/// stretch that least, nothing here waits, and the peer that hands its work to a thread (libvips) waits for
+/// it.
+#include "filters.h"
+
+#include "host/picturefactory.h"
 
 #include <benchmark/benchmark.h>
 
@@ -11,18 +14,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <map>
-#include <random>
 
 namespace bench {
 
 namespace {
-
-constexpr std::size_t kFrames = 6;
-
-/// The formats of conversions beside RGBA.
-constexpr GUID kConverted[] = {PXFormat_YUV422_601, PXFormat_YUV422_709, PXFormat_YCC422_601,
-                               PXFormat_RGB24,      PXFormat_BGRA32,     PXFormat_YCCA32,
-                               PXFormat_YCCA64,     PXFormat_HLSA32,     PXFormat_YCCA422_601};
 
 double Median(std::vector<double> times)
 {
@@ -35,6 +30,19 @@ bool IsConversion(const std::string& operation)
 {
     return operation.find(" to ") != std::string::npos || operation.starts_with("split") ||
            operation.starts_with("join");
+}
+
+/// Who filters, where in and out are no simple stream: the limits of memory say little.
+bool IsFilter(const std::string& operation)
+{
+    return std::any_of(kLayouts.begin(), kLayouts.end(),
+                       [&](const Layout& layout) { return operation.ends_with(layout.name); });
+}
+
+/// What the nanoseconds of a benchmark are divided by.
+double UnitOf(const std::string& operation)
+{
+    return operation.ends_with(kMicroseconds) ? 1000 : kPixels;
 }
 
 /// A name and its time; the name is empty where nobody has a time.
@@ -53,14 +61,15 @@ public:
             if (run.run_type != Run::RT_Iteration) continue;
             const std::string& name = run.run_name.function_name;
             const std::size_t slash = name.find('/');
-            m_times[name.substr(0, slash)][name.substr(slash + 1)].push_back(run.GetAdjustedCPUTime() /
-                                                                             kPixels);
+            const std::string operation = name.substr(0, slash);
+            m_times[operation][name.substr(slash + 1)].push_back(run.GetAdjustedCPUTime() /
+                                                                 UnitOf(operation));
         }
     }
 
     void Finalize() override
     {
-        std::printf("%-29s %6s  %-10s %6s %6s  %6s %6s\n", "ns a pixel", "vfil", "best peer", "", "ratio",
+        std::printf("%-36s %6s  %-17s %6s %6s  %6s %6s\n", "ns a pixel", "vfil", "best peer", "", "ratio",
                     "limit", "ratio");
         for (const auto& [operation, times] : m_times) {
             if (times.count(kOurs) != 0) PrintOperation(operation);
@@ -102,12 +111,12 @@ private:
     {
         const auto& times = m_times.at(operation);
         const double ours = Median(times.at(kOurs));
-        std::printf("%-29s %6.3f  ", operation.c_str(), ours);
+        std::printf("%-36s %6.3f  ", operation.c_str(), ours);
         const Result peer = Best(operation);
         if (peer.who.empty())
-            std::printf("%-10s %6s %6s  ", "-", "", "");
+            std::printf("%-17s %6s %6s  ", "-", "", "");
         else
-            std::printf("%-10s %6.3f %6.2f  ", peer.who.c_str(), peer.time, ours / peer.time);
+            std::printf("%-17s %6.3f %6.2f  ", peer.who.c_str(), peer.time, ours / peer.time);
         const Result limit = Best(LimitOf(operation));
         if (!limit.who.empty()) std::printf("%6.3f %6.2f", limit.time, ours / limit.time);
         std::printf("\n");
@@ -116,6 +125,7 @@ private:
     static const char* LimitOf(const std::string& operation)
     {
         if (operation == "invert" || operation == "copy" || operation == kSwap) return kLimitOne;
+        if (IsFilter(operation) || operation.ends_with(kMicroseconds)) return "";
         if (IsConversion(operation)) return ""; // bytes in and out differ from those of the loops
         if (operation.ends_with("16 bits")) return kLimitTwo16;
         return operation.ends_with(kInPlace) ? kLimitInPlace : kLimitTwo;
@@ -126,97 +136,62 @@ private:
 
 } // namespace
 
-vfil::host::Picture& Frame::Find(const std::vector<PicturePtr>& pictures, const GUID& format)
-{
-    return **std::find_if(pictures.begin(), pictures.end(),
-                          [&](const PicturePtr& picture) { return picture->Format() == format; });
-}
-
-Frames& Frames::Get()
-{
-    static Frames frames;
-    return frames;
-}
-
-Frames::Frames()
-{
-    std::mt19937 random(1);
-    const auto picture = [&](const GUID& format) {
-        PicturePtr made = vfil::host::Picture::Create(format, kWidth, kHeight);
-        std::generate_n(reinterpret_cast<std::uint32_t*>(made->Pixels()), made->Bytes() / 4,
-                        std::ref(random));
-        return made;
-    };
-    for (std::size_t i = 0; i < kFrames; ++i) {
-        Frame frame{picture(PXFormat_RGBA32),
-                    picture(PXFormat_RGBA32),
-                    picture(PXFormat_RGBA32),
-                    picture(PXFormat_Mono8),
-                    picture(PXFormat_RGBA64),
-                    picture(PXFormat_RGBA64),
-                    picture(PXFormat_RGBA64),
-                    {},
-                    {}};
-        frame.inputs = {frame.back, frame.back16};
-        frame.outputs = {frame.out, frame.out16};
-        for (const GUID& format : kConverted) {
-            frame.inputs.push_back(picture(format));
-            frame.outputs.push_back(picture(format));
-        }
-        m_frames.push_back(frame);
-    }
-}
-
-const Frame& Frames::Next()
-{
-    m_next = (m_next + 1) % m_frames.size();
-    return m_frames[m_next];
-}
-
 void Add(const std::string& operation, const std::string& who, std::function<void(const Frame&)> run)
 {
-    benchmark::RegisterBenchmark((operation + "/" + who).c_str(),
-                                 [run](benchmark::State& state) {
-                                     for (auto turn : state) {
-                                         static_cast<void>(turn);
-                                         run(Frames::Get().Next());
-                                     }
-                                 })
-
-        ->MinTime(0.02)
-        ->Repetitions(11);
+    benchmark::RegisterBenchmark((operation + "/" + who).c_str(), [run](benchmark::State& state) {
+        for (auto turn : state) {
+            static_cast<void>(turn);
+            run(Frames::Get().Next());
+        }
+    })->MeasureProcessCPUTime();
 }
 
 } // namespace bench
 
 int main(int argc, char** argv)
 {
-    char interleave[] = "--benchmark_enable_random_interleaving=true";
+    // The caller's arguments come later and win.
+    char defaults[][48] = {"--benchmark_enable_random_interleaving=true", "--benchmark_repetitions=11",
+                           "--benchmark_min_time=0.02"};
     std::vector<char*> arguments(argv, argv + argc);
-    arguments.insert(arguments.begin() + 1, interleave);
+    arguments.insert(arguments.begin() + 1, std::begin(defaults), std::end(defaults));
     int count = static_cast<int>(arguments.size());
     benchmark::Initialize(&count, arguments.data());
 
+    vfil::host::RegisterPictureClass();
     bench::AddProcessors();
     bench::AddConversions();
     bench::AddRows();
     bench::AddLimits();
+    bench::AddFilters();
+    bench::AddMatrices();
 #if defined(VFIL_PEER_PIXMAN)
     bench::AddPixman();
 #endif
 #if defined(VFIL_PEER_YUV)
     bench::AddYuv();
     bench::AddYuvConversions();
+    bench::AddYuvFilters();
 #endif
 #if defined(VFIL_PEER_OPENCV)
     bench::AddOpenCv();
     bench::AddOpenCvConversions();
+    bench::AddOpenCvFilters();
 #endif
 #if defined(VFIL_PEER_SWSCALE)
     bench::AddSwscale();
 #endif
 #if defined(VFIL_PEER_ZIMG)
     bench::AddZimg();
+#endif
+#if defined(VFIL_PEER_VIPS)
+    bench::AddVips();
+#endif
+#if defined(VFIL_PEER_AVFILTER)
+    bench::AddAvFilters();
+#endif
+#if defined(VFIL_PEER_EIGEN)
+    bench::AddEigen();
 #endif
     bench::Frames::Get();
     bench::Table table;

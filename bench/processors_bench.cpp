@@ -5,9 +5,6 @@
 #include <vfil/composite.h>
 #include <vfil/pixel.h>
 
-#include <cstdio>
-#include <cstdlib>
-
 namespace bench {
 
 namespace {
@@ -22,13 +19,6 @@ constexpr Layers kApart = {&Frame::back, &Frame::front, &Frame::out};
 constexpr Layers kOverBack = {&Frame::back, &Frame::front, &Frame::back};
 constexpr Layers kApart16 = {&Frame::back16, &Frame::front16, &Frame::out16};
 
-void Run(vfILImgProc& processor)
-{
-    if (processor.Verify() == VFIL_SUCCESS && processor.Execute() == VFIL_SUCCESS) return;
-    std::fprintf(stderr, "a processor refused with %#lx\n", processor.GetLastError().GetErrorCode());
-    std::abort();
-}
-
 template <class Processor>
 void RunLayer(const Frame& frame, Layers layers, bool frontPremultiplied, bool backPremultiplied)
 {
@@ -40,7 +30,7 @@ void RunLayer(const Frame& frame, Layers layers, bool frontPremultiplied, bool b
     processor.SetImgAPremultiplied(backPremultiplied);
     processor.SetImgBPremultiplied(frontPremultiplied);
     processor.SetProcessingMode(15);
-    Run(processor);
+    Execute(processor);
 }
 
 template <class Processor>
@@ -67,7 +57,7 @@ void AddMix(const std::string& operation, Layers layers)
         processor.SetInputImgB((frame.*layers.front).Get());
         processor.SetOutputImg((frame.*layers.out).Get());
         processor.SetMask(0, 0, kWidth, kHeight, frame.mask.Get(), PXImageChannel_MONO);
-        Run(processor);
+        Execute(processor);
     });
 }
 
@@ -79,7 +69,7 @@ void AddOneInput(const std::string& operation)
         processor.SetInputImg(frame.back.Get());
         processor.SetOutputImg(frame.out.Get());
         processor.SetProcessingMode(15);
-        Run(processor);
+        Execute(processor);
     });
 }
 

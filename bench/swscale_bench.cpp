@@ -4,7 +4,6 @@
 
 #include <memory>
 
-#if defined(VFIL_PEER_SWSCALE)
 extern "C" {
 #include <libswscale/swscale.h>
 }
@@ -63,4 +62,3 @@ void AddSwscale()
 }
 
 } // namespace bench
-#endif

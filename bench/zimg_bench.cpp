@@ -6,7 +6,6 @@
 #include <cstdlib>
 #include <memory>
 
-#if defined(VFIL_PEER_ZIMG)
 #include <zimg.h>
 
 namespace bench {
@@ -52,4 +51,3 @@ void AddZimg()
 }
 
 } // namespace bench
-#endif

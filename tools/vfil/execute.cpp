@@ -16,6 +16,8 @@ namespace vfil::tool {
 
 namespace {
 
+constexpr unsigned long kMemoryIsShort = 0x10001;
+
 const char* OptionsOfCode(unsigned long code)
 {
     switch (code) {
@@ -53,6 +55,12 @@ const char* OptionsOfCode(unsigned long code)
     }
 }
 
+// More memory was asked for than there is, by a large window.
+bool IsRadiusTooLarge(const catalogue::Entry& entry, unsigned long code)
+{
+    return code == kMemoryIsShort && entry.radiusReach > 0;
+}
+
 // The library's text on one line, with the class for its %s, and where to look.
 std::string ErrorLine(const catalogue::Entry& entry, unsigned long code)
 {
@@ -65,6 +73,7 @@ std::string ErrorLine(const catalogue::Entry& entry, unsigned long code)
     char number[16];
     std::snprintf(number, sizeof number, " (0x%lX)", code);
     line += number;
+    if (IsRadiusTooLarge(entry, code)) return line + "; see --radius";
     for (const catalogue::Parameter& parameter : entry.parameters)
         if (parameter.refusal == code) return line + "; see --" + parameter.name;
     if (const char* options = OptionsOfCode(code)) line += std::string("; see ") + options;
@@ -98,7 +107,9 @@ void Execute(const catalogue::Entry& entry, vfILProcessor& processor)
         throw RequestError(ErrorLine(entry, processor.GetLastError().GetErrorCode()));
     }
     if (processor.Execute() != VFIL_SUCCESS) {
-        throw RunError(ErrorLine(entry, processor.GetLastError().GetErrorCode()));
+        const unsigned long code = processor.GetLastError().GetErrorCode();
+        if (IsRadiusTooLarge(entry, code)) throw RequestError(ErrorLine(entry, code));
+        throw RunError(ErrorLine(entry, code));
     }
     // An interrupted run is a success to the library, with part of the output written.
     StopIfInterrupted();

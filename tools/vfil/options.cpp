@@ -345,7 +345,7 @@ std::string RangeText(const Parameter& parameter)
     case ParameterType::Colour:
         return "components " + range;
     case ParameterType::Table:
-        return "rows of numbers " + range + ", the top one first, such as '1 2 1; 2 4 2; 1 2 1'";
+        return "rows of numbers " + range + ", the top one first, such as '0 1 0; 1 1 1; 0 1 0'";
     case ParameterType::Integer:
         return "whole numbers " + range;
     case ParameterType::Number:

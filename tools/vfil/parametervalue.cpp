@@ -127,11 +127,12 @@ catalogue::Table ParseTable(const Parameter& parameter, const std::string& text)
         if (count == 0) continue;
         if (table.columns == 0) table.columns = count;
         if (table.columns != count)
-            throw RequestError("row '" + row + "' has " + std::to_string(count) + " numbers, the first row " +
-                               std::to_string(table.columns));
+            throw RequestError("row '" + Join(words, " ") + "' has " + std::to_string(count) +
+                               " numbers, the first row " + std::to_string(table.columns));
         for (const std::string& word : words)
             table.numbers.push_back(Entry(parameter, word));
     }
+    if (table.numbers.empty()) throw RequestError("there is no number");
     if (table.columns % 2 == 0 || table.Rows() % 2 == 0)
         throw RequestError(SizeText(table.columns, table.Rows()) +
                            " numbers have none in the middle: it takes an odd count of rows and columns");

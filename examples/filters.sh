@@ -17,6 +17,7 @@ results=()
 number=0
 while read -r line; do
     case $line in '#'* | '') continue ;; esac
+    words=()
     eval "words=($line)"
     number=$((number + 1))
     name=$(printf '%02d-%s' "$number" "${words[0]}")

@@ -59,13 +59,15 @@ host::PicturePtr StepRunner::PrepareInput(std::size_t index, const host::Picture
     return prepared;
 }
 
-// What an opaque back keeps of a front is the front, its colour multiplied by its alpha.
+// What an opaque back keeps of a front is the front, its colour multiplied by its alpha. The back is as high
+// as a band of rows.
 void StepRunner::Multiply(std::size_t index, host::PicturePtr& picture)
 {
     if (IsOpaqueFrame(index)) return;
     const long width = picture->Width();
     const long height = picture->Height();
-    const host::PicturePtr white = m_white.Get(picture->Format(), width, height);
+    constexpr long kBand = 64;
+    const host::PicturePtr white = m_white.Get(picture->Format(), width, std::min(height, kBand));
     std::fill_n(white->Pixels(), white->Bytes(), std::uint8_t{255});
     const host::PicturePtr made = m_inputs[index].multiplied.Get(picture->Format(), width, height);
     const catalogue::Entry& entry = *catalogue::Find("in");
@@ -73,8 +75,14 @@ void StepRunner::Multiply(std::size_t index, host::PicturePtr& picture)
     in->SetInput(0, white.Get());
     in->SetInput(1, picture.Get());
     in->SetOutput(0, made.Get());
-    in->Processor().SetProcessingMode(VFIL_MODE_RGBA);
-    Execute(entry, in->Processor());
+    auto& processor = dynamic_cast<vfILDyadicImgProc&>(in->Processor());
+    processor.SetProcessingMode(VFIL_MODE_RGBA);
+    for (long y = 0; y < height; y += kBand) {
+        processor.SetInputOffset({0, -y});
+        processor.SetROI(vfILBbox2l(0, 0, width, std::min(kBand, height - y)));
+        processor.SetOutputOffset({0, y});
+        Execute(entry, processor);
+    }
     picture = made;
 }
 

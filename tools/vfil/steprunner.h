@@ -47,7 +47,7 @@ private:
     std::vector<Input> m_inputs;
     std::optional<Converter> m_mask;
     std::vector<Buffer> m_outputs;
-    Buffer m_white; ///< an opaque picture, to multiply on
+    Buffer m_white; ///< opaque rows, to multiply on
 };
 
 } // namespace vfil::tool

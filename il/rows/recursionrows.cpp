@@ -2,6 +2,8 @@
 /// The plain forms of the recursive blurs' kernels, and the table of their levels.
 #include "il/rows/recursionrows.h"
 
+#include <algorithm>
+#include <limits>
 #include <type_traits>
 
 namespace vfil {
@@ -58,36 +60,74 @@ struct FastGauss {
     }
 };
 
-template <class Filter, class Value, class Number>
-void PlainRecursion(const RecursionSteps<Value, Number>& steps, const RecursionFactors<Number>& factors)
+template <class Filter, class Input, class Number>
+void PlainGroup(const RecursionSteps<Input, Number>& steps, const RecursionFactors<Wrapping<Number>>& by,
+                std::size_t group)
 {
     using Wide = Wrapping<Number>;
-    const RecursionFactors<Wide> by{static_cast<Wide>(factors.current), static_cast<Wide>(factors.flat),
-                                    static_cast<Wide>(factors.tail), static_cast<Wide>(factors.back)};
-    const auto at = [](auto row, std::size_t step) {
-        return row.first + static_cast<std::ptrdiff_t>(step) * row.step;
+    constexpr std::size_t kGroup = RecursionForm<Number>::kGroup;
+    const auto at = [group](auto row, std::size_t step) {
+        return row.first + static_cast<std::ptrdiff_t>(step) * row.step +
+               static_cast<std::ptrdiff_t>(group) * row.across;
     };
     for (std::size_t step = 0; step < steps.steps; ++step) {
-        const Value* x = at(steps.current, step);
-        const Value* flat = at(steps.flat, step);
-        const Value* tail = at(steps.tail, step);
-        Value* y = at(steps.result, step);
-        for (std::size_t i = 0; i < steps.sequences; ++i) {
-            Number* state = steps.states + i;
-            y[i] = Filter::Next(static_cast<Wide>(x[i]), static_cast<Wide>(flat[i]),
-                                static_cast<Wide>(tail[i]), state, state + steps.sequences, by);
+        const Input* x = at(steps.current, step);
+        const Input* flat = at(steps.flat, step);
+        const Input* tail = at(steps.tail, step);
+        for (std::size_t i = 0; i < kGroup; ++i) {
+            Number* state = steps.states + group * kGroup + i;
+            const auto y = Filter::Next(static_cast<Wide>(x[i]), static_cast<Wide>(flat[i]),
+                                        static_cast<Wide>(tail[i]), state, state + steps.groups * kGroup, by);
+            if (steps.result.first != nullptr) at(steps.result, step)[i] = y;
         }
     }
 }
 
+template <class Filter, class Input, class Number>
+void PlainRecursion(const RecursionSteps<Input, Number>& steps, const RecursionFactors<Number>& factors)
+{
+    using Wide = Wrapping<Number>;
+    const RecursionFactors<Wide> by{static_cast<Wide>(factors.current), static_cast<Wide>(factors.flat),
+                                    static_cast<Wide>(factors.tail), static_cast<Wide>(factors.back)};
+    for (std::size_t group = 0; group < steps.groups; ++group)
+        PlainGroup<Filter>(steps, by, group);
+}
+
+std::uint8_t ToSample(std::int16_t value, std::uint8_t full)
+{
+    return static_cast<std::uint8_t>(std::clamp(value >> 6, 0, int{full}));
+}
+
+template <class Sample>
+Sample ToSample(float value, Sample full)
+{
+    const float limited = std::min(std::max(0.0F, value), static_cast<float>(full));
+    const int whole = static_cast<int>(limited);
+    const int above = limited - static_cast<float>(whole) >= 0.5F ? 1 : 0;
+    return static_cast<Sample>(whole + above);
+}
+
+template <class Value, class Sample>
+void PlainToSamples(const Value* values, Sample* samples, std::size_t count)
+{
+    for (std::size_t i = 0; i < count; ++i)
+        samples[i] = ToSample(values[i], std::numeric_limits<Sample>::max());
+}
+
+template <class Input, class Number>
+constexpr RecursionPair<Input, Number> kPlainPair{PlainRecursion<Exponential, Input, Number>,
+                                                  PlainRecursion<FastGauss, Input, Number>};
+
 const LevelTables<RecursionRows>& Tables()
 {
-    static const LevelTables<RecursionRows> tables({
-        PlainRecursion<Exponential, std::int16_t, std::int32_t>,
-        PlainRecursion<FastGauss, std::int16_t, std::int32_t>,
-        PlainRecursion<Exponential, float, double>,
-        PlainRecursion<FastGauss, float, double>,
-    });
+    static const LevelTables<RecursionRows> tables({kPlainPair<std::int16_t, std::int32_t>,
+                                                    kPlainPair<std::uint8_t, std::int32_t>,
+                                                    kPlainPair<float, double>,
+                                                    kPlainPair<std::uint8_t, double>,
+                                                    kPlainPair<std::uint16_t, double>,
+                                                    {PlainToSamples<std::int16_t, std::uint8_t>},
+                                                    {PlainToSamples<float, std::uint8_t>},
+                                                    {PlainToSamples<float, std::uint16_t>}});
     return tables;
 }
 

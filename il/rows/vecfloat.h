@@ -91,6 +91,30 @@ inline F64 LoadAsDoubles(const float* p)
 #endif
 }
 
+inline F64 LoadAsDoubles(const std::uint8_t* p)
+{
+#if defined(__AVX512BW__)
+    return {_mm512_cvtepi32_pd(_mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p))))};
+#elif defined(__AVX2__)
+    std::int32_t bytes;
+    std::memcpy(&bytes, p, sizeof bytes);
+    return {_mm256_cvtepi32_pd(_mm_cvtepu8_epi32(_mm_cvtsi32_si128(bytes)))};
+#else
+    return {_mm_setr_pd(p[0], p[1])};
+#endif
+}
+
+inline F64 LoadAsDoubles(const std::uint16_t* p)
+{
+#if defined(__AVX512BW__)
+    return {_mm512_cvtepi32_pd(_mm256_cvtepu16_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))))};
+#elif defined(__AVX2__)
+    return {_mm256_cvtepi32_pd(_mm_cvtepu16_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p))))};
+#else
+    return {_mm_setr_pd(p[0], p[1])};
+#endif
+}
+
 /// Rounded to nearest.
 inline void StoreAsFloats(float* p, F64 v)
 {

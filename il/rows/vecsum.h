@@ -8,6 +8,15 @@
 namespace vfil {
 namespace {
 
+/// Asks for bytes that will be loaded soon.
+template <std::size_t bytes>
+inline void FetchAhead(const void* p)
+{
+    constexpr std::size_t kLineBytes = 64;
+    for (std::size_t at = 0; at < bytes; at += kLineBytes)
+        _mm_prefetch(static_cast<const char*>(p) + at, _MM_HINT_T0);
+}
+
 inline U16 LoadSamples(const std::int16_t* p)
 {
     return {Load(reinterpret_cast<const std::uint8_t*>(p)).bits};

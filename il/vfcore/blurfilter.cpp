@@ -39,22 +39,10 @@ RecursionDesign DesignFastGauss(double sigma, long radius)
     return {{scale, first * scale, rest * (first * scale), back}, flat, radius, true, false};
 }
 
-RecursionRow<std::int16_t, std::int32_t> FixedRecursion::Find(bool isFastGauss, bool useVectors)
-{
-    const RecursionRows& rows = FindRecursionRows(useVectors);
-    return isFastGauss ? rows.fastGaussFixed : rows.exponentialFixed;
-}
-
 RecursionFactors<std::int32_t> FixedRecursion::Factors(const RecursionFactors<double>& factors)
 {
     const auto fixed = [](double factor) { return RoundHalfAway(factor * 65536); };
     return {fixed(factors.current), fixed(factors.flat), fixed(factors.tail), fixed(factors.back)};
-}
-
-RecursionRow<float, double> FloatRecursion::Find(bool isFastGauss, bool useVectors)
-{
-    const RecursionRows& rows = FindRecursionRows(useVectors);
-    return isFastGauss ? rows.fastGaussFloat : rows.exponentialFloat;
 }
 
 template <class Form>
@@ -62,27 +50,8 @@ bool vfILBlurRecursiveFilter<Form>::SetUp(const RecursionDesign& design, std::si
                                           bool useVectors)
 {
     m_design = design;
-    m_sequences = sequences;
-    m_row = Form::Find(design.isFastGauss, useVectors);
-    m_factors = Form::Factors(design.factors);
-    if (!m_zeros.Allocate(sequences) || !m_unwanted.Allocate(sequences) || !m_states.Allocate(StateNumbers()))
-        return false;
-    std::fill_n(m_zeros.Data(), sequences, Value{0});
-    return true;
-}
-
-template <class Form>
-void vfILBlurRecursiveFilter<Form>::Start(Number* states) const
-{
-    std::fill_n(states, StateNumbers(), Number{0});
-    if (m_design.isFastGauss) std::fill_n(states, m_sequences, Form::kBoxStart);
-}
-
-template <class Form>
-void vfILBlurRecursiveFilter<Form>::Advance(const Steps& at, Number* states, long steps) const
-{
-    m_row({at.current, at.flat, at.tail, at.result, states, m_sequences, static_cast<std::size_t>(steps)},
-          m_factors);
+    m_pass.SetUp(design, sequences, useVectors);
+    return m_states.Allocate(m_pass.StateNumbers());
 }
 
 /// The history before the first sample is 0, and the results, of which the first are a warm-up, come out in
@@ -90,11 +59,13 @@ void vfILBlurRecursiveFilter<Form>::Advance(const Steps& at, Number* states, lon
 template <class Form>
 void vfILBlurRecursiveFilter<Form>::FilterPass(const Value* values, Value* reversed, long length) const
 {
-    const auto step = static_cast<std::ptrdiff_t>(m_sequences);
+    constexpr auto kAcross = static_cast<std::ptrdiff_t>(Form::kGroup);
+    const auto step = static_cast<std::ptrdiff_t>(m_pass.Sequences());
     const auto from = [&](long begin, long delay) {
-        return begin < delay ? Zeros() : SequenceRow<const Value>{values + (begin - delay) * step, step};
+        return begin < delay ? m_pass.Zeros()
+                             : SequenceRow<const Value>{values + (begin - delay) * step, step, kAcross};
     };
-    Start(m_states.Data());
+    m_pass.Start(m_states.Data());
     const long reach = m_design.reach;
     const long bounds[] = {0, std::min(m_design.flat + 1, reach), reach, reach + 1, length};
     for (int i = 0; i < 4; ++i) {
@@ -102,9 +73,10 @@ void vfILBlurRecursiveFilter<Form>::FilterPass(const Value* values, Value* rever
         const long end = std::min(bounds[i + 1], length);
         if (begin == end) continue;
         const SequenceRow<Value> result =
-            begin < reach ? Unwanted() : SequenceRow<Value>{reversed + (length - 1 - begin) * step, -step};
-        Advance({from(begin, 0), from(begin, m_design.flat + 1), from(begin, reach + 1), result},
-                m_states.Data(), end - begin);
+            begin < reach ? SequenceRow<Value>{}
+                          : SequenceRow<Value>{reversed + (length - 1 - begin) * step, -step, kAcross};
+        m_pass.Advance({from(begin, 0), from(begin, m_design.flat + 1), from(begin, reach + 1), result},
+                       m_states.Data(), end - begin);
     }
 }
 
@@ -114,7 +86,7 @@ void vfILBlurRecursiveFilter<Form>::FilterTwoPass(Value* values, Value* temporar
     if (m_design.isIdentity) return;
     FilterPass(values, temporary, length);
     const long reach = m_design.reach;
-    FilterPass(temporary, values + reach * static_cast<std::ptrdiff_t>(m_sequences), length - reach);
+    FilterPass(temporary, values + reach * static_cast<std::ptrdiff_t>(m_pass.Sequences()), length - reach);
 }
 
 template class vfILBlurRecursiveFilter<FixedRecursion>;

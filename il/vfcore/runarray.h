@@ -36,33 +36,4 @@ private:
     Element* m_first = nullptr;
 };
 
-/// Rows of a longer sequence, each in the place of one that is no longer needed.
-template <class Element>
-class RowRing {
-public:
-    /// False when memory is short.
-    bool Allocate(long rows, std::size_t rowElements)
-    {
-        constexpr std::size_t kMost = std::numeric_limits<std::ptrdiff_t>::max();
-        m_rows = rows;
-        m_rowElements = rowElements;
-        return static_cast<std::size_t>(rows) <= kMost / rowElements &&
-               m_elements.Allocate(static_cast<std::size_t>(rows) * rowElements);
-    }
-    Element* Row(long index) const
-    {
-        return m_elements.Data() + static_cast<std::size_t>(index % m_rows) * m_rowElements;
-    }
-    long Rows() const { return m_rows; }
-    /// Rows from one on that lie one behind the other.
-    long RowsOnwards(long index) const { return m_rows - index % m_rows; }
-    /// Rows from one back that lie one before the other.
-    long RowsBackwards(long index) const { return index % m_rows + 1; }
-
-private:
-    RunArray<Element> m_elements;
-    long m_rows = 0;
-    std::size_t m_rowElements = 0;
-};
-
 } // namespace vfil

@@ -79,6 +79,7 @@ vfILStatus vfILBlurImg::PrepareData()
 {
     FreeKernel();
     if (BuildKernel() != VFIL_SUCCESS) return VFIL_FAILURE;
+    ReadInputItself(IsRecursive());
     return vfILConvolveImg::PrepareData();
 }
 
@@ -187,11 +188,16 @@ vfILStatus vfILBlurImg::SeparateKernel(float* kx, float* ky)
     return VFIL_SUCCESS;
 }
 
+/// The type filters by recursion.
+bool vfILBlurImg::IsRecursive() const
+{
+    return m_type >= VFIL_BLUR_EXPONENTIAL && !IsGauss();
+}
+
 vfILStatus vfILBlurImg::DoEffect()
 {
-    if (m_type == VFIL_BLUR_BOX) return BlurBox();
-    if (m_type == VFIL_BLUR_DISC || IsGauss()) return vfILConvolveImg::DoEffect();
-    return BlurRecursively();
+    if (IsRecursive()) return BlurRecursively();
+    return m_type == VFIL_BLUR_BOX ? BlurBox() : vfILConvolveImg::DoEffect();
 }
 
 void vfILBlurImg::SetType(vfILBlurType type)

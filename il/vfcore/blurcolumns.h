@@ -21,12 +21,11 @@ namespace vfil {
 /// beyond an edge.
 class PaddedInput {
 public:
-    /// \param window   All that the windows cover, in input coordinates.
-    /// \param areHeld  Whether run.windows holds all of it.
+    /// \param window  All that the windows cover, in input coordinates.
     PaddedInput(const vfILWindowRun& run, const ImageView& input, const vfILBbox2l& window,
-                const EdgeRule& edge, bool useVectors, bool areHeld)
+                const EdgeRule& edge, bool useVectors)
         : m_run(run), m_input(input), m_window(window), m_edge(edge), m_useVectors(useVectors),
-          m_areHeld(areHeld)
+          m_areHeld(run.windows.first != nullptr)
     {}
     /// False when memory is short.
     bool Prepare();

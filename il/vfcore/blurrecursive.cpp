@@ -213,30 +213,19 @@ bool Convolve2Pass(const vfILProcessor& processor, const PaddedInput& input, con
 
 } // namespace
 
-/// What a row becomes depends on all rows, by the filter's roundings, so that bands would not do: the first
-/// one makes the whole, and reads for itself what is not in it.
+/// What a row becomes depends on all rows, by the filter's roundings: bands would not do, and the columns are
+/// read where the input has them.
 vfILStatus vfILBlurImg::BlurRecursively()
 {
     const ImageView input(GetInputImg());
-    vfILWindowRun run = Run();
+    const vfILWindowRun& run = Run();
     const vfILBbox2l& effect = run.maskedBox;
-    const bool areHeld = run.processBox == m_effectBox;
     EdgeRule edge{GetEdgeMode(), {}};
     edge.colour.Set(*input.format, GetEdgeColor());
     PaddedInput padded(run, input,
                        {effect.GetOffsetX() - run.radiusX, effect.GetOffsetY() - run.radiusY,
                         effect.GetSizeX() + run.kernelWidth - 1, effect.GetSizeY() + run.kernelHeight - 1},
-                       edge, m_simdAvailable != 0, areHeld);
-    if (!areHeld) {
-        run.processBox = m_effectBox;
-        run.centres = input.Walk(effect.GetOffsetX(), effect.GetOffsetY());
-        const RowSelection selected =
-            SelectField(GetProcessingMode(), m_effectBox.GetOffsetY(), m_effectBox.GetSizeY());
-        run.firstRow = selected.skip;
-        run.rowStep = selected.step;
-        run.rows = selected.count;
-        Run().stopped = true;
-    }
+                       edge, m_simdAvailable != 0);
     if (run.rows == 0) return VFIL_SUCCESS;
 
     const bool isGauss = m_type >= VFIL_BLUR_FAST_GAUSS;

@@ -152,7 +152,8 @@ bool vfILMonadicSpatialProc::PrepareScratch()
 
     const ImageView input(GetInputImg());
     const bool shared = ShareMemory(input, ImageView(GetOutputImg()));
-    const bool unpadded = !shared && Covers(input.Box(), m_windowBox);
+    const bool unread = m_readsInput && !shared;
+    const bool unpadded = unread || (!shared && Covers(input.Box(), m_windowBox));
     const std::int64_t rowBytes = width * input.RowPixelBytes();
     m_bandRows = effect.GetSizeY();
     if (m_bandsAllowed && !shared && !unpadded)
@@ -160,6 +161,11 @@ bool vfILMonadicSpatialProc::PrepareScratch()
     const std::int64_t resultBytes = std::int64_t{effect.GetSizeX()} * input.RowPixelBytes();
     if (!AllocateScratch(rowBytes, unpadded ? 0 : m_bandRows + kernelHeight - 1, resultBytes)) return false;
 
+    if (unread) {
+        m_run.windows = {};
+        m_run.centres = input.Walk(effect.GetOffsetX(), effect.GetOffsetY());
+        return true;
+    }
     if (unpadded) {
         m_run.windows = input.Walk(m_windowBox.GetOffsetX(), m_windowBox.GetOffsetY());
     } else if (m_bandRows == effect.GetSizeY()) {

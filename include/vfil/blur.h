@@ -57,6 +57,7 @@ private:
     bool FillGauss(float* kernel) const;
     bool IsConvolutionFasterThanFastGauss() const;
     bool IsGauss() const;
+    bool IsRecursive() const;
     vfILStatus BlurBox();
     vfILStatus BlurRecursively();
 

@@ -90,6 +90,10 @@ protected:
     /// called several times a run, for one band of rows after the other, so that the padded copy need not
     /// hold the whole picture: that saves memory, and the copy stays in the cache.
     void AllowBands() { m_bandsAllowed = true; }
+    /// For the PrepareData of a leaf, before the frame's: the leaf reads the input for itself in this run. It
+    /// then gets no windows, unless input and output share memory: Run().windows.first is null. DoEffect is
+    /// called once.
+    void ReadInputItself(bool itself) { m_readsInput = itself; }
     /// Whether Verify takes the radius.
     bool IsRadiusValid() const;
     /// The radius without its fraction; saturated, and 0 for NaN.
@@ -117,6 +121,7 @@ private:
     vfILColor m_edgeColor;
     vfILVector2f m_radius;
     bool m_bandsAllowed = false;
+    bool m_readsInput = false; ///< the leaf does
     vfILWindowRun m_run;
     vfILBbox2l m_windowBox; ///< what the windows of the effect box cover, in input coordinates
     long m_bandRows = 0;    ///< effect rows that the scratch holds at a time

@@ -17,7 +17,7 @@
 
 namespace vfil {
 
-/// The padded input's rows, of which the frame may hold only some, without the columns that repeat others
+/// The padded input's rows, whether the frame holds them or not, without the columns that repeat others
 /// beyond an edge.
 class PaddedInput {
 public:

@@ -21,15 +21,52 @@ Out Limit(std::int64_t value)
     return static_cast<Out>(std::clamp<std::int64_t>(value, Limits::min(), Limits::max()));
 }
 
-template <class In, class Out>
-void PlainFixedSum(const In* const* sources, const std::int16_t* weights, std::size_t count, Out* out,
-                   std::size_t samples)
+template <class Out>
+Out WholePart(std::int64_t sum)
+{
+    return Limit<Out>(Limit<std::int16_t>((sum + kHalf) >> 15));
+}
+
+void PlainFixedSum(const std::uint8_t* const* sources, const std::int16_t* weights, std::size_t count,
+                   std::uint8_t* out, std::size_t samples)
 {
     for (std::size_t i = 0; i < samples; ++i) {
-        std::int64_t sum = kHalf;
+        std::int64_t sum = 0;
         for (std::size_t k = 0; k < count; ++k)
             sum += std::int64_t{sources[k][i]} * weights[k];
-        out[i] = Limit<Out>(Limit<std::int16_t>(sum >> 15));
+        out[i] = WholePart<std::uint8_t>(sum);
+    }
+}
+
+void PlainPairs(const std::uint8_t* row, std::uint32_t* pairs, std::size_t samples)
+{
+    for (std::size_t i = 0; i < samples; ++i)
+        pairs[i] = row[i] | (i + 4 < samples ? std::uint32_t{row[i + 4]} << 16 : 0);
+}
+
+void PlainFixedAcross(const std::uint32_t* pairs, const std::int16_t* weights, std::size_t count,
+                      std::int16_t* out, std::size_t samples)
+{
+    for (std::size_t i = 0; i < samples; ++i) {
+        std::int64_t sum = 0;
+        for (std::size_t k = 0; k < count; k += 2) {
+            const std::uint32_t pair = pairs[i + 4 * k];
+            sum += std::int64_t{pair & 0xFFFF} * weights[k] + std::int64_t{pair >> 16} * weights[k + 1];
+        }
+        out[i] = WholePart<std::int16_t>(sum);
+    }
+}
+
+void PlainFixedDown(const std::int16_t* const* sources, const std::int16_t* weights, std::size_t count,
+                    std::uint8_t* out, std::size_t step, std::size_t samples)
+{
+    for (std::size_t row = 0; row < kTileRows; ++row) {
+        for (std::size_t i = 0; i < samples; ++i) {
+            std::int64_t sum = 0;
+            for (std::size_t k = 0; k < count; ++k)
+                sum += std::int64_t{sources[k][i]} * weights[k / 2 * 2 * kTileRows + 2 * row + k % 2];
+            out[row * step + i] = WholePart<std::uint8_t>(sum);
+        }
     }
 }
 
@@ -58,9 +95,10 @@ void PlainFloatSum(const In* const* sources, const float* weights, std::size_t c
 const LevelTables<ConvRows>& Tables()
 {
     static const LevelTables<ConvRows> tables({
-        PlainFixedSum<std::uint8_t, std::uint8_t>,
-        PlainFixedSum<std::uint8_t, std::int16_t>,
-        PlainFixedSum<std::int16_t, std::uint8_t>,
+        PlainFixedSum,
+        PlainPairs,
+        PlainFixedAcross,
+        PlainFixedDown,
         PlainFloatSum<std::uint8_t, std::uint8_t>,
         PlainFloatSum<std::uint8_t, float>,
         PlainFloatSum<float, std::uint8_t>,

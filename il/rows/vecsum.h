@@ -67,20 +67,6 @@ inline S32 InterleaveHigh(U16 a, U16 b)
     return {VFIL_MM(unpackhi_epi16)(a.bits, b.bits)};
 }
 
-/// What Widen made of a vector, in the order of its bytes.
-inline U8Pair OrderWidened(U16Pair v)
-{
-#if defined(__AVX512BW__)
-    return {{_mm512_permutex2var_epi64(v.lo.bits, _mm512_setr_epi64(0, 1, 8, 9, 2, 3, 10, 11), v.hi.bits)},
-            {_mm512_permutex2var_epi64(v.lo.bits, _mm512_setr_epi64(4, 5, 12, 13, 6, 7, 14, 15), v.hi.bits)}};
-#elif defined(__AVX2__)
-    return {{_mm256_permute2x128_si256(v.lo.bits, v.hi.bits, 0x20)},
-            {_mm256_permute2x128_si256(v.lo.bits, v.hi.bits, 0x31)}};
-#else
-    return {{v.lo.bits}, {v.hi.bits}};
-#endif
-}
-
 /// Each lane moved to the place `count` above its own, of at most four; zeros come in.
 template <int count>
 inline S32 MoveLanesUp(S32 v)

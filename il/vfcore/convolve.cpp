@@ -56,11 +56,11 @@ bool AreInFixedRange(const float* weights, long count)
 }
 
 /// The largest magnitude of a sum of bytes by fixed weights, as far as it fits the buffer between the passes.
-std::int64_t FixedMagnitude(const FixedTaps<std::uint8_t>& taps)
+std::int64_t FixedMagnitude(const FixedWeights& weights)
 {
     std::int64_t sum = 0;
-    for (std::size_t k = 0; k < taps.Count(); ++k)
-        sum += std::abs(int{taps.Weights()[k]});
+    for (std::size_t k = 0; k < weights.EvenCount(); ++k)
+        sum += std::abs(int{weights.Data()[k]});
     return std::min<std::int64_t>((255 * sum >> 15) + 1, 32768);
 }
 
@@ -136,17 +136,26 @@ bool SinglePassFloat(const Convolution& by, const float* kernel, float offset)
 
 bool DualPassConvolve_RGBA32_Fixed(const Convolution& by, const float* x, const float* y)
 {
-    TwoPasses<std::uint8_t, std::int16_t, std::int16_t> passes(by.run);
-    if (!passes.SetUp(x, y, 4)) return false;
-    const auto& kx = passes.Across();
-    const auto& ky = passes.Down();
-    const auto sumAcross = FindConvRows(FitFixedSums(kx.Weights(), kx.Count(), 255)).fixedAcross;
-    const auto sumDown = FindConvRows(FitFixedSums(ky.Weights(), ky.Count(), FixedMagnitude(kx))).fixedDown;
-    const auto across = [&](auto* sources, std::int16_t* to, std::size_t samples) {
-        sumAcross(sources, kx.Weights(), kx.Count(), to, samples);
+    using Passes = TwoPasses<std::uint8_t, std::int16_t, kTileRows>;
+    Passes passes(by.run);
+    FixedWeights kx;
+    FixedWeights ky;
+    FixedTile tile;
+    RunArray<std::uint32_t> pairs;
+    if (!kx.SetUp(x, by.run.kernelWidth) || !ky.SetUp(y, by.run.kernelHeight)) return false;
+    const std::size_t reach = 4 * static_cast<std::size_t>(kx.Count() - 1);
+    const std::size_t room = Passes::kPiece + reach;
+    if (!tile.SetUp(ky, by.run.rowStep) || !pairs.Allocate(room) || !passes.SetUp(4)) return false;
+    std::fill_n(pairs.Data(), room, 0U);
+    const ConvRows& rowsAcross = FindConvRows(FitFixedSums(kx.Data(), kx.EvenCount(), 255));
+    const auto sumDown = FindConvRows(FitFixedSums(ky.Data(), ky.EvenCount(), FixedMagnitude(kx))).fixedDown;
+    const auto across = [&](const std::uint8_t* from, std::int16_t* to, std::size_t samples) {
+        rowsAcross.pairs(from + 4 * kx.First(), pairs.Data(), samples + reach);
+        rowsAcross.fixedAcross(pairs.Data(), kx.Data(), kx.EvenCount(), to, samples);
     };
-    const auto down = [&](auto* sources, std::uint8_t* to, std::size_t samples) {
-        sumDown(sources, ky.Weights(), ky.Count(), to, samples);
+    const auto down = [&](auto sums, std::uint8_t* to, std::size_t samples) {
+        const auto source = [&](long k) { return sums(ky.First() + k); };
+        sumDown(tile.Sources(source), tile.Weights(), tile.Count(), to, passes.ResultStep(), samples);
     };
     RunFixedRows(by.processor, by.run, [&](long row, std::uint8_t* results) {
         std::copy_n(passes.Row(row, across, down), by.Samples<Rgba8>(), results);
@@ -158,16 +167,19 @@ template <class Format>
 bool DualPassFloat(const Convolution& by, const float* x, const float* y)
 {
     using Sample = typename Format::Sample;
-    TwoPasses<Sample, float, float> passes(by.run);
-    if (!passes.SetUp(x, y, Format::kChannels)) return false;
-    const auto& kx = passes.Across();
-    const auto& ky = passes.Down();
+    TwoPasses<Sample, float, 1> passes(by.run);
+    FloatTaps<Sample> kx;
+    FloatTaps<float> ky;
+    if (!SetTaps(kx, x, by.run.kernelWidth, Format::kChannels) || !SetTaps(ky, y, by.run.kernelHeight, 1) ||
+        !passes.SetUp(Format::kChannels))
+        return false;
     const auto kernels = FindFloatKernels<Sample>(by.useVectors);
-    const auto across = [&](auto* sources, float* to, std::size_t samples) {
-        kernels.across(sources, kx.Weights(), kx.Count(), 0, to, samples);
+    const auto across = [&](const Sample* from, float* to, std::size_t samples) {
+        kernels.across(kx.Sources([from](std::ptrdiff_t place) { return from + place; }), kx.Weights(),
+                       kx.Count(), 0, to, samples);
     };
-    const auto down = [&](auto* sources, Sample* to, std::size_t samples) {
-        kernels.down(sources, ky.Weights(), ky.Count(), 0, to, samples);
+    const auto down = [&](auto sums, Sample* to, std::size_t samples) {
+        kernels.down(ky.Sources(sums), ky.Weights(), ky.Count(), 0, to, samples);
     };
     RunWindowRows<Format>(by.processor, by.run, [&](long row, Sample* results) {
         std::copy_n(passes.Row(row, across, down), by.Samples<Format>(), results);

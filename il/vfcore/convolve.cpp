@@ -4,6 +4,7 @@
 #include "il/rows/convrows.h"
 
 #include "convolvetaps.h"
+#include "matrixsvd.h"
 
 #include <vfil/convolve.h>
 #include <vfil/matrix.h>
@@ -220,6 +221,7 @@ vfILStatus vfILConvolveImg::CleanData()
 
 vfILStatus vfILConvolveImg::OutOfMemory(const char* text)
 {
+    m_isMemoryShort = true;
     return Fail(0x10001, text, GetClassNameW());
 }
 
@@ -237,7 +239,9 @@ vfILStatus vfILConvolveImg::FindFactors()
 {
     const long width = Run().kernelWidth;
     const long height = Run().kernelHeight;
-    if (width == 1 || height == 1 || IsKernelSeparable() == 0) return VFIL_SUCCESS;
+    if (width == 1 || height == 1) return VFIL_SUCCESS;
+    m_isMemoryShort = false;
+    if (IsKernelSeparable() == 0) return m_isMemoryShort ? VFIL_FAILURE : VFIL_SUCCESS;
     const auto bytes = static_cast<std::size_t>(width + height) * sizeof(float);
     m_factors = reinterpret_cast<float*>(m_factorBuffer.Allocate(bytes));
     if (m_factors == nullptr) return OutOfMemory("%s ERROR DoEffect: insufficient memory space\n");
@@ -291,12 +295,14 @@ vfILMatrix MatrixOf(const float* kernel, const vfILVector2l& radius)
 int vfILConvolveImg::IsKernelSeparable()
 {
     if (m_kernel == nullptr) return 0;
-    const vfILMatrix matrix = MatrixOf(m_kernel, WholeRadius());
-    if (matrix.IsNotValid()) {
+    // As vfILMatrix::IsSeparable, which does not tell a lack of memory from a kernel that has no factors.
+    Svd svd;
+    const SvdOutcome outcome = svd.Decompose(MatrixOf(m_kernel, WholeRadius()));
+    if (outcome == SvdOutcome::kNothing)
         OutOfMemory("%s ERROR IsKernelSeparable: insufficient memory space\n");
-        return 0;
-    }
-    return matrix.IsSeparable() ? 1 : 0;
+    if (outcome != SvdOutcome::kConverged) return 0;
+    const auto counts = [](double value) { return std::fabs(value) >= 1e-6; };
+    return std::count_if(svd.w + 1, svd.w + 1 + svd.cols, counts) == 1 ? 1 : 0;
 }
 
 vfILStatus vfILConvolveImg::SeparateKernel(float* kx, float* ky)
@@ -305,7 +311,11 @@ vfILStatus vfILConvolveImg::SeparateKernel(float* kx, float* ky)
     if (matrix.IsNotValid()) return OutOfMemory("%s ERROR SeparateKernel: insufficient memory space\n");
     vfILMatrix column;
     vfILMatrix row;
-    if (matrix.SeparateIntoTensorProduct(column, row) != VFIL_SUCCESS) return VFIL_FAILURE;
+    if (matrix.SeparateIntoTensorProduct(column, row) != VFIL_SUCCESS) {
+        // Only what is no number cannot be decomposed.
+        const bool isFinite = std::isfinite(matrix.Norm(VFIL_NORM_ROW_SUM));
+        return isFinite ? OutOfMemory("%s ERROR SeparateKernel: insufficient memory space\n") : VFIL_FAILURE;
+    }
     for (long i = 0; i < row.GetNumCols(); ++i)
         kx[i] = static_cast<float>(row(0, i));
     for (long i = 0; i < column.GetNumRows(); ++i)

@@ -58,6 +58,7 @@ private:
     float* m_kernel = nullptr;
     float m_offset = 0;
     vfILRunBuffer m_factorBuffer;
+    bool m_isMemoryShort = false;
     bool m_isPlanned = false;   ///< m_factors is what this run needs
     float* m_factors = nullptr; ///< of a run: the row and the column of a separable kernel, null for another
     static const wchar_t* const m_ClassName;

@@ -4,7 +4,7 @@
 #include "il/vfcore/rankties.h"
 #include "rowcheck.h"
 
-#include <array>
+#include <utility>
 
 using namespace vfil;
 
@@ -46,69 +46,74 @@ std::vector<const Sample*> Pointers(const std::vector<std::vector<Sample>>& rows
     return pointers;
 }
 
+/// Calls check(kernel, plain) with what get(cases) is at each vector level.
+template <class Sample, class Get, class Check>
+void ForEachKernel(Get get, Check check)
+{
+    for (const Level level : VectorLevels()) {
+        SCOPED_TRACE(testing::Message() << "level " << static_cast<int>(level));
+        ASSERT_NE(get(CasesAt<Sample>(level)), get(CasesAt<Sample>(Below(level)))) << "compared with itself";
+        check(get(CasesAt<Sample>(level)), get(CasesAt<Sample>(Level::Plain)));
+    }
+}
+
 TYPED_TEST(RankKernels, ExtremesAreThePlainOnes)
 {
     using Sample = TypeParam;
     std::mt19937 random(1);
-    for (const Level level : VectorLevels())
-        for (const unsigned which : {0U, 1U, 2U, 3U}) {
-            const ExtremeRow<Sample> kernel = CasesAt<Sample>(level).extreme[which / 2][which % 2];
-            const ExtremeRow<Sample> plain = CasesAt<Sample>(Level::Plain).extreme[which / 2][which % 2];
-            ASSERT_NE(kernel, CasesAt<Sample>(Below(level)).extreme[which / 2][which % 2]);
-            for (std::size_t length = 0; length < 300; length += 1 + length / 9)
-                for (const std::size_t count : {1U, 2U, 3U, 5U}) {
-                    auto rows = MakeRows<Sample>(count, length, 250, random);
-                    std::vector<Sample> expected(length);
-                    plain(Pointers(rows).data(), count, expected.data(), length);
-                    // The result goes where the last row was.
-                    kernel(Pointers(rows).data(), count, rows.back().data(), length);
-                    ASSERT_EQ(rows.back(), expected) << length << " samples of " << count << " rows";
-                }
-        }
+    const auto check = [&](ExtremeRow<Sample> kernel, ExtremeRow<Sample> plain) {
+        for (std::size_t length = 0; length < 300; length += 1 + length / 9)
+            for (const std::size_t count : {1U, 2U, 3U, 5U}) {
+                auto rows = MakeRows<Sample>(count, length, 250, random);
+                std::vector<Sample> expected(length);
+                plain(Pointers(rows).data(), count, expected.data(), length);
+                // The result goes where the last row was.
+                kernel(Pointers(rows).data(), count, rows.back().data(), length);
+                ASSERT_EQ(rows.back(), expected) << length << " samples of " << count << " rows";
+            }
+    };
+    for (const unsigned which : {0U, 1U, 2U, 3U})
+        ForEachKernel<Sample>([which](auto& cases) { return cases.extreme[which / 2][which % 2]; }, check);
 }
 
 TYPED_TEST(RankKernels, WindowsAreThePlainOnes)
 {
     using Sample = TypeParam;
     std::mt19937 random(5);
-    for (const Level level : VectorLevels())
-        for (const bool largest : {false, true})
-            for (std::size_t height = kWindowsAtOnce; height < 12; height += 3)
-                for (std::size_t length = 0; length < 300; length += 1 + length / 9) {
-                    const auto rows = MakeRows<Sample>(height + kWindowsAtOnce - 1, length, 250, random);
-                    const auto windowsOf = [&](Level at) {
-                        std::array<std::vector<Sample>, kWindowsAtOnce> windows;
-                        std::array<Sample*, kWindowsAtOnce> outs{};
-                        for (std::size_t i = 0; i < kWindowsAtOnce; ++i) {
-                            windows[i].resize(length);
-                            outs[i] = windows[i].data();
-                        }
-                        const ExtremeWindows<Sample> kernel = CasesAt<Sample>(at).windows[largest];
-                        kernel(Pointers(rows).data(), height, outs.data(), length);
-                        return windows;
-                    };
-                    ASSERT_NE(CasesAt<Sample>(level).windows[0], CasesAt<Sample>(Below(level)).windows[0]);
-                    ASSERT_EQ(windowsOf(level), windowsOf(Level::Plain)) << length << " of " << height;
-                }
+    const auto check = [&](ExtremeWindows<Sample> kernel, ExtremeWindows<Sample> plain) {
+        for (std::size_t height = kWindowsAtOnce; height < 12; height += 3)
+            for (std::size_t length = 0; length < 300; length += 1 + length / 9) {
+                const auto rows = MakeRows<Sample>(height + kWindowsAtOnce - 1, length, 250, random);
+                const auto windowsOf = [&](ExtremeWindows<Sample> run) {
+                    std::vector<std::vector<Sample>> windows(kWindowsAtOnce, std::vector<Sample>(length));
+                    Sample* outs[kWindowsAtOnce];
+                    std::ranges::transform(windows, outs, [](auto& window) { return window.data(); });
+                    run(Pointers(rows).data(), height, outs, length);
+                    return windows;
+                };
+                ASSERT_EQ(windowsOf(kernel), windowsOf(plain)) << length << " of " << height;
+            }
+    };
+    for (const bool largest : {false, true})
+        ForEachKernel<Sample>([largest](auto& cases) { return cases.windows[largest]; }, check);
 }
 
 TYPED_TEST(RankKernels, MiddlesAreThePlainOnes)
 {
     using Sample = TypeParam;
     std::mt19937 random(2);
-    for (const Level level : VectorLevels()) {
-        const MiddleRow<Sample> kernel = CasesAt<Sample>(level).middle;
-        ASSERT_NE(kernel, CasesAt<Sample>(Below(level)).middle);
+    const auto check = [&](MiddleRow<Sample> kernel, MiddleRow<Sample> plain) {
         for (std::size_t count = 1; count <= kMostMiddleRows; count += 1 + count / 12)
             for (const unsigned values : {2U, 7U, 250U}) {
                 const std::size_t length = random() % (count < 30 ? 150 : 20);
                 const auto rows = MakeRows<Sample>(count, length, values, random);
                 std::vector<Sample> chosen(length), expected(length);
                 kernel(Pointers(rows).data(), count, chosen.data(), length);
-                CasesAt<Sample>(Level::Plain).middle(Pointers(rows).data(), count, expected.data(), length);
+                plain(Pointers(rows).data(), count, expected.data(), length);
                 ASSERT_EQ(chosen, expected) << count << " rows of " << values << " values";
             }
-    }
+    };
+    ForEachKernel<Sample>([](auto& cases) { return cases.middle; }, check);
 }
 
 // What follows the exchanges without making them ends where they do.
@@ -137,33 +142,29 @@ TYPED_TEST(RankKernels, PlacesAmongEqualKeys)
 
 TEST(RankKernels, PicksAreThePlainOnes)
 {
+    using Words = std::vector<std::uint32_t>;
     std::mt19937 random(4);
     for (const Level level : VectorLevels()) {
-        const PickRow kernel = RankRowsAt(level).pick;
-        ASSERT_NE(kernel, RankRowsAt(Below(level)).pick);
+        ASSERT_NE(RankRowsAt(level).pick, RankRowsAt(Below(level)).pick);
         for (std::size_t words = 0; words < 200; words += 1 + words / 9)
             for (const std::size_t count : {1U, 2U, 5U}) {
-                std::vector<std::vector<std::uint32_t>> keys(count), pixels(count);
+                std::vector<Words> keys(count, Words(words)), pixels(keys);
                 std::vector<KeyedPixels> rows;
                 for (std::size_t row = 0; row < count; ++row) {
-                    for (std::size_t i = 0; i < words; ++i) {
-                        keys[row].push_back(
-                            static_cast<std::uint32_t>(random() % 4 * 0x2AAAAAAA % 0x7FFFFFFF));
-                        pixels[row].push_back(static_cast<std::uint32_t>(random()));
-                    }
+                    for (std::uint32_t& key : keys[row])
+                        key = static_cast<std::uint32_t>(random() % 4 * 0x2AAAAAAA % 0x7FFFFFFF);
+                    for (std::uint32_t& pixel : pixels[row])
+                        pixel = static_cast<std::uint32_t>(random());
                     rows.push_back(
                         {keys[row].data(), reinterpret_cast<const std::uint8_t*>(pixels[row].data())});
                 }
-                const auto resultsOf = [&](PickRow pick) {
-                    std::array<std::vector<std::uint32_t>, 2> out;
-                    for (auto& each : out)
-                        each.resize(words);
-                    pick(rows.data(), count, out[0].data(), reinterpret_cast<std::uint8_t*>(out[1].data()),
-                         words);
+                const auto resultsOf = [&](Level at) {
+                    std::pair<Words, Words> out{keys[0], keys[0]};
+                    RankRowsAt(at).pick(rows.data(), count, out.first.data(),
+                                        reinterpret_cast<std::uint8_t*>(out.second.data()), words);
                     return out;
                 };
-                ASSERT_EQ(resultsOf(kernel), resultsOf(RankRowsAt(Level::Plain).pick))
-                    << words << ' ' << count;
+                ASSERT_EQ(resultsOf(level), resultsOf(Level::Plain)) << words << ' ' << count;
             }
     }
 }
@@ -189,12 +190,6 @@ TEST(RankKernels, KeysOfEveryColour)
             ASSERT_TRUE(std::equal(few.begin(), few.begin() + static_cast<long>(count), expected.begin()));
         }
     }
-    std::uint16_t key = 0;
-    const std::array<std::uint16_t, 4> white{65535, 65535, 65535, 0}, mixed{1000, 3, 60000, 9};
-    RankRowsAt(Level::Plain).cases16.key(white.data(), &key, 1);
-    EXPECT_EQ(key, 65535);
-    RankRowsAt(Level::Plain).cases16.key(mixed.data(), &key, 1);
-    EXPECT_EQ(key, 7104); // 689171 / 97
 }
 
 } // namespace

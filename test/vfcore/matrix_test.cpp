@@ -1,3 +1,5 @@
+#include "support/allocations.h"
+
 #include <vfil/matrix.h>
 
 #include <gtest/gtest.h>
@@ -5,19 +7,12 @@
 #include <algorithm>
 #include <climits>
 #include <cmath>
-#include <limits>
-#include <new>
 #include <random>
 #include <vector>
 
 namespace {
 
 using Matrix = vfILMatrix;
-
-/// So many allocations of arrays succeed; then all fail.
-long g_allocations = LONG_MAX;
-
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 Matrix Random(std::mt19937& random, long rows, long cols, double scale = 1)
 {
@@ -60,16 +55,6 @@ struct Shape {
 constexpr Shape kShapes[] = {{1, 1}, {1, 5}, {5, 1}, {2, 2},   {3, 3},
                              {4, 7}, {7, 4}, {9, 9}, {30, 12}, {12, 30}};
 
-} // namespace
-
-// The form by which matrices allocate. What it gives comes from the common one, as operator delete expects.
-void* operator new[](std::size_t bytes, const std::nothrow_t&) noexcept
-{
-    return g_allocations-- <= 0 ? nullptr : operator new[](bytes);
-}
-
-namespace {
-
 TEST(Matrix, SizesAndCopies)
 {
     const double values[] = {1, 2, 3, 4, 5, 6};
@@ -86,7 +71,9 @@ TEST(Matrix, SizesAndCopies)
     EXPECT_FALSE(copy == Matrix(3, 2));
     for (const Shape s : {Shape{0, 3}, {3, 0}, {-1, 2}, {2, LONG_MIN}, {1L << 32, 1}, {1, LONG_MAX}}) {
         m = copy;
+        vfil::test::g_allocations = {};
         m.SetSize(s.rows, s.cols);
+        EXPECT_EQ(vfil::test::g_allocations.count, 0) << "nothing of that size is asked for";
         EXPECT_TRUE(m.IsNotValid() && m.GetNumRows() + m.GetNumCols() == 0 && m.GetElemsPtr() == nullptr);
     }
 }
@@ -168,23 +155,36 @@ TEST(Matrix, SvdIsTheSameToTheLastBit)
     EXPECT_EQ(w(2, 2), 0x1.42b290f43836ap+3);
 }
 
-TEST(Matrix, PseudoInverseByItsFourConditions)
+/// By the four conditions that make it the only one.
+void ExpectPseudoInverse(const Matrix& a, const Matrix& p, double tolerance)
+{
+    EXPECT_LE(Distance(a * p * a, a), tolerance);
+    EXPECT_LE(Distance(p * a * p, p), tolerance);
+    EXPECT_LE(Distance((a * p).Transpose(), a * p), tolerance);
+    EXPECT_LE(Distance((p * a).Transpose(), p * a), tolerance);
+}
+
+TEST(Matrix, PseudoInverses)
 {
     std::mt19937 random(3);
+    vfILMatrixCondition condition{};
     for (const Shape& s : kShapes)
         for (const long rank : {1L, 2L, 99L}) {
             const long inner = std::min({rank, s.rows, s.cols});
             const Matrix a = Random(random, s.rows, inner) * Random(random, inner, s.cols);
-            vfILMatrixCondition condition{};
             const Matrix p = a.PseudoInverse(condition);
-            const double tolerance = 1e-12 * (1 + std::pow(p.Norm(VFIL_NORM_FROBENIUS), 2));
-            EXPECT_LE(Distance(a * p * a, a), tolerance);
-            EXPECT_LE(Distance(p * a * p, p), tolerance);
-            EXPECT_LE(Distance((a * p).Transpose(), a * p), tolerance);
-            EXPECT_LE(Distance((p * a).Transpose(), p * a), tolerance);
+            ExpectPseudoInverse(a, p, 1e-12 * (1 + std::pow(p.Norm(VFIL_NORM_FROBENIUS), 2)));
             EXPECT_EQ(condition == VFIL_CONDITION_WELL, inner == s.cols);
             EXPECT_EQ(a.EffectiveRank(1e-9), inner);
         }
+    // Remainders of rounding that have no finite reciprocal must not reach the inverse.
+    Matrix checkered(31, 31), flat(44, 44);
+    for (long i = 0; i < 31 * 31; ++i)
+        checkered(i / 31, i % 31) = static_cast<double>((i / 31 / 3 + i % 31 / 5) % 2);
+    flat.SetToConstant(1);
+    for (const Matrix& m : {checkered, flat, Of(2, 2, {1, 0, 0, 1e-310}), Of(1, 2, {1, 1e-310}),
+                            Of(3, 3, {1, 1e-310, 1e-310, 0, 1, 0, 0, 0, 1})})
+        ExpectPseudoInverse(m, m.PseudoInverse(condition), 1e-11);
 }
 
 TEST(Matrix, ConditionsOfInverses)
@@ -197,11 +197,9 @@ TEST(Matrix, ConditionsOfInverses)
         long rank;
     };
     const Case cases[] = {
-        {{4, 0, 0, -2}, VFIL_CONDITION_WELL, {0.25, 0, 0, -0.5}, 2, 2},
         {{1, 2, 3, 4}, VFIL_CONDITION_WELL, {-2, 1, 1.5, -0.5}, 14.933034373659268, 2},
         {{1, 2, 2, 4}, VFIL_CONDITION_NEAR_SINGULAR, {0.04, 0.08, 0.08, 0.16}, 1, 2},
         {{1, 0, 0, 9e-7}, VFIL_CONDITION_NEAR_SINGULAR, {1, 0, 0, 0}, 1, 2},
-        {{1, 1, 1, 1}, VFIL_CONDITION_SINGULAR, {0.25, 0.25, 0.25, 0.25}, HUGE_VAL, 1},
         {{1, 2, 0, 0}, VFIL_CONDITION_SINGULAR, {0.2, 0, 0.4, 0}, HUGE_VAL, 1},
         {{0, 0, 0, 0}, VFIL_CONDITION_SINGULAR, {0, 0, 0, 0}, HUGE_VAL, 0},
         {{1, 0, 0, 0, 1e-7, 0, 0, 0, 0}, VFIL_CONDITION_SINGULAR, {1, 0, 0, 0, 0, 0, 0, 0, 0}, HUGE_VAL, 2},
@@ -226,24 +224,6 @@ TEST(Matrix, ConditionsOfInverses)
     EXPECT_EQ(condition, VFIL_CONDITION_WELL);
 }
 
-// Remainders of rounding that have no finite reciprocal must not reach the inverse.
-TEST(Matrix, FiniteMatricesHaveFiniteInverses)
-{
-    Matrix checkered(31, 31);
-    for (long i = 0; i < 31; ++i)
-        for (long j = 0; j < 31; ++j)
-            checkered(i, j) = static_cast<double>((i / 3 + j / 5) % 2);
-    Matrix flat(44, 44);
-    flat.SetToConstant(1);
-    vfILMatrixCondition condition{};
-    for (const Matrix& m : {checkered, flat, Of(2, 2, {1, 0, 0, 1e-310}), Of(1, 2, {1, 1e-310}),
-                            Of(3, 3, {1, 1e-310, 1e-310, 0, 1, 0, 0, 0, 1})}) {
-        const Matrix inverse = m.PseudoInverse(condition);
-        EXPECT_LT(Distance(m * inverse * m, m), 1e-11);
-        EXPECT_LT(Distance(inverse * m * inverse, inverse), 1e-11);
-    }
-}
-
 TEST(Matrix, SolvesSystems)
 {
     const auto norm = VFIL_NORM_ROW_SUM;
@@ -255,10 +235,9 @@ TEST(Matrix, SolvesSystems)
     EXPECT_DOUBLE_EQ(number, 21);
     // The line through (0, 1), (1, 3), (2, 4), (3, 4), by the sums of the normal equations.
     const Matrix line = Of(4, 2, {1, 0, 1, 1, 1, 2, 1, 3}), heights = Of(4, 1, {1, 3, 4, 4});
-    EXPECT_LE(Distance(line.SolveSystem(heights, condition, true, norm, nullptr), Of(2, 1, {1.5, 1})), 1e-14);
+    EXPECT_LE(Distance(line.SolveSystem(heights, condition, false, norm, &number), Of(2, 1, {1.5, 1})),
+              1e-14);
     EXPECT_EQ(condition, VFIL_CONDITION_WELL);
-    const Matrix shortest = Of(1, 2, {3, 4}).SolveSystem(Of(1, 1, {50}), condition, false, norm, &number);
-    EXPECT_LE(Distance(shortest, Of(2, 1, {6, 8})), 1e-14);
     EXPECT_DOUBLE_EQ(number, 21) << "nobody asked";
 }
 
@@ -271,8 +250,7 @@ TEST(Matrix, Separates)
     EXPECT_LE(Distance(column * row, kernel), 1e-14);
     EXPECT_NEAR(column.Norm(VFIL_NORM_FROBENIUS), row.Norm(VFIL_NORM_FROBENIUS), 1e-14);
     kernel(1, 1) += 1e-3;
-    EXPECT_FALSE(kernel.IsSeparable());
-    EXPECT_FALSE(Matrix(3, 3).IsSeparable());
+    EXPECT_FALSE(kernel.IsSeparable() || Matrix(3, 3).IsSeparable());
     ASSERT_EQ(Of(3, 3, {2, 0, 0, 0, 5, 0, 0, 0, 3}).SeparateIntoTensorProduct(column, row), VFIL_SUCCESS);
     EXPECT_LE(Distance(column * row, Of(3, 3, {0, 0, 0, 0, 5, 0, 0, 0, 0})), 1e-14)
         << "the largest value's part";
@@ -301,7 +279,7 @@ TEST(Matrix, Eigenproblem)
 TEST(Matrix, NaNEndsTheIterations)
 {
     Matrix u(1, 1), w, v, values, vectors;
-    const Matrix a = Of(3, 3, {1, 2, kNaN, 2, 1, 5, 6, 7, 8});
+    const Matrix a = Of(3, 3, {1, 2, double{NAN}, 2, 1, 5, 6, 7, 8});
     EXPECT_EQ(a.ThinSVD(u, w, v), VFIL_FAILURE);
     EXPECT_EQ(a.SymmetricEigensolve(values, vectors), VFIL_FAILURE);
     EXPECT_TRUE(u.GetNumRows() == 1 && w.IsNotValid() && values.IsNotValid()) << "the results as they were";
@@ -319,7 +297,6 @@ struct Probe : Matrix {
 TEST(Matrix, BuildingBlocks)
 {
     EXPECT_DOUBLE_EQ(Probe::Pythagoras(-3e200, 4e200), 5e200);
-    EXPECT_EQ(Probe::Pythagoras(0, -0.0), 0);
     EXPECT_TRUE(Probe::Sign(-3, -0.0) == 3 && Probe::Sign(3, -1) == -3);
     double a1[] = {0, 3}, a2[] = {0, 4}, v1[] = {0, 0}, w[] = {0, 0};
     double *a[] = {nullptr, a1, a2}, *v[] = {nullptr, v1};
@@ -352,9 +329,9 @@ TEST(Matrix, ShortMemory)
     const Matrix solution = solve();
     for (long count = 0; count < 60; ++count) {
         const auto limited = [count](auto action) {
-            g_allocations = count;
+            vfil::test::g_allocations.granted = count;
             auto result = action();
-            g_allocations = LONG_MAX;
+            vfil::test::g_allocations = {};
             return result;
         };
         EXPECT_EQ(limited([&] { return Matrix(a); }).IsValid(), count >= 4);

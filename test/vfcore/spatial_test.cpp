@@ -1,4 +1,5 @@
-#include "support/spatialmodel.h"
+#include "support/allocations.h"
+#include "support/filterscene.h"
 
 #include "il/vfcore/windowloop.h"
 
@@ -6,30 +7,8 @@
 
 #include <cmath>
 #include <limits>
-#include <memory>
-#include <new>
 
 using namespace vfil::test;
-
-namespace {
-
-/// What runs allocate. Buffers of `failFrom` bytes and more can't be had.
-struct Allocations {
-    std::size_t failFrom = std::size_t{1} << 30;
-    int count = 0;
-    std::size_t largest = 0;
-} g_allocations;
-
-} // namespace
-
-// The form by which runs allocate. What it gives comes from the common one, as operator delete expects.
-void* operator new[](std::size_t bytes, const std::nothrow_t&) noexcept
-{
-    if (bytes >= g_allocations.failFrom) return nullptr;
-    ++g_allocations.count;
-    g_allocations.largest = std::max(g_allocations.largest, bytes);
-    return operator new[](bytes);
-}
 
 namespace {
 
@@ -55,8 +34,7 @@ public:
     ProbeRule rule;
     int effects = 0; ///< calls of DoEffect
 
-    Probe() = default;
-    Probe(IPXImage* input, IPXImage* output)
+    explicit Probe(IPXImage* input = nullptr, IPXImage* output = nullptr)
     {
         SetInputImg(input);
         SetOutputImg(output);
@@ -108,126 +86,42 @@ private:
     }
 };
 
-const GUID& FormatOfSamples(int sampleBytes, bool mono)
-{
-    if (sampleBytes == 1) return mono ? PXFormat_Mono8 : PXFormat_RGBA32;
-    return mono ? PXFormat_Mono16 : PXFormat_RGBA64;
-}
-
 /// One run on random pictures, regions, masks and radii.
-struct Scene {
-    explicit Scene(unsigned seed);
-    void PlaceRegions();
-    void PlaceMask();
-    void Check();
-
-    std::mt19937 random;
-    const FormatCase& format;
-    const bool tall; ///< rows long enough, by the radius, and enough of them for bands
-    GuardedImage input, separateOutput;
-    GuardedImage* output = &separateOutput;
-    std::unique_ptr<GuardedImage> mask;
-    SpatialCase run;
-    Probe probe;
-};
-
-Scene::Scene(unsigned seed)
-    : random(seed), format(FormatOf(FormatOfSamples(1 + random() % 2, random() % 2))),
-      tall(random() % 8 == 0), input(format.id), separateOutput(format.id)
+void CheckRun(unsigned seed)
 {
-    for (GuardedImage* image : {&input, &separateOutput}) {
-        image->SetDimensions(RandomIn(random, image == &separateOutput, tall ? 3 : 9),
-                             tall ? RandomIn(random, 30, 60) : RandomIn(random, 1, 8));
-        image->Randomise(random);
-    }
-    if (random() % 3 == 0 && input.Width() > 0) output = &input;
-    run.edgeMode = static_cast<vfILEdgeMode>(RandomIn(random, 1, 4));
-    run.radiusX = tall ? RandomIn(random, 18000, 20000) : RandomIn(random, 0, random() % 4 ? 3 : 25);
-    run.radiusY = RandomIn(random, 0, tall || random() % 4 ? 2 : 20);
-    const int part = format.Full() / 5;
-    const bool mono = format.channels == 1;
-    run.regions.defaultPixel = mono ? Pixel{part * 5} : Pixel{part * 5, 0, part, part * 3};
-    run.edgePixel = mono ? Pixel{part} : Pixel{part, part * 5, 0, part * 4};
-    run.regions.mode = random() % 3 ? random() % 16 : VFIL_MODE_RGBA;
-    if (random() % 2) run.regions.mode |= (random() % 4) * VFIL_MODE_ODD_ROWS;
-    const long width = 2 * run.radiusX + 1, height = 2 * run.radiusY + 1;
+    std::mt19937 random(seed);
+    const bool tall = random() % 8 == 0; // rows long enough, by the radius, and enough of them for bands
+    const long rx = tall ? RandomIn(random, 18000, 20000) : RandomIn(random, 0, random() % 4 ? 3 : 25);
+    const long ry = RandomIn(random, 0, tall || random() % 4 ? 2 : 20);
+    FilterScene scene(random, *kFilterFormats[random() % 4], RandomIn(random, 0, tall ? 3 : 9),
+                      tall ? RandomIn(random, 30, 60) : RandomIn(random, 1, 8));
+    const long width = 2 * rx + 1, height = 2 * ry + 1;
+    Probe probe;
     probe.rule = {RandomIn(random, 0, width - 1), RandomIn(random, 0, height - 1)};
     if (width * height < 100 && random() % 2) probe.rule = {0, 0, width, height};
     probe.Arrange(random() % 2, random() % 2);
-    probe.SetInputImg(&input);
-    probe.SetOutputImg(output);
-    probe.SetDefaultColor(vfILColor(1.0, 0.0, 0.2, 0.6));
-    probe.SetRadius(static_cast<float>(run.radiusX), static_cast<float>(run.radiusY) + 0.875F);
-    probe.SetEdgeMode(run.edgeMode);
-    probe.SetEdgeColor(vfILColor(0.2, 1.0, 0.0, 0.8));
-    PlaceRegions();
-    PlaceMask();
-}
-
-void Scene::PlaceRegions()
-{
-    FrameCase& at = run.regions;
-    const bool whole = random() % 3 == 0;
-    long size[2] = {output->Width(), output->Height()};
-    long target[2], offset[2];
-    for (int axis : {0, 1}) {
-        const long space = whole ? 0 : RandomIn(random, 0, size[axis] - 1);
-        size[axis] -= space;
-        target[axis] = random() % 4 ? RandomIn(random, 0, space) : 0;
-        offset[axis] = random() % 3 ? RandomIn(random, -3, 5) : target[axis];
-    }
-    at.roi = vfILBbox2l(offset[0], offset[1], size[0], size[1]);
-    at.outputOffset = vfILVector2l(target[0], target[1]);
-    probe.SetROI(at.roi);
-    probe.SetOutputOffset(at.outputOffset);
-}
-
-/// None, a box, or a box with a mono or a four-channel picture.
-void Scene::PlaceMask()
-{
-    const auto choice = random() % 4;
-    FrameCase& at = run.regions;
-    PXImageChannel channel = PXImageChannel_MONO;
-    if (choice > 0)
-        at.maskBox = vfILBbox2l(RandomIn(random, -2, 3), RandomIn(random, -2, 3), RandomIn(random, 1, 12),
-                                RandomIn(random, 1, tall ? 60 : 9));
-    if (choice > 1) {
-        const bool mono = random() % 2;
-        mask = std::make_unique<GuardedImage>(FormatOfSamples(format.sampleBytes, mono),
-                                              at.maskBox.GetSizeX(), at.maskBox.GetSizeY());
-        mask->Randomise(random);
-        at.mask = mask.get();
-        at.maskChannel = mono ? 0 : random() % 4;
-        if (!mono) channel = static_cast<PXImageChannel>(1 << at.maskChannel);
-    }
-    probe.SetMask(at.maskBox, mask.get(), channel);
-}
-
-void Scene::Check()
-{
+    scene.Arrange(probe);
+    probe.SetRadius(static_cast<float>(rx), static_cast<float>(ry) + 0.875F);
     Probe copy(probe); // has all but the mode
-    copy.SetProcessingMode(run.regions.mode);
-    ASSERT_EQ(copy.Verify(), VFIL_SUCCESS) << std::hex << copy.GetLastError().GetErrorCode();
-    const Snapshot expected = ModelSpatialRun(run, input, *output, [&](const WindowSample& sample) {
-        return probe.rule.Of(sample, format.Full());
-    });
-    const std::vector<std::uint8_t> before = input.Bytes();
+    copy.SetProcessingMode(scene.regions.mode);
+    const Snapshot expected = scene.Expected(
+        rx, ry, [&](const WindowSample& at) { return probe.rule.Of(at, scene.format.Full()); });
+    const std::vector<std::uint8_t> before = scene.input.Bytes();
     g_allocations = {};
-    ASSERT_EQ(copy.Execute(), VFIL_SUCCESS);
-    ASSERT_EQ(Difference(expected, *output), "");
-    ASSERT_TRUE(output == &input || input.Bytes() == before) << "the input was written";
-    const vfILBbox2l& roi = run.regions.roi;
-    const long most =
-        (roi.GetSizeX() + 2 * run.radiusX) * (roi.GetSizeY() + 2 * run.radiusY) + roi.GetSizeX();
-    ASSERT_LE(g_allocations.largest, static_cast<std::size_t>(most * format.pixelBytes));
-    ASSERT_LE(g_allocations.count, output == &input && !(copy.Boxes()[0] == copy.Boxes()[2]) ? 2 : 1);
+    scene.Check(copy, expected);
+    ASSERT_TRUE(scene.output == &scene.input || scene.input.Bytes() == before) << "the input was written";
+    const vfILBbox2l& roi = scene.regions.roi;
+    const long most = (roi.GetSizeX() + 2 * rx) * (roi.GetSizeY() + 2 * ry) + roi.GetSizeX();
+    ASSERT_LE(g_allocations.largest, static_cast<std::size_t>(most * scene.format.pixelBytes));
+    const bool shown = scene.output == &scene.input && !(copy.Boxes()[0] == copy.Boxes()[2]);
+    ASSERT_LE(g_allocations.count, shown ? 2 : 1);
 }
 
 TEST(Spatial, FollowsTheWindowsAndTheModel)
 {
     for (unsigned seed = 0; seed < 6000 && !HasFatalFailure(); ++seed) {
         SCOPED_TRACE(testing::Message() << "seed " << seed);
-        Scene(seed).Check();
+        CheckRun(seed);
     }
 }
 
@@ -283,8 +177,7 @@ TEST(Spatial, VerifyChecksInOrder)
         probe.SetRadius(c.rx, c.ry);
         probe.SetEdgeMode(static_cast<vfILEdgeMode>(c.mode));
         probe.SetEdgeColor(vfILColor(0, c.green, 0, 0));
-        const unsigned long code = probe.Verify() == VFIL_SUCCESS ? 0 : probe.GetLastError().GetErrorCode();
-        EXPECT_EQ(code, c.code) << "case " << &c - cases;
+        EXPECT_EQ(CodeOf(probe), c.code) << "case " << &c - cases;
     }
 }
 
@@ -312,15 +205,6 @@ TEST(Spatial, RunsThatCannotBeHadLeaveTheOutputAlone)
         }
 }
 
-int g_polls = 0;
-int g_stopAtPoll = 0;
-
-/// Fires once, and only once.
-int StopOnce()
-{
-    return ++g_polls == g_stopAtPoll;
-}
-
 // A band holds a part of the picture, and none begins after the interrupt.
 TEST(Spatial, BandsSaveMemoryAndEndWithTheInterrupt)
 {
@@ -334,8 +218,7 @@ TEST(Spatial, BandsSaveMemoryAndEndWithTheInterrupt)
         probe.rule = {1, 1};
         probe.SetRadius(1.0F);
         probe.Arrange(true, true);
-        g_polls = 0;
-        g_stopAtPoll = static_cast<int>(rows) + 1; // one poll between the stages, one a row
+        g_pollsToStop = static_cast<int>(rows) + 1; // one poll between the stages, one a row
         probe.SetInterruptFct(StopOnce, nullptr);
         g_allocations = {};
         ASSERT_EQ(probe.Execute(), VFIL_SUCCESS);

@@ -93,8 +93,9 @@ private:
             return static_cast<float>(std::clamp(number / divisor, -kMost, kMost));
         });
         if (m_weights.empty()) return;
-        SetKernel(m_weights.data(), static_cast<float>(m_table.columns / 2),
-                  static_cast<float>(m_table.Rows() / 2));
+        const long radiusX = m_table.columns / 2;
+        const long radiusY = m_table.Rows() / 2;
+        SetKernel(m_weights.data(), static_cast<float>(radiusX), static_cast<float>(radiusY));
     }
 
     Table m_table;

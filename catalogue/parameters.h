@@ -61,7 +61,7 @@ struct ColourAccessors<kSet, kGet> {
 
 /// A parameter of components 0 .. 1.
 template <class HowItIsSet>
-Parameter UnitParameter(const char* setter, ParameterType type, std::optional<Value> fallback,
+Parameter UnitParameter(const char* setter, ParameterType type, const std::optional<Value>& fallback,
                         const char* summary, unsigned long refusal)
 {
     return {.name = ParameterName(setter),
@@ -69,7 +69,7 @@ Parameter UnitParameter(const char* setter, ParameterType type, std::optional<Va
             .unit = "",
             .minimum = 0,
             .maximum = 1,
-            .fallback = std::move(fallback),
+            .fallback = fallback,
             .summary = summary,
             .choices = {},
             .refusal = refusal,
@@ -85,9 +85,9 @@ Parameter ShareParameter(const char* setter, double fallback, const char* summar
 }
 
 template <auto kSet, auto kGet>
-Parameter FlagParameter(const char* setter, std::optional<Value> fallback, const char* summary)
+Parameter FlagParameter(const char* setter, const std::optional<Value>& fallback, const char* summary)
 {
-    return UnitParameter<Accessors<kSet, kGet>>(setter, ParameterType::Flag, std::move(fallback), summary, 0);
+    return UnitParameter<Accessors<kSet, kGet>>(setter, ParameterType::Flag, fallback, summary, 0);
 }
 
 template <auto kSet, auto kGet>

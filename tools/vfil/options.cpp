@@ -330,7 +330,7 @@ std::string ChannelLetters(unsigned long mode)
 
 std::string RangeText(const Parameter& parameter)
 {
-    const std::string range = NumberText(parameter.minimum) + " .. " + NumberText(parameter.maximum);
+    std::string range = NumberText(parameter.minimum) + " .. " + NumberText(parameter.maximum);
     switch (parameter.type) {
     case ParameterType::Choice:
         return Join(ChoiceNames(parameter), ", ");

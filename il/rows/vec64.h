@@ -218,8 +218,8 @@ inline F64 HalfToDouble(Register v)
 inline Register HalvesToInt32(F64 low, F64 high)
 {
 #if defined(__AVX512BW__)
-    return _mm512_inserti64x4(_mm512_castsi256_si512(_mm512_cvttpd_epi32(low.v)),
-                              _mm512_cvttpd_epi32(high.v), 1);
+    return _mm512_inserti64x4(_mm512_castsi256_si512(_mm512_cvttpd_epi32(low.v)), _mm512_cvttpd_epi32(high.v),
+                              1);
 #elif defined(__AVX2__)
     return _mm256_inserti128_si256(_mm256_castsi128_si256(_mm256_cvttpd_epi32(low.v)),
                                    _mm256_cvttpd_epi32(high.v), 1);

@@ -104,9 +104,10 @@ vfILStatus vfILBlurImg::BuildKernel()
     const long width = 2 * long{radius[0]} + 1;
     const long height = 2 * long{radius[1]} + 1;
     constexpr auto kMost = std::numeric_limits<std::ptrdiff_t>::max() / std::ptrdiff_t{sizeof(float)};
-    const std::ptrdiff_t weights = width > kMost / height ? kMost : width * height;
-    auto* kernel =
-        reinterpret_cast<float*>(m_kernelBuffer.Allocate(static_cast<std::size_t>(weights) * sizeof(float)));
+    float* kernel = nullptr;
+    if (width <= kMost / height)
+        kernel = reinterpret_cast<float*>(
+            m_kernelBuffer.Allocate(static_cast<std::size_t>(width * height) * sizeof(float)));
     bool done = kernel != nullptr;
     if (done && m_type == VFIL_BLUR_DISC)
         FillDisc(kernel);

@@ -90,8 +90,8 @@ TEST_F(FilterTool, RefusesWhatMakesNoSense)
     ExpectRefusals(
         {{"blur grey.png -o out.png --radius=-1", {"--radius -1 is out of range"}},
          {"blur grey.png -o out.png --radius nan", {"a number or two"}},
-         {"blur grey.png -o out.png --radius 1e9", {"(0x10001); see --radius"}},
-         {"dilate grey.png -o out.png --radius 1e9", {"(0x10001); see --radius"}},
+         {"blur grey.png -o out.png --radius 1073741824", {"(0x10001); see --radius"}},
+         {"dilate grey.png -o out.png --radius 1073741824", {"(0x10001); see --radius"}},
          {"blur grey.png -o out.png --type box --format mono16", {"(0x1000D); see --format"}},
          {"convolve grey.png -o out.png", {"needs --kernel or --kernel-file"}},
          {"convolve grey.png -o out.png --kernel '1 2 1; 2 4'", {"--kernel: row '2 4' has 2 numbers"}},

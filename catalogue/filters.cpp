@@ -105,18 +105,12 @@ private:
 
 Parameter Kernel()
 {
-    return {.name = ParameterName("SetKernel"),
-            .type = ParameterType::Table,
-            .unit = "",
-            .minimum = -kMostOfNumber,
-            .maximum = kMostOfNumber,
-            .fallback = std::nullopt,
-            .summary = "the weights of a window's pixels",
-            .choices = {},
-            .refusal = 0x10021,
-            .apply = [](vfILProcessor& p, const Value& v) { As<Convolution>(p).SetTable(v.table); },
-            .read = [](const vfILProcessor& p) { return Value{.table = As<Convolution>(p).GetTable()}; },
-            .required = true};
+    Parameter parameter = TableParameter<&Convolution::SetTable, &Convolution::GetTable>(
+        "SetKernel", -kMostOfNumber, kMostOfNumber, "the weights of a window's pixels");
+    parameter.fallback.reset();
+    parameter.required = true;
+    parameter.refusal = 0x10021;
+    return parameter;
 }
 
 // A number up to 1e9.

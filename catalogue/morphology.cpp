@@ -82,18 +82,9 @@ Parameter Reach()
 template <class P>
 Parameter Element()
 {
-    return {.name = ParameterName("SetElement"),
-            .type = ParameterType::Table,
-            .unit = "",
-            .minimum = 0,
-            .maximum = 1,
-            .fallback = Value{},
-            .summary =
-                "the structuring element, instead of shape and radius: 1 for a pixel that counts, or 0",
-            .choices = {},
-            .refusal = 0,
-            .apply = [](vfILProcessor& p, const Value& v) { As<Shaped<P>>(p).SetElement(v.table); },
-            .read = [](const vfILProcessor& p) { return Value{.table = As<Shaped<P>>(p).GetElement()}; }};
+    return TableParameter<&Shaped<P>::SetElement, &Shaped<P>::GetElement>(
+        "SetElement", 0, 1,
+        "the structuring element, instead of shape and radius: 1 for a pixel that counts, or 0");
 }
 
 template <class P>

@@ -5,9 +5,11 @@
 #include <catalogue/catalogue.h>
 #include <catalogue/names.h>
 
+#include <concepts>
 #include <memory>
 #include <optional>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -26,7 +28,31 @@ const P& As(const vfILProcessor& processor)
     return static_cast<const P&>(processor);
 }
 
-/// What applies and reads a parameter of one number by a setter and a getter of its class.
+/// A value as what a setter takes: a number, a choice, the bits of a set, a flag, a colour or a table.
+template <class T>
+T FromValue(const Value& value)
+{
+    if constexpr (std::same_as<T, vfILColor>)
+        return {value.x, value.y, value.z, value.w};
+    else if constexpr (std::same_as<T, Table>)
+        return value.table;
+    else
+        return static_cast<T>(value.x);
+}
+
+/// What a getter returns as a value.
+template <class T>
+Value ToValue(const T& got)
+{
+    if constexpr (std::same_as<T, vfILColor>)
+        return {got.GetRed(), got.GetGreen(), got.GetBlue(), got.GetAlpha()};
+    else if constexpr (std::same_as<T, Table>)
+        return {.table = got};
+    else
+        return {static_cast<double>(got)};
+}
+
+/// What applies and reads a parameter by a setter and a getter of its class.
 template <auto kSet, auto kGet>
 struct Accessors;
 
@@ -34,29 +60,9 @@ template <class P, class T, class Result, void (P::*kSet)(T), Result (P::*kGet)(
 struct Accessors<kSet, kGet> {
     static void Apply(vfILProcessor& processor, const Value& value)
     {
-        (As<P>(processor).*kSet)(static_cast<T>(value.x));
+        (As<P>(processor).*kSet)(FromValue<std::remove_cvref_t<T>>(value));
     }
-    static Value Read(const vfILProcessor& processor)
-    {
-        return Value{static_cast<double>((As<P>(processor).*kGet)())};
-    }
-};
-
-/// The same for a colour.
-template <auto kSet, auto kGet>
-struct ColourAccessors;
-
-template <class P, void (P::*kSet)(const vfILColor&), const vfILColor& (P::*kGet)() const>
-struct ColourAccessors<kSet, kGet> {
-    static void Apply(vfILProcessor& processor, const Value& value)
-    {
-        (As<P>(processor).*kSet)({value.x, value.y, value.z, value.w});
-    }
-    static Value Read(const vfILProcessor& processor)
-    {
-        const vfILColor& color = (As<P>(processor).*kGet)();
-        return Value{color.GetRed(), color.GetGreen(), color.GetBlue(), color.GetAlpha()};
-    }
+    static Value Read(const vfILProcessor& processor) { return ToValue((As<P>(processor).*kGet)()); }
 };
 
 /// A parameter of components 0 .. 1.
@@ -93,7 +99,17 @@ Parameter FlagParameter(const char* setter, const std::optional<Value>& fallback
 template <auto kSet, auto kGet>
 Parameter ColourParameter(const char* setter, const Value& fallback, const char* summary)
 {
-    return UnitParameter<ColourAccessors<kSet, kGet>>(setter, ParameterType::Colour, fallback, summary, 0);
+    return UnitParameter<Accessors<kSet, kGet>>(setter, ParameterType::Colour, fallback, summary, 0);
+}
+
+template <auto kSet, auto kGet>
+Parameter TableParameter(const char* setter, double minimum, double maximum, const char* summary)
+{
+    Parameter parameter =
+        UnitParameter<Accessors<kSet, kGet>>(setter, ParameterType::Table, Value{}, summary, 0);
+    parameter.minimum = minimum;
+    parameter.maximum = maximum;
+    return parameter;
 }
 
 /// A choice among values without a gap, in ascending order.

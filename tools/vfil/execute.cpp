@@ -38,12 +38,8 @@ const char* OptionsOfCode(unsigned long code)
     case 0x1000D:
     case 0x1000E:
         return "--format and --in-format";
-    case 0x10012:
-        return "--extra-transparency or --alpha";
     case 0x10017:
         return "--dominant-input";
-    case 0x1005A:
-        return "--alpha-mode";
     case 0x10061:
         return "--input-offset";
     case 0x10062:
@@ -55,10 +51,11 @@ const char* OptionsOfCode(unsigned long code)
     }
 }
 
-// More memory was asked for than there is, by a large window.
+// More memory was asked for than there is, by the radius of a window.
 bool IsRadiusTooLarge(const catalogue::Entry& entry, unsigned long code)
 {
-    return code == kMemoryIsShort && entry.radiusReach > 0;
+    const auto isRadius = [](const catalogue::Parameter& parameter) { return parameter.name == "radius"; };
+    return code == kMemoryIsShort && std::any_of(entry.parameters.begin(), entry.parameters.end(), isRadius);
 }
 
 // The library's text on one line, with the class for its %s, and where to look.

@@ -125,14 +125,18 @@ nlohmann::ordered_json NumberRecord(const catalogue::Parameter& parameter, doubl
     return whole ? nlohmann::ordered_json(static_cast<std::int64_t>(number)) : nlohmann::ordered_json(number);
 }
 
+namespace {
+
 // An array of rows.
-static nlohmann::ordered_json TableRecord(const catalogue::Table& table)
+nlohmann::ordered_json TableRecord(const catalogue::Table& table)
 {
     nlohmann::ordered_json rows = nlohmann::ordered_json::array();
     for (auto row = table.numbers.begin(); row != table.numbers.end(); row += table.columns)
         rows.push_back(std::vector<double>(row, row + table.columns));
     return rows;
 }
+
+} // namespace
 
 nlohmann::ordered_json ValueRecord(const catalogue::Parameter& parameter, const catalogue::Value& value)
 {

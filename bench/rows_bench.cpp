@@ -3,8 +3,8 @@
 /// processors add, and what the choice of stores does.
 #include "frames.h"
 
-#include "il/rows/comprows.h"
-#include "il/rows/pointrows.h"
+#include "il/rows/layer/comprows.h"
+#include "il/rows/pixel/pointrows.h"
 
 namespace bench {
 

@@ -8,10 +8,10 @@ set(VFIL_LEVEL_FLAGS_sse2 -msse2)
 set(VFIL_LEVEL_FLAGS_avx2 -mavx2)
 set(VFIL_LEVEL_FLAGS_avx512 -mavx512f -mavx512bw -mavx512vl -mavx512dq -mprefer-vector-width=512)
 
-# vfil_add_levels(comprows_simd.cpp ...): adds each source to the library, once a level.
-function(vfil_add_levels)
+# vfil_add_levels(layer comprows_simd.cpp ...): adds the sources of a family to the library, once a level.
+function(vfil_add_levels family)
     foreach(level ${VFIL_LEVELS})
-        set(target vfil_rows_${level})
+        set(target vfil_rows_${family}_${level})
         add_library(${target} OBJECT ${ARGN})
         vfil_settings(${target})
         target_compile_definitions(${target} PRIVATE VFIL_LEVEL=${level})

@@ -2,6 +2,9 @@
 /// What the levels ask of the machine.
 #include "il/rows/levels.h"
 
+#include <cstdlib>
+#include <cstring>
+
 #if defined(__x86_64__)
 #include <xmmintrin.h>
 #endif
@@ -30,6 +33,16 @@ void FinishStreaming()
 #if defined(__x86_64__)
     _mm_sfence();
 #endif
+}
+
+void RefuseNull(const void* pointers, std::size_t count)
+{
+    const auto* bytes = static_cast<const unsigned char*>(pointers);
+    for (std::size_t i = 0; i < count; ++i) {
+        void (*pointer)() = nullptr;
+        std::memcpy(&pointer, bytes + i * sizeof pointer, sizeof pointer);
+        if (pointer == nullptr) std::abort();
+    }
 }
 
 Level BestLevel()

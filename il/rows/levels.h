@@ -3,10 +3,9 @@
 /// family's plain forms.
 #pragma once
 
-#include "il/rows/rowparams.h"
-
 #include <array>
 #include <cstddef>
+#include <type_traits>
 
 namespace vfil {
 
@@ -27,64 +26,61 @@ inline constexpr std::size_t kStreamingBytes = std::size_t{3} << 20;
 /// a row took a copy from 0.15 to 0.18 ns a pixel.
 void FinishStreaming();
 
-struct BoxRows;
-struct ConvRows;
-struct EdgeRows;
-struct RankRows;
-struct RecursionRows;
-struct YccRows;
-struct KeyRows;
-struct DepthRows;
-struct ModelRows;
-
-// Each takes the entries that its level has a vector form of; defined in the *_simd.cpp of the family.
-#define VFIL_DECLARE_LEVEL(level)                                                                            \
-    namespace level {                                                                                        \
-    void Fill(CompRows& rows);                                                                               \
-    void Fill(PointRows& rows);                                                                              \
-    void Fill(YccRows& rows);                                                                                \
-    void Fill(KeyRows& rows);                                                                                \
-    void Fill(DepthRows& rows);                                                                              \
-    void Fill(ModelRows& rows);                                                                              \
-    void Fill(BoxRows& rows);                                                                                \
-    void Fill(ConvRows& rows);                                                                               \
-    void Fill(EdgeRows& rows);                                                                               \
-    void Fill(RankRows& rows);                                                                               \
-    void Fill(RecursionRows& rows);                                                                          \
+/// Declares the functions that fill a family's table, one a level: each takes the entries that its level has
+/// a vector form of, and is defined in the *_simd.cpp of the family.
+#define VFIL_DECLARE_FILL(Rows)                                                                              \
+    namespace sse2 {                                                                                         \
+    void Fill(Rows& rows);                                                                                   \
+    }                                                                                                        \
+    namespace avx2 {                                                                                         \
+    void Fill(Rows& rows);                                                                                   \
+    }                                                                                                        \
+    namespace avx512 {                                                                                       \
+    void Fill(Rows& rows);                                                                                   \
     }
-VFIL_DECLARE_LEVEL(sse2)
-VFIL_DECLARE_LEVEL(avx2)
-VFIL_DECLARE_LEVEL(avx512)
-#undef VFIL_DECLARE_LEVEL
+
+/// These functions, as LevelTables takes them; empty on a machine without levels.
+template <class Rows>
+using LevelFills = std::array<void (*)(Rows&), kLevels - 1>;
+#if defined(__x86_64__)
+#define VFIL_FILLS                                                                                           \
+    {                                                                                                        \
+        sse2::Fill, avx2::Fill, avx512::Fill                                                                 \
+    }
+#else
+#define VFIL_FILLS                                                                                           \
+    {}
+#endif
+
+/// Ends the program when one of a table's pointers is null: whoever adds an entry and forgets a form of it
+/// learns so from the first test, not from the first picture.
+///
+/// \param pointers  \p count pointers to functions, of any types.
+void RefuseNull(const void* pointers, std::size_t count);
 
 /// A family's tables. A level starts as a copy of the level below, so that an entry is never null. A level
 /// that the machine lacks stays that copy: even its Fill may use instructions that trap here.
 template <class Rows>
 class LevelTables {
+    // Nothing but pointers to functions, so that they can be looked through.
+    static_assert(std::is_trivially_copyable_v<Rows> && sizeof(Rows) % sizeof(void (*)()) == 0);
+
 public:
-    explicit LevelTables(const Rows& plain)
+    LevelTables(const Rows& plain, const LevelFills<Rows>& fills)
     {
-        m_tables.fill(plain);
-#if defined(__x86_64__)
-        Raise(Level::Sse2, sse2::Fill);
-        Raise(Level::Avx2, avx2::Fill);
-        Raise(Level::Avx512, avx512::Fill);
-#endif
+        m_tables[0] = plain;
+        RefuseNull(&plain, sizeof(Rows) / sizeof(void (*)()));
+        for (std::size_t at = 1; at < kLevels; ++at) {
+            m_tables[at] = m_tables[at - 1];
+            if (static_cast<Level>(at) <= BestLevel() && fills[at - 1] != nullptr)
+                fills[at - 1](m_tables[at]);
+            RefuseNull(&m_tables[at], sizeof(Rows) / sizeof(void (*)()));
+        }
     }
 
-    const Rows& At(Level level) const
-    {
-        return m_tables[static_cast<std::size_t>(level)];
-    }
+    const Rows& At(Level level) const { return m_tables[static_cast<std::size_t>(level)]; }
 
 private:
-    void Raise(Level level, void (*fill)(Rows&))
-    {
-        const auto at = static_cast<std::size_t>(level);
-        m_tables[at] = m_tables[at - 1];
-        if (level <= BestLevel()) fill(m_tables[at]);
-    }
-
     std::array<Rows, kLevels> m_tables;
 };
 

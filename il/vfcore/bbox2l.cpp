@@ -3,7 +3,7 @@
 
 #include <vfil/geometry.h>
 
-#include "saturate.h"
+#include "il/loops/frame/saturate.h"
 
 #include <algorithm>
 #include <new>

@@ -1,9 +1,9 @@
 /// \file
 /// Blurs: what each type is made of. The box and the recursive types have sources of their own.
 
-#include "copyinstead.h"
-#include "runarray.h"
-#include "windowloop.h"
+#include "il/loops/frame/copyinstead.h"
+#include "il/loops/frame/runarray.h"
+#include "il/loops/frame/windowloop.h"
 
 #include <vfil/blur.h>
 

@@ -2,9 +2,9 @@
 /// The box blur: the sums of the windows' columns move down a row at a time, and a row's results are running
 /// sums of these, so that the cost does not depend on the radius.
 
-#include "il/rows/boxrows.h"
-#include "runarray.h"
-#include "windowloop.h"
+#include "il/loops/frame/runarray.h"
+#include "il/loops/frame/windowloop.h"
+#include "il/rows/blur/boxrows.h"
 
 #include <vfil/blur.h>
 

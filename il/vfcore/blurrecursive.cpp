@@ -2,9 +2,9 @@
 /// The blurs whose cost does not depend on the radius: recursive filters down and up the columns, then along
 /// the rows both ways.
 
-#include "blurcolumns.h"
-#include "regions.h"
-#include "windowloop.h"
+#include "il/loops/blur/blurcolumns.h"
+#include "il/loops/frame/regions.h"
+#include "il/loops/frame/windowloop.h"
 
 #include <vfil/blur.h>
 

@@ -4,7 +4,7 @@
 
 #include <vfil/color.h>
 
-#include "colmodels.h"
+#include "il/loops/convert/colmodels.h"
 #include "il/rows/pixarith.h"
 
 #include <algorithm>

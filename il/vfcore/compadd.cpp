@@ -1,7 +1,7 @@
 /// \file
 /// The clipped sum.
 
-#include "comploop.h"
+#include "il/loops/layer/comploop.h"
 
 #include <vfil/composite.h>
 

@@ -1,7 +1,7 @@
 /// \file
 /// The sum without clipping.
 
-#include "comploop.h"
+#include "il/loops/layer/comploop.h"
 
 #include <vfil/composite.h>
 

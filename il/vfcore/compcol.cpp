@@ -1,7 +1,7 @@
 /// \file
 /// The hue and saturation of the front on the lightness of the back.
 
-#include "compmodel.h"
+#include "il/loops/layer/compmodel.h"
 
 #include <vfil/composite.h>
 

@@ -1,7 +1,7 @@
 /// \file
 /// The frame of the layer operators.
 
-#include "rowloop.h"
+#include "il/loops/frame/rowloop.h"
 
 #include <vfil/composite.h>
 

@@ -1,7 +1,7 @@
 /// \file
 /// The front where the back is.
 
-#include "comploop.h"
+#include "il/loops/layer/comploop.h"
 
 #include <vfil/composite.h>
 

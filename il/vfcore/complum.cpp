@@ -1,7 +1,7 @@
 /// \file
 /// The lightness of the front with the hue and saturation of the back.
 
-#include "compmodel.h"
+#include "il/loops/layer/compmodel.h"
 
 #include <vfil/composite.h>
 

@@ -1,7 +1,7 @@
 /// \file
 /// The brighter pixel as a whole.
 
-#include "comploop.h"
+#include "il/loops/layer/comploop.h"
 
 #include <vfil/composite.h>
 

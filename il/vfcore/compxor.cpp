@@ -1,7 +1,7 @@
 /// \file
 /// Either where the other is not.
 
-#include "comploop.h"
+#include "il/loops/layer/comploop.h"
 
 #include <vfil/composite.h>
 

@@ -1,10 +1,10 @@
 /// \file
 /// Convolution with a kernel: by one pass, or by one each way.
 
-#include "il/rows/convrows.h"
+#include "il/rows/blur/convrows.h"
 
-#include "convolvetaps.h"
-#include "matrixsvd.h"
+#include "il/loops/blur/convolvetaps.h"
+#include "il/loops/numeric/matrixsvd.h"
 
 #include <vfil/convolve.h>
 #include <vfil/matrix.h>

@@ -1,9 +1,9 @@
 /// \file
 /// Copies whole pixels of any format.
 
-#include "imageview.h"
-#include "rowcopy.h"
-#include "rowloop.h"
+#include "il/loops/frame/imageview.h"
+#include "il/loops/frame/rowcopy.h"
+#include "il/loops/frame/rowloop.h"
 
 #include <vfil/pixel.h>
 

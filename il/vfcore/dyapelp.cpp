@@ -1,8 +1,8 @@
 /// \file
 /// The frame of one output pixel for two input pixels.
 
-#include "pixelrun.h"
-#include "rowloop.h"
+#include "il/loops/frame/pixelrun.h"
+#include "il/loops/frame/rowloop.h"
 
 #include "il/rows/levels.h"
 

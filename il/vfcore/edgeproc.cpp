@@ -1,7 +1,7 @@
 /// \file
 /// What the edge filters share.
 
-#include "edgerun.h"
+#include "il/loops/edge/edgerun.h"
 
 using namespace vfil;
 

@@ -1,7 +1,7 @@
 /// \file
 /// Compass gradients as they are.
 
-#include "edgerun.h"
+#include "il/loops/edge/edgerun.h"
 
 using namespace vfil;
 

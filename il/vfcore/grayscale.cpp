@@ -1,7 +1,7 @@
 /// \file
 /// Grey from colour.
 
-#include "rowloop.h"
+#include "il/loops/frame/rowloop.h"
 
 #include <vfil/pixel.h>
 

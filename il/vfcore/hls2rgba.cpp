@@ -1,9 +1,9 @@
 /// \file
 /// Hue, lightness and saturation to RGBA.
 
-#include "pairconv.h"
+#include "il/loops/convert/pairloop.h"
 
-#include "il/rows/modelrows.h"
+#include "il/rows/convert/modelrows.h"
 
 using namespace vfil;
 

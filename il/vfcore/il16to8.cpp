@@ -1,9 +1,9 @@
 /// \file
 /// 16-bit samples to 8 bits.
 
-#include "pairconv.h"
+#include "il/loops/convert/pairloop.h"
 
-#include "il/rows/depthrows.h"
+#include "il/rows/convert/depthrows.h"
 
 using namespace vfil;
 

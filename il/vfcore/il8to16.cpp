@@ -1,9 +1,9 @@
 /// \file
 /// 8-bit samples to 16 bits.
 
-#include "pairconv.h"
+#include "il/loops/convert/pairloop.h"
 
-#include "il/rows/depthrows.h"
+#include "il/rows/convert/depthrows.h"
 
 using namespace vfil;
 

@@ -1,10 +1,10 @@
 /// \file
 /// The frame of every operator with an output picture.
 
-#include "colourpixel.h"
-#include "imageview.h"
-#include "regions.h"
-#include "rowcopy.h"
+#include "il/loops/frame/colourpixel.h"
+#include "il/loops/frame/imageview.h"
+#include "il/loops/frame/regions.h"
+#include "il/loops/frame/rowcopy.h"
 
 #include <vfil/frame.h>
 

@@ -1,8 +1,8 @@
 /// \file
 /// The complement of every selected channel.
 
-#include "il/rows/pointrows.h"
-#include "rowloop.h"
+#include "il/loops/frame/rowloop.h"
+#include "il/rows/pixel/pointrows.h"
 
 #include <vfil/pixel.h>
 

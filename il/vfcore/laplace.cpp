@@ -1,7 +1,7 @@
 /// \file
 /// Laplacians with a threshold.
 
-#include "edgerun.h"
+#include "il/loops/edge/edgerun.h"
 
 using namespace vfil;
 

@@ -1,7 +1,7 @@
 /// \file
 /// The frame of one input.
 
-#include "imageview.h"
+#include "il/loops/frame/imageview.h"
 
 #include <vfil/frame.h>
 

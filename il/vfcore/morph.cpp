@@ -1,7 +1,7 @@
 /// \file
 /// The base of the operators with a structuring element.
 
-#include "morphrun.h"
+#include "il/loops/morph/morphrun.h"
 
 #include <new>
 

@@ -1,8 +1,8 @@
 /// \file
 /// Two operators with the same structuring element, one after the other.
 
-#include "imageview.h"
-#include "morphrun.h"
+#include "il/loops/frame/imageview.h"
+#include "il/loops/morph/morphrun.h"
 
 #include <limits>
 

@@ -1,7 +1,7 @@
 /// \file
 /// What dilation adds to a picture.
 
-#include "morphrun.h"
+#include "il/loops/morph/morphrun.h"
 
 #include <new>
 #include <utility>

@@ -1,7 +1,7 @@
 /// \file
 /// The frame of the conversions between single pairs of formats.
 
-#include "pairconv.h"
+#include "il/loops/convert/pairloop.h"
 
 #include <utility>
 

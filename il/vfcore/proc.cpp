@@ -1,9 +1,9 @@
 /// \file
 /// The root of all operators.
 
-#include "imageview.h"
-#include "regions.h"
-#include "rowcopy.h"
+#include "il/loops/frame/imageview.h"
+#include "il/loops/frame/regions.h"
+#include "il/loops/frame/rowcopy.h"
 
 #include "il/rows/levels.h"
 #include "il/rows/pixarith.h"

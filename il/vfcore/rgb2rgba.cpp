@@ -1,9 +1,9 @@
 /// \file
 /// Alpha added to RGB, and dropped.
 
-#include "pairconv.h"
+#include "il/loops/convert/pairloop.h"
 
-#include "il/rows/depthrows.h"
+#include "il/rows/convert/depthrows.h"
 
 using namespace vfil;
 

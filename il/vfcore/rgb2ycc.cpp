@@ -1,12 +1,12 @@
 /// \file
 /// RGB to YCC.
 
-#include "rowloop.h"
-#include "yccloop.h"
+#include "il/loops/convert/yccloop.h"
+#include "il/loops/frame/rowloop.h"
 
-#include "il/rows/depthrows.h"
-#include "il/rows/modelrows.h"
-#include "il/rows/yccrows.h"
+#include "il/rows/convert/depthrows.h"
+#include "il/rows/convert/modelrows.h"
+#include "il/rows/convert/yccrows.h"
 
 using namespace vfil;
 

@@ -1,10 +1,10 @@
 /// \file
 /// Luma into alpha.
 
-#include "imageview.h"
-#include "pairconv.h"
+#include "il/loops/convert/pairloop.h"
+#include "il/loops/frame/imageview.h"
 
-#include "il/rows/depthrows.h"
+#include "il/rows/convert/depthrows.h"
 
 using namespace vfil;
 

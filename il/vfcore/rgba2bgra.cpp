@@ -1,9 +1,9 @@
 /// \file
 /// Red and blue exchanged, and the rows turned over.
 
-#include "pairconv.h"
+#include "il/loops/convert/pairloop.h"
 
-#include "il/rows/depthrows.h"
+#include "il/rows/convert/depthrows.h"
 
 using namespace vfil;
 

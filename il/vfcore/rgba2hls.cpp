@@ -1,9 +1,9 @@
 /// \file
 /// RGBA to hue, lightness and saturation.
 
-#include "pairconv.h"
+#include "il/loops/convert/pairloop.h"
 
-#include "il/rows/modelrows.h"
+#include "il/rows/convert/modelrows.h"
 
 using namespace vfil;
 

@@ -1,7 +1,7 @@
 /// \file
 /// The edge detector Roberts.
 
-#include "edgerun.h"
+#include "il/loops/edge/edgerun.h"
 
 using namespace vfil;
 

@@ -1,10 +1,10 @@
 /// \file
 /// Sharpening by a kernel, everywhere or at edges.
 
-#include "copyinstead.h"
-#include "edgerun.h"
-#include "imageview.h"
-#include "saturate.h"
+#include "il/loops/edge/edgerun.h"
+#include "il/loops/frame/copyinstead.h"
+#include "il/loops/frame/imageview.h"
+#include "il/loops/frame/saturate.h"
 
 #include <algorithm>
 #include <limits>

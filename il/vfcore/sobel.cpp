@@ -1,7 +1,7 @@
 /// \file
 /// The edge detector Sobel.
 
-#include "edgerun.h"
+#include "il/loops/edge/edgerun.h"
 
 using namespace vfil;
 

@@ -1,12 +1,12 @@
 /// \file
 /// Fill and key to a picture with an alpha plane.
 
-#include "colourpixel.h"
-#include "keypair.h"
-#include "rowcopy.h"
-#include "rowloop.h"
+#include "il/loops/fillkey/keypair.h"
+#include "il/loops/frame/colourpixel.h"
+#include "il/loops/frame/rowcopy.h"
+#include "il/loops/frame/rowloop.h"
 
-#include "il/rows/keyrows.h"
+#include "il/rows/fillkey/fillkeyrows.h"
 
 #include <vfil/fillkey.h>
 
@@ -117,8 +117,9 @@ void vfILYCCYCC2YCCA::Convert8_YCCYCC2YCCA()
     const ImageView key(m_inputImgB);
     const ImageView output(GetOutputImg());
     const bool vectors = m_simdAvailable != 0;
-    const KeyRow Convert8_YCC4222CbYCrY = FindColourRow({fill.format->chromaFirst, vectors, m_streaming});
-    const KeyRow Convert8_YCC4222Alpha = FindKeyToAlphaRow({key.format->chromaFirst, vectors, m_streaming});
+    const FillKeyRow Convert8_YCC4222CbYCrY = FindColourRow({fill.format->chromaFirst, vectors, m_streaming});
+    const FillKeyRow Convert8_YCC4222Alpha =
+        FindKeyToAlphaRow({key.format->chromaFirst, vectors, m_streaming});
     ColourPixel color; // [Cb Y Cr Y A]
     color.Set(*output.format, m_fillColor);
     const Filling FillCbYCrY{color.bytes, 4, vectors, m_streaming};

@@ -1,10 +1,10 @@
 /// \file
 /// A picture with an alpha plane to fill and key.
 
-#include "keypair.h"
-#include "rowloop.h"
+#include "il/loops/fillkey/keypair.h"
+#include "il/loops/frame/rowloop.h"
 
-#include "il/rows/keyrows.h"
+#include "il/rows/fillkey/fillkeyrows.h"
 
 #include <vfil/fillkey.h>
 
@@ -102,8 +102,9 @@ void vfILYCCA2YCCYCC::Convert8_YCCA2YCCYCC()
     const ImageView fill(m_outputImgA);
     const ImageView key(m_outputImgB);
     const bool vectors = m_simdAvailable != 0;
-    const KeyRow Convert8_CbYCr2YCC422 = FindColourRow({fill.format->chromaFirst, vectors, m_streaming});
-    const KeyRow Convert8_Alpha2YCC422 = FindAlphaToKeyRow({key.format->chromaFirst, vectors, m_streaming});
+    const FillKeyRow Convert8_CbYCr2YCC422 = FindColourRow({fill.format->chromaFirst, vectors, m_streaming});
+    const FillKeyRow Convert8_Alpha2YCC422 =
+        FindAlphaToKeyRow({key.format->chromaFirst, vectors, m_streaming});
     const auto pixels = static_cast<std::size_t>(input.width);
     ForEachRow(*this, input.height, [&](long row) {
         if (fill.HasPixels()) Convert8_CbYCr2YCC422(input.Pixel(0, row), RowBeside(fill, row), pixels);

@@ -1,0 +1,129 @@
+/// \file
+/// The formulas of the colour models, and their table.
+
+#include "il/loops/convert/colmodels.h"
+
+#include "il/rows/convert/hls.h"
+
+#include <vfil/color.h>
+
+#include <algorithm>
+
+namespace vfil {
+
+namespace {
+
+Triple Same(const Triple& rgb)
+{
+    return rgb;
+}
+
+Triple RgbToHsv(const Triple& rgb)
+{
+    const auto [smallest, largest] = std::ranges::minmax(rgb);
+    if (largest == 0) return {0, 0, 0};
+    const double difference = largest - smallest;
+    const double saturation = difference / largest;
+    return {saturation == 0 ? 0 : Hue(rgb, largest, difference), saturation, largest};
+}
+
+Triple HsvToRgb(const Triple& hsv)
+{
+    const auto [hue, saturation, value] = hsv;
+    return FromHue(hue, value, value * (1 - saturation));
+}
+
+Triple Complement(const Triple& v)
+{
+    return {1 - v[0], 1 - v[1], 1 - v[2]};
+}
+
+template <const vfILColorMatrix& matrix>
+Triple Transform(const Triple& v)
+{
+    Triple result;
+    for (unsigned out = 0; out < 3; ++out) {
+        result[out] = v[0] * matrix[out] + v[1] * matrix[4 + out] + v[2] * matrix[8 + out] + matrix[12 + out];
+    }
+    return result;
+}
+
+using Rows = std::array<Triple, 3>;
+
+constexpr double Dot(const Triple& a, const Triple& b)
+{
+    return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
+}
+
+constexpr Triple Times(const Rows& m, const Triple& v)
+{
+    return {Dot(m[0], v), Dot(m[1], v), Dot(m[2], v)};
+}
+
+constexpr Triple Cross(const Triple& a, const Triple& b)
+{
+    return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
+}
+
+/// The columns of an inverse are the cross products of the rows, over the determinant.
+constexpr Rows Inverse(const Rows& m)
+{
+    const Rows columns = {Cross(m[1], m[2]), Cross(m[2], m[0]), Cross(m[0], m[1])};
+    const double determinant = Dot(m[0], columns[0]);
+    Rows inverse{};
+    for (unsigned i = 0; i < 3; ++i) {
+        for (unsigned j = 0; j < 3; ++j)
+            inverse[i][j] = columns[j][i] / determinant;
+    }
+    return inverse;
+}
+
+/// The analogue video models: luma, and two colour differences that span -reach .. reach and are brought to 0
+/// .. 1.
+struct Analogue {
+    Rows rows;
+    double reach[2];
+};
+
+constexpr Analogue kYuv{{{{0.299, 0.587, 0.114}, {-0.147, -0.289, 0.436}, {0.615, -0.515, -0.1}}},
+                        {0.436, 0.615}};
+constexpr Analogue kYiq{{{{0.299, 0.587, 0.114}, {0.596, -0.274, -0.322}, {0.212, -0.523, 0.311}}},
+                        {0.596, 0.523}};
+
+template <const Analogue& model>
+Triple RgbToAnalogue(const Triple& rgb)
+{
+    const auto [first, second] = model.reach;
+    const auto [y, u, v] = Times(model.rows, rgb);
+    return {y, (u + first) / (2 * first), (v + second) / (2 * second)};
+}
+
+/// Inverts the rows themselves, not with the rounded inverse that is published, so that a round trip is one.
+template <const Analogue& model>
+Triple AnalogueToRgb(const Triple& yuv)
+{
+    constexpr Rows kInverse = Inverse(model.rows);
+    const auto [first, second] = model.reach;
+    return Times(kInverse, {yuv[0], yuv[1] * (2 * first) - first, yuv[2] * (2 * second) - second});
+}
+
+constexpr ColorModel kModels[] = {
+    {PXColorModel_RGB, Same, Same},
+    {PXColorModel_HLS, RgbToHls, HlsToRgb},
+    {PXColorModel_HSV, RgbToHsv, HsvToRgb},
+    {PXColorModel_CMY, Complement, Complement},
+    {PXColorModel_YCC, Transform<s_dfArrayRGBAtoYCCAOffset>, Transform<s_dfArrayYCCAOffsettoRGBA>},
+    {PXColorModel_YCC709, Transform<s_dfArrayRGBAtoYCCA709Offset>, Transform<s_dfArrayYCCA709OffsettoRGBA>},
+    {PXColorModel_YUV, RgbToAnalogue<kYuv>, AnalogueToRgb<kYuv>},
+    {PXColorModel_YIQ, RgbToAnalogue<kYiq>, AnalogueToRgb<kYiq>},
+};
+
+} // namespace
+
+const ColorModel* FindColorModel(PXColorModel id)
+{
+    const auto found = std::ranges::find(kModels, id, &ColorModel::id);
+    return found != std::end(kModels) ? found : nullptr;
+}
+
+} // namespace vfil

@@ -1,0 +1,59 @@
+/// \file
+/// A host picture, read once for a run.
+
+#include "il/loops/frame/imageview.h"
+
+namespace vfil {
+
+namespace {
+
+constexpr vfILFormatInfo kUnknownFormat{};
+
+} // namespace
+
+GUID FormatOf(IPXImage* image)
+{
+    GUID format{};
+    if (image != nullptr) image->GetFormat(&format);
+    return format;
+}
+
+ImageView::ImageView(IPXImage* image) : format(vfILFindFormat(FormatOf(image)))
+{
+    if (format == nullptr) format = &kUnknownFormat;
+    if (image == nullptr) return;
+    image->GetDimensions(&width, &height);
+    image->GetPixelBytes(&pixelBytes);
+    image->GetChannelBytes(&channelBytes);
+    void* base = nullptr;
+    image->GetPixelArray(&base);
+    pixels = static_cast<unsigned char*>(base);
+}
+
+long ImageView::MemoryRow(long y) const
+{
+    const long row = format->topDown ? height - 1 - y : y;
+    if (!format->splitField) return row;
+    const long odd = y & 1;
+    if (format->evenFieldFirst) return (row >> 1) + ((height + 1) >> 1) * odd;
+    return (row >> 1) + (height >> 1) * (1 - odd);
+}
+
+unsigned char* ImageView::Pixel(long x, long memoryRow) const
+{
+    return pixels + memoryRow * RowBytes() + std::ptrdiff_t{x} * RowPixelBytes();
+}
+
+unsigned char* ImageView::PlanePixel(long x, long memoryRow) const
+{
+    if (!format->alphaPlane) return nullptr;
+    return pixels + RowBytes() * height + std::ptrdiff_t{memoryRow} * width + x;
+}
+
+vfILRowWalk ImageView::Walk(long x, long memoryRow) const
+{
+    return {Pixel(x, memoryRow), RowBytes(), PlanePixel(x, memoryRow),
+            format->alphaPlane ? std::ptrdiff_t{width} : 0};
+}
+
+} // namespace vfil

@@ -1,0 +1,299 @@
+/// \file
+/// Storage, filling, arithmetic and comparisons of the matrix. The solvers are in matrixsolve.cpp.
+
+#include <vfil/matrix.h>
+
+#include "il/loops/numeric/matrixsvd.h"
+
+#include <algorithm>
+#include <cassert>
+#include <limits>
+
+namespace {
+
+void FreeRows(double** rows, long count) noexcept
+{
+    for (long i = 0; i < count; ++i)
+        delete[] rows[i];
+    delete[] rows;
+}
+
+/// Zeroed rows, each an allocation of its own, for FreeRows. Null when memory runs out.
+double** MakeRows(long rows, long cols) noexcept
+{
+    std::unique_ptr<double*[]> pointers = vfil::MakeArray<double*>(static_cast<std::size_t>(rows));
+    if (pointers == nullptr) return nullptr;
+    for (long i = 0; i < rows; ++i) {
+        pointers[i] = vfil::MakeArray<double>(static_cast<std::size_t>(cols)).release();
+        if (pointers[i] == nullptr) {
+            FreeRows(pointers.release(), i);
+            return nullptr;
+        }
+        std::fill_n(pointers[i], cols, 0.0);
+    }
+    return pointers.release();
+}
+
+bool HaveOneSize(const vfILMatrix& a, const vfILMatrix& b)
+{
+    return a.GetNumRows() == b.GetNumRows() && a.GetNumCols() == b.GetNumCols();
+}
+
+/// A matrix whose elements are op(a's, b's).
+template <class Op>
+vfILMatrix Combined(const vfILMatrix& a, const vfILMatrix& b, Op op)
+{
+    assert(a.IsNotValid() || b.IsNotValid() || HaveOneSize(a, b));
+    vfILMatrix result;
+    if (!HaveOneSize(a, b)) return result;
+    result.Resize(a.GetNumRows(), a.GetNumCols());
+    for (long i = 0; i < result.GetNumRows(); ++i)
+        for (long j = 0; j < result.GetNumCols(); ++j)
+            result(i, j) = op(a(i, j), b(i, j));
+    return result;
+}
+
+} // namespace
+
+vfILMatrix::vfILMatrix(long rows, long cols) noexcept
+{
+    Resize(rows, cols);
+}
+
+vfILMatrix::vfILMatrix(const double* rowMajor, long rows, long cols) noexcept
+{
+    if (rowMajor == nullptr) return;
+    Resize(rows, cols);
+    for (long i = 0; i < m_rows; ++i)
+        std::copy_n(rowMajor + i * cols, cols, m_elements[i]);
+}
+
+vfILMatrix::vfILMatrix(const double* const* rowPointers, long rows, long cols) noexcept
+{
+    if (rowPointers == nullptr) return;
+    Resize(rows, cols);
+    for (long i = 0; i < m_rows; ++i)
+        std::copy_n(rowPointers[i], cols, m_elements[i]);
+}
+
+vfILMatrix::vfILMatrix(const vfILMatrix& other) noexcept
+    : vfILMatrix(other.m_elements, other.m_rows, other.m_cols)
+{
+    m_epsilon = other.m_epsilon;
+}
+
+vfILMatrix& vfILMatrix::operator=(const vfILMatrix& other) noexcept
+{
+    if (this == &other) return *this;
+    Resize(other.m_rows, other.m_cols);
+    for (long i = 0; i < m_rows; ++i)
+        std::copy_n(other.m_elements[i], m_cols, m_elements[i]);
+    m_epsilon = other.m_epsilon;
+    return *this;
+}
+
+vfILMatrix::~vfILMatrix()
+{
+    Release();
+}
+
+void vfILMatrix::Release() noexcept
+{
+    FreeRows(m_elements, m_rows);
+    m_elements = nullptr;
+    m_rows = m_cols = 0;
+    m_valid = false;
+}
+
+void vfILMatrix::SetSize(long rows, long cols) noexcept
+{
+    Resize(rows, cols);
+}
+
+void vfILMatrix::Resize(long rows, long cols) noexcept
+{
+    if (m_valid && rows == m_rows && cols == m_cols) return SetToZero();
+    Release();
+    constexpr long kMost = std::numeric_limits<std::int32_t>::max();
+    if (rows <= 0 || cols <= 0 || rows > kMost || cols > kMost) return;
+    m_elements = MakeRows(rows, cols);
+    if (m_elements == nullptr) return;
+    m_rows = static_cast<std::int32_t>(rows);
+    m_cols = static_cast<std::int32_t>(cols);
+    m_valid = true;
+}
+
+void vfILMatrix::SetToIdentity() noexcept
+{
+    SetToZero();
+    for (long i = 0; i < std::min(m_rows, m_cols); ++i)
+        m_elements[i][i] = 1;
+}
+
+void vfILMatrix::SetToConstant(double value) noexcept
+{
+    for (long i = 0; i < m_rows; ++i)
+        std::fill_n(m_elements[i], m_cols, value);
+}
+
+void vfILMatrix::SetToZero() noexcept
+{
+    SetToConstant(0);
+}
+
+void vfILMatrix::MakeDiag(const double* values, long /*count*/) noexcept
+{
+    SetToZero();
+    for (long i = 0; i < std::min(m_rows, m_cols); ++i)
+        m_elements[i][i] = values[i];
+}
+
+void vfILMatrix::GetDiag(double* out) const noexcept
+{
+    for (long i = 0; i < std::min(m_rows, m_cols); ++i)
+        out[i] = m_elements[i][i];
+}
+
+vfILMatrix vfILMatrix::operator+(const vfILMatrix& other) const noexcept
+{
+    return Combined(*this, other, [](double a, double b) { return a + b; });
+}
+
+vfILMatrix vfILMatrix::operator-(const vfILMatrix& other) const noexcept
+{
+    return Combined(*this, other, [](double a, double b) { return a - b; });
+}
+
+vfILMatrix vfILMatrix::operator*(double factor) const noexcept
+{
+    return Combined(*this, *this, [factor](double a, double) { return a * factor; });
+}
+
+vfILMatrix vfILMatrix::operator/(double divisor) const noexcept
+{
+    return Combined(*this, *this, [divisor](double a, double) { return a / divisor; });
+}
+
+vfILMatrix vfILMatrix::operator*(const vfILMatrix& other) const noexcept
+{
+    assert(!m_valid || !other.m_valid || m_cols == other.m_rows);
+    vfILMatrix product;
+    if (!m_valid || !other.m_valid || m_cols != other.m_rows) return product;
+    product.Resize(m_rows, other.m_cols);
+    // Each element's sum runs over k in order; along the row it is contiguous.
+    for (long i = 0; i < product.m_rows; ++i)
+        for (long k = 0; k < m_cols; ++k) {
+            const double factor = m_elements[i][k];
+            const double* const from = other.m_elements[k];
+            double* const to = product.m_elements[i];
+            for (long j = 0; j < product.m_cols; ++j)
+                to[j] += factor * from[j];
+        }
+    return product;
+}
+
+vfILMatrix vfILMatrix::Transpose() const noexcept
+{
+    vfILMatrix result(m_cols, m_rows);
+    for (long i = 0; i < result.m_rows; ++i)
+        for (long j = 0; j < result.m_cols; ++j)
+            result.m_elements[i][j] = m_elements[j][i];
+    return result;
+}
+
+double vfILMatrix::Mean() const noexcept
+{
+    if (!m_valid) return 0;
+    double sum = 0;
+    for (long i = 0; i < m_rows; ++i)
+        for (long j = 0; j < m_cols; ++j)
+            sum += m_elements[i][j];
+    return sum / (static_cast<double>(m_rows) * m_cols);
+}
+
+double vfILMatrix::Trace() const noexcept
+{
+    double sum = 0;
+    for (long i = 0; i < std::min(m_rows, m_cols); ++i)
+        sum += m_elements[i][i];
+    return sum;
+}
+
+double vfILMatrix::InnerProduct(const vfILMatrix& other) const noexcept
+{
+    assert(!m_valid || !other.m_valid || m_rows == other.m_rows);
+    if (m_rows != other.m_rows) return 0;
+    double trace = 0;
+    for (long j = 0; j < std::min(m_cols, other.m_cols); ++j) {
+        double sum = 0;
+        for (long i = 0; i < m_rows; ++i)
+            sum += m_elements[i][j] * other.m_elements[i][j];
+        trace += sum;
+    }
+    return trace;
+}
+
+double vfILMatrix::CorrelationCoefficient(const vfILMatrix& other) const noexcept
+{
+    if (!m_valid || m_rows != other.m_rows) return InnerProduct(other);
+    return InnerProduct(other) / (Norm(VFIL_NORM_FROBENIUS) * other.Norm(VFIL_NORM_FROBENIUS));
+}
+
+bool vfILMatrix::IsSymmetric() const noexcept
+{
+    if (!IsSquare()) return false;
+    for (long i = 0; i < m_rows; ++i)
+        for (long j = 0; j < i; ++j)
+            if (!IsAlmostEqual(m_elements[i][j], m_elements[j][i])) return false;
+    return true;
+}
+
+bool vfILMatrix::IsOrthogonal() const noexcept
+{
+    for (long i = 0; i < m_rows; ++i)
+        for (long j = 0; j <= i; ++j) {
+            double sum = 0;
+            for (long k = 0; k < m_cols; ++k)
+                sum += m_elements[i][k] * m_elements[j][k];
+            if (!IsAlmostEqual(sum, i == j ? 1 : 0)) return false;
+        }
+    return true;
+}
+
+bool vfILMatrix::operator==(const vfILMatrix& other) const noexcept
+{
+    if (this == &other) return true;
+    if (!HaveOneSize(*this, other)) return false;
+    for (long i = 0; i < m_rows; ++i)
+        for (long j = 0; j < m_cols; ++j)
+            if (!IsAlmostEqual(m_elements[i][j], other.m_elements[i][j])) return false;
+    return true;
+}
+
+void vfILMatrix::OutputToDebug() const noexcept
+{}
+
+double vfILMatrix::Sign(double a, double b) noexcept
+{
+    return vfil::Sign(a, b);
+}
+
+double vfILMatrix::Pythagoras(double a, double b) noexcept
+{
+    return vfil::Pythagoras(a, b);
+}
+
+double vfILMatrix::Square(double x) noexcept
+{
+    return x * x;
+}
+
+bool vfILMatrix::IsVerySmall(double x) const noexcept
+{
+    return -m_epsilon < x && x < m_epsilon;
+}
+
+bool vfILMatrix::IsAlmostEqual(double a, double b) const noexcept
+{
+    return IsVerySmall(a - b);
+}

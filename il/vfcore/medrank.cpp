@@ -1,0 +1,47 @@
+/// \file
+/// The pixel of middle brightness of a window.
+
+#include "il/loops/rank/rankmedian.h"
+
+#include <vfil/rank.h>
+
+#include <new>
+
+using namespace vfil;
+
+const wchar_t* const vfILMedianRankImg::m_ClassName = L"vfILMedianRankImg";
+
+vfILMedianRankImg::vfILMedianRankImg()
+{
+    SetRadius(1.0F);
+    AllowBands();
+}
+
+const wchar_t* vfILMedianRankImg::GetClassNameW() const
+{
+    return m_ClassName;
+}
+
+vfILStatus vfILMedianRankImg::Verify()
+{
+    return VerifyFrame(GetClassNameW());
+}
+
+vfILStatus vfILMedianRankImg::DoEffect()
+try {
+    MedianRank8();
+    MedianRank16();
+    return VFIL_SUCCESS;
+} catch (const std::bad_alloc&) {
+    return Fail(0x10001, "%s ERROR Median Rank: insufficient memory space\n", GetClassNameW());
+}
+
+void vfILMedianRankImg::MedianRank8()
+{
+    RunMedians<ByteFormats>(*this, Run(), {-1, m_simdAvailable != 0});
+}
+
+void vfILMedianRankImg::MedianRank16()
+{
+    RunMedians<WordFormats>(*this, Run(), {-1, m_simdAvailable != 0});
+}

@@ -1,0 +1,118 @@
+#include "support/allocations.h"
+#include "support/framemodel.h"
+#include "support/processors.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+
+using namespace vfil::test;
+
+namespace {
+
+// Shifted runs in place need a copy of the input. With large allocations failing they fail cleanly, and work
+// again afterwards.
+TEST(Failure, ShortMemoryLeavesTheOutputAlone)
+{
+    std::mt19937 random(1);
+    GuardedImage image(PXFormat_RGBA32, 64, 32), other(PXFormat_RGBA32, 64, 32);
+    other.Randomise(random);
+    for (int round = 0; round < 6; ++round) {
+        image.Randomise(random);
+        const Snapshot before(image);
+        const auto processor = MakeProcessor(round < 2 ? kInvert : kProbeDyadic, true);
+        Connect(*processor, round < 4 ? &image : &other, round < 4 ? &other : &image, &image);
+        const long maskWidth = round % 2 ? 60 : 99;
+        processor->SetMask({0, 0, maskWidth, 99}, nullptr, PXImageChannel_MONO);
+        processor->SetROI({0, 0, 62, 32});
+        processor->SetOutputOffset({2, 0});
+        ASSERT_EQ(processor->Verify(), VFIL_SUCCESS);
+        g_allocations.failFrom = 4096;
+        EXPECT_EQ(processor->Execute(), VFIL_FAILURE);
+        g_allocations = {};
+        EXPECT_EQ(processor->GetLastError().GetErrorCode(), 0x10001U);
+        EXPECT_EQ(Difference(before, image), "");
+        EXPECT_EQ(processor->Execute(), VFIL_SUCCESS);
+        EXPECT_NE(Difference(before, image), "");
+    }
+}
+
+// Nobody called Verify: a missing picture is noticed before anything is touched.
+TEST(Failure, MissingPicturesAreNoticedWithoutVerify)
+{
+    GuardedImage image(PXFormat_RGBA32, 4, 4), out(PXFormat_RGBA32, 4, 4), empty(PXFormat_Mono8, 4, 4);
+    empty.SetFormat(&PXFormat_RGBA32); // keeps its size and loses its pixels
+    std::mt19937 random(2);
+    image.Randomise(random);
+    const Snapshot before(out);
+    for (int kind = 0; kind < kKinds; ++kind)
+        for (int missing = 1; missing < 8; ++missing)
+            for (GuardedImage* lack : {static_cast<GuardedImage*>(nullptr), &empty}) {
+                if (kind <= kProbeMonadic && missing == 4) continue; // has no second input
+                const auto processor = MakeProcessor(kind, false);
+                Connect(*processor, missing & 1 ? lack : &image, missing & 4 ? lack : &image,
+                        missing & 2 ? lack : &out);
+                processor->SetROI({0, 0, 4, 4});
+                EXPECT_EQ(processor->Execute(), VFIL_FAILURE) << "kind " << kind << " missing " << missing;
+                EXPECT_EQ(Difference(before, out), "") << "kind " << kind << " missing " << missing;
+            }
+}
+
+// Nor does a run trust that its region lies in the output, or that its mask covers the box.
+TEST(Failure, UnverifiedRegionsAndMasksAreRefused)
+{
+    GuardedImage in(PXFormat_RGBA32, 6, 6), out(PXFormat_RGBA32, 4, 4), mask(PXFormat_Mono8, 4, 4);
+    GuardedImage mask16(PXFormat_Mono16, 4, 4), empty(PXFormat_Mono16, 4, 4);
+    empty.SetFormat(&PXFormat_Mono8);
+    const Snapshot before(out);
+    struct Case {
+        vfILBbox2l roi;
+        vfILVector2l target;
+        vfILBbox2l maskBox;
+        GuardedImage* mask;
+        vfILStatus status;
+    };
+    const vfILBbox2l whole(0, 0, 4, 4);
+    const Case cases[] = {
+        {{0, 0, 5, 4}, {0, 0}, {0, 0, 9, 9}, nullptr, VFIL_FAILURE},
+        {{0, 0, 2, 2}, {0, 3}, {0, 0, 9, 9}, nullptr, VFIL_FAILURE},
+        {{0, 0, 2, 2}, {-1, 0}, {0, 0, 9, 9}, nullptr, VFIL_FAILURE},
+        {whole, {0, 0}, {-1, 0, 5, 4}, &mask, VFIL_FAILURE},
+        {whole, {0, 0}, whole, &mask16, VFIL_FAILURE},
+        {whole, {0, 0}, whole, &empty, VFIL_FAILURE},
+        {whole, {0, 0}, whole, &mask, VFIL_SUCCESS}, // black
+        {whole, {0, 0}, {2, 2, 9, 9}, &mask, VFIL_SUCCESS},
+    };
+    for (const int kind : {+kInvert, +kProbeDyadic})
+        for (const Case& c : cases) {
+            const auto processor = MakeProcessor(kind, true);
+            Connect(*processor, &in, &in, &out);
+            processor->SetROI(c.roi);
+            processor->SetOutputOffset(c.target);
+            processor->SetMask(c.maskBox, c.mask, PXImageChannel_MONO);
+            EXPECT_EQ(processor->Execute(), c.status) << "case " << &c - cases;
+            EXPECT_EQ(Difference(before, out), "") << "case " << &c - cases;
+        }
+}
+
+// Nor did anybody ask whether the format suits; the masked mix has no mask either.
+TEST(Failure, UnsuitableRunsLeaveTheOutputAlone)
+{
+    std::mt19937 random(3);
+    for (const GUID& format :
+         {PXFormat_Mono8, PXFormat_BGRA32, PXFormat_HLSA64, PXFormat_YCC422_601, PXFormat_RGBA32})
+        for (int kind = 0; kind < kKinds; ++kind) {
+            const bool takesMono = kind == kInvert || kind == kProbeMonadic || kind == kProbeDyadic;
+            if (kind == kCopy || (takesMono && format == PXFormat_Mono8)) continue;
+            if (kind != kMix && format == PXFormat_RGBA32) continue;
+            GuardedImage in(format, 5, 4), out(format, 5, 4);
+            in.Randomise(random);
+            const Snapshot before(out);
+            const auto processor = MakeProcessor(kind, false);
+            Connect(*processor, &in, &in, &out);
+            EXPECT_EQ(processor->Execute(), VFIL_SUCCESS) << "kind " << kind;
+            EXPECT_EQ(Difference(before, out), "") << "kind " << kind << ' ' << FormatOf(format).name;
+        }
+}
+
+} // namespace

@@ -4,7 +4,7 @@
 #include "il/rows/blur/convrows.h"
 
 #include "il/loops/blur/convolvetaps.h"
-#include "il/loops/numeric/matrixsvd.h"
+#include "il/loops/numeric/matrixsolve.h"
 
 #include <vfil/convolve.h>
 #include <vfil/matrix.h>

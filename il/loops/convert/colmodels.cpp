@@ -38,6 +38,9 @@ Triple Complement(const Triple& v)
     return {1 - v[0], 1 - v[1], 1 - v[2]};
 }
 
+constexpr YccMatrices k601{s_dfArrayRGBAtoYCCAOffset, s_dfArrayYCCAOffsettoRGBA};
+constexpr YccMatrices k709{s_dfArrayRGBAtoYCCA709Offset, s_dfArrayYCCA709OffsettoRGBA};
+
 template <const vfILColorMatrix& matrix>
 Triple Transform(const Triple& v)
 {
@@ -115,13 +118,18 @@ constexpr ColorModel kModels[] = {
     {PXColorModel_HLS, RgbToHls, HlsToRgb},
     {PXColorModel_HSV, RgbToHsv, HsvToRgb},
     {PXColorModel_CMY, Complement, Complement},
-    {PXColorModel_YCC, Transform<s_dfArrayRGBAtoYCCAOffset>, Transform<s_dfArrayYCCAOffsettoRGBA>},
-    {PXColorModel_YCC709, Transform<s_dfArrayRGBAtoYCCA709Offset>, Transform<s_dfArrayYCCA709OffsettoRGBA>},
+    {PXColorModel_YCC, Transform<k601.fromRgb>, Transform<k601.toRgb>},
+    {PXColorModel_YCC709, Transform<k709.fromRgb>, Transform<k709.toRgb>},
     {PXColorModel_YUV, RgbToAnalogue<kYuv>, AnalogueToRgb<kYuv>},
     {PXColorModel_YIQ, RgbToAnalogue<kYiq>, AnalogueToRgb<kYiq>},
 };
 
 } // namespace
+
+const YccMatrices& MatricesOf(PXColorModel model)
+{
+    return model == PXColorModel_YCC ? k601 : k709;
+}
 
 const ColorModel* FindColorModel(PXColorModel id)
 {

@@ -335,7 +335,9 @@ vfILStatus vfILMatrix::SymmetricEigensolve(vfILMatrix& values, vfILMatrix& vecto
     const auto d = vfil::MakeArray<double>(static_cast<std::size_t>(n) + 1);
     if (!m_valid || !IsSquare() || d == nullptr || !a.Allocate(n, n) || !v.Allocate(n, n))
         return VFIL_FAILURE;
-    const int exponent = vfil::ScaleExponent(vfil::GreatestElement(m_elements, n, n));
+    const double greatest = vfil::GreatestOfUpperTriangle(m_elements, n);
+    if (!std::isfinite(greatest)) return VFIL_FAILURE;
+    const int exponent = vfil::ScaleExponent(greatest);
     a.Copy(m_elements, n, n, exponent);
     if (DestructiveJacobiUnitOffset(a.Get(), d.get(), v.Get()) != VFIL_SUCCESS) return VFIL_FAILURE;
     values.Resize(n, 1);

@@ -60,6 +60,18 @@ double GreatestElement(const double* const* rows, long numRows, long numCols) no
     return greatest;
 }
 
+double GreatestOfUpperTriangle(const double* const* rows, long n) noexcept
+{
+    double greatest = 0;
+    for (long i = 0; i < n; ++i) {
+        const double* const row = rows[i] + i;
+        const double own = GreatestElement(&row, 1, n - i);
+        if (std::isnan(own)) return own;
+        greatest = std::max(greatest, own);
+    }
+    return greatest;
+}
+
 int ScaleExponent(double greatest) noexcept
 {
     const bool isOrdinary = greatest >= 0x1p-300 && greatest <= 0x1p300;

@@ -57,6 +57,9 @@ private:
 /// The greatest absolute value of rows without offset; NaN when one of them is.
 double GreatestElement(const double* const* rows, long numRows, long numCols) noexcept;
 
+/// The same of the diagonal and what is above it.
+double GreatestOfUpperTriangle(const double* const* rows, long n) noexcept;
+
 /// The power of two by which numbers of that size are divided before squares and products are made of them,
 /// which would leave the range of a double otherwise. It is 0 over the ordinary range, where results then are
 /// what they would be without scaling to the last bit; and even, so that a root can be scaled back.

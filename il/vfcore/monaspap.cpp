@@ -96,11 +96,14 @@ bool vfILMonadicSpatialProc::IsRadiusValid() const
 
 vfILStatus vfILMonadicSpatialProc::PrepareData()
 {
-    if (!AreConnected(GetInputImg(), GetOutputImg()) || !IsReadable()) return VFIL_FAILURE;
+    if (!AreConnected(GetInputImg(), GetOutputImg()))
+        return Fail(WhyUnconnected(GetInputImg(), GetOutputImg()), GetClassNameW());
+    if (!IsReadable()) return Fail(IsRadiusValid() ? 0x1000D : 0x10023, GetClassNameW());
     PXImageChannel channel{};
     const vfILBbox2l& maskBox = GetMask(nullptr, &channel);
     ComputeRegions(m_run, ImageView(GetInputImg()).Box(), GetROI(), maskBox, GetOutputOffset());
-    if (!PrepareMaskAndOutput(m_run, GetOutputImg(), GetMaskImg(), maskBox, channel)) return VFIL_FAILURE;
+    if (!PrepareMaskAndOutput(m_run, GetOutputImg(), GetMaskImg(), maskBox, channel))
+        return Fail(WhyUnprepared(m_run, GetOutputImg(), GetMaskImg()), GetClassNameW());
 
     m_validBox = m_run.shiftedValidBox;
     m_outputBox = m_run.targetBox;

@@ -80,7 +80,7 @@ public:
     unsigned long GetDirection() const;
 
 private:
-    std::uint32_t m_directions = VFIL_DIRECTION_EAST;
+    unsigned long m_directions = VFIL_DIRECTION_EAST;
     static const wchar_t* const m_ClassName;
     const wchar_t* GetClassNameW() const;
 };
@@ -100,7 +100,7 @@ public:
     unsigned long GetDirection() const;
 
 private:
-    std::uint32_t m_directions = VFIL_DIRECTION_EAST;
+    unsigned long m_directions = VFIL_DIRECTION_EAST;
     static const wchar_t* const m_ClassName;
     const wchar_t* GetClassNameW() const;
 };
@@ -210,14 +210,14 @@ public:
     double GetEdgeSensitivity() const;
 
 private:
-    vfILStatus BuildKernel(const vfILVector2f& windowRadius);
+    vfILStatus BuildKernel(const vfILVector2l& windowRadius);
     vfILStatus Esharpen();
-    void SelectEdges(const vfILRowWalk& sharpened);
 
     vfILSharpenType m_type = VFIL_SHARPEN_PLAIN;
     float m_degree = 1;
     double m_edgeSensitivity = 1.0;
     vfILRunBuffer m_kernelBuffer;
+    float* m_runKernel = nullptr; ///< in that buffer, from PrepareData to CleanData
     static const wchar_t* const m_ClassName;
     const wchar_t* GetClassNameW() const;
 };

@@ -1,8 +1,8 @@
 /// \file
 /// How the public names are linked. Every public header includes it.
 ///
-/// VFIL_API marks what the library exports. VFIL_LOCAL marks constants of the headers: a program or plug-in
-/// that includes them has its own, which no other module shares. (A shared one would keep a plug-in in memory
+/// VFIL_API marks what the library exports. VFIL_LOCAL marks what belongs to the module that includes it: the
+/// constants of the headers are a program's or a plug-in's own. (A shared one would keep a plug-in in memory
 /// after dlclose.)
 #pragma once
 

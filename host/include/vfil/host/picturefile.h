@@ -85,7 +85,7 @@ VFIL_HOST_API PictureInfo InspectPicture(const std::filesystem::path& path, cons
 ///
 /// \throws FileError  The picture does not go into that kind of file, or the file cannot be written in full.
 VFIL_HOST_API void WritePicture(const std::filesystem::path& path, const Picture& picture,
-                  const WriteOptions& options = {});
+                                const WriteOptions& options = {});
 
 /// Refuses, as WritePicture would, a name whose ending is of no known kind or whose folder does not exist. To
 /// be called before long work.

@@ -69,7 +69,7 @@ struct VideoInfo {
     Stated<Range> range;
     Stated<FieldOrder> fieldOrder;
     Stated<AlphaState> alpha;
-    vfILGuid format{};                         ///< of the frames that VideoReader::Read gives
+    vfILGuid format{};                     ///< of the frames that VideoReader::Read gives
     std::vector<std::string> otherStreams; ///< "audio aac 48000 Hz stereo"
     std::vector<std::string> remarks;      ///< what was contradictory or lost, a line each, with the remedy
 };
@@ -163,7 +163,8 @@ public:
 
 /// The formats that frames may have so that \p path (with codec and container of \p settings) holds them
 /// without a change of colour model, best first for frames of \p settings.format. Empty for an unknown kind.
-VFIL_HOST_API std::vector<vfILGuid> FormatsOfVideo(const std::filesystem::path& path, const VideoSettings& settings);
+VFIL_HOST_API std::vector<vfILGuid> FormatsOfVideo(const std::filesystem::path& path,
+                                                   const VideoSettings& settings);
 
 /// Whether a path names a clip rather than a picture: "-", or a file that is none of the picture files.
 VFIL_HOST_API bool IsVideo(const std::filesystem::path& path);

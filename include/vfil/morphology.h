@@ -31,7 +31,7 @@ public:
 
     /// A rectangle or an ellipse. With a fill of 0 the element is empty, and the output is the input.
     ///
-    /// \param rx,ry     As in SetRadius; the element takes the whole parts.
+    /// \param rx        As in SetRadius, and so is \p ry; the element takes the whole parts.
     /// \param dontCare  A count that Verify wants below 1.
     /// \param further   Stored, of no effect.
     void SetStructuringElement(vfILStructuralType type, long fill, float rx, float ry, long dontCare,

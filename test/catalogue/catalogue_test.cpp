@@ -3,8 +3,8 @@
 /// does.
 #include "catalogue/catalogue.h"
 #include "catalogue/names.h"
-#include "host/picture.h"
-#include "host/picturefactory.h"
+#include <vfil/host/picture.h>
+#include <vfil/host/picturefactory.h>
 
 #include <vfil/pixel.h>
 

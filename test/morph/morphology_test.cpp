@@ -2,7 +2,7 @@
 #include "support/filterscene.h"
 #include "support/processors.h"
 
-#include "host/picturefactory.h"
+#include <vfil/host/picturefactory.h>
 
 #include <vfil/morphology.h>
 

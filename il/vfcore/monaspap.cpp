@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 using namespace vfil;
 
@@ -150,20 +151,15 @@ bool vfILMonadicSpatialProc::PrepareScratch(const vfILVector2l& radius)
 
     const ImageView input(GetInputImg());
     const bool shared = ShareMemory(input, ImageView(GetOutputImg()));
-    const bool unread = m_readsInput && !shared;
-    const bool unpadded = unread || (!shared && Covers(input.Box(), m_run.windowBox));
-    const std::int64_t rowBytes = width * input.RowPixelBytes();
     m_bandRows = effect.GetSizeY();
+    if (m_readsInput) return PrepareInputRows(shared);
+    const bool unpadded = !shared && Covers(input.Box(), m_run.windowBox);
+    const std::int64_t rowBytes = width * input.RowPixelBytes();
     if (m_bandsAllowed && !shared && !unpadded)
         m_bandRows = static_cast<long>(std::min<std::int64_t>(m_bandRows, BandRows(rowBytes, kernelHeight)));
     const std::int64_t resultBytes = std::int64_t{effect.GetSizeX()} * input.RowPixelBytes();
     if (!AllocateScratch(rowBytes, unpadded ? 0 : m_bandRows + kernelHeight - 1, resultBytes)) return false;
 
-    if (unread) {
-        m_run.windows = {};
-        m_run.centres = input.Walk(effect.GetOffsetX(), effect.GetOffsetY());
-        return true;
-    }
     if (unpadded) {
         m_run.windows = input.Walk(m_run.windowBox.GetOffsetX(), m_run.windowBox.GetOffsetY());
     } else if (m_bandRows == effect.GetSizeY()) {
@@ -171,6 +167,30 @@ bool vfILMonadicSpatialProc::PrepareScratch(const vfILVector2l& radius)
     }
     m_run.centres = m_run.windows;
     m_run.centres.first += m_run.radiusY * m_run.centres.step + m_run.radiusX * input.RowPixelBytes();
+    return true;
+}
+
+/// Gives the leaf the input, or a copy of what it may read of it.
+bool vfILMonadicSpatialProc::PrepareInputRows(bool shared)
+{
+    const ImageView input(GetInputImg());
+    const vfILBbox2l read = shared && Covers(input.Box(), m_run.windowBox) ? m_run.windowBox : input.Box();
+    const std::int64_t pixelBytes = input.RowPixelBytes();
+    const std::int64_t rowBytes = read.GetSizeX() * pixelBytes;
+    if (!AllocateScratch(rowBytes, shared ? read.GetSizeY() : 0, m_run.maskedBox.GetSizeX() * pixelBytes))
+        return false;
+    m_run.input = std::exchange(m_run.windows, {});
+    m_run.inputSize = vfILVector2l(read.GetSizeX(), read.GetSizeY());
+    if (shared) {
+        ReadWindow(input, read, EdgeRuleOf(*this), m_simdAvailable != 0, m_run.input.first);
+    } else {
+        m_run.input = input.Walk(0, 0);
+    }
+    m_run.windowBox =
+        Moved(m_run.windowBox, -std::int64_t{read.GetOffsetX()}, -std::int64_t{read.GetOffsetY()});
+    m_run.centres = m_run.input;
+    m_run.centres.first += (m_run.windowBox.GetOffsetY() + m_run.radiusY) * m_run.input.step +
+                           (m_run.windowBox.GetOffsetX() + m_run.radiusX) * pixelBytes;
     return true;
 }
 

@@ -26,6 +26,11 @@ struct vfILWindowRun : vfILPixelRun {
     long radiusX = 0;
     long radiusY = 0;
     vfILBbox2l windowBox; ///< what the windows of the whole effect box cover, in input coordinates
+    /// For a leaf that reads the input itself: the picture in whose coordinates windowBox is. It is the
+    /// input, but where the output shares the input's memory a copy of it, or of the windows if they are
+    /// inside.
+    vfILRowWalk input;
+    vfILVector2l inputSize;
     unsigned long channels = VFIL_MODE_RGBA; ///< the channels of RGBA that results go to, as in the mode
     long firstRow = 0; ///< the first treated row of processBox, counted from its first row
     long rowStep = 1;
@@ -95,9 +100,8 @@ protected:
     /// called several times a run, for one band of rows after the other, so that the padded copy need not
     /// hold the whole picture: that saves memory, and the copy stays in the cache.
     void AllowBands() { m_bandsAllowed = true; }
-    /// For the PrepareData of a leaf, before the frame's: the leaf reads the input for itself in this run. It
-    /// then gets no windows, unless input and output share memory: Run().windows.first is null. DoEffect is
-    /// called once.
+    /// For the PrepareData of a leaf, before the frame's: the leaf reads Run().input for itself in this run,
+    /// by the edge rule, and nothing is padded for it. Run().windows is null. DoEffect is called once.
     void ReadInputItself(bool itself) { m_readsInput = itself; }
     /// Whether Verify takes the radius.
     bool IsRadiusValid() const;
@@ -116,6 +120,7 @@ protected:
 private:
     bool PreparePassThrough();
     bool PrepareScratch(const vfILVector2l& radius);
+    bool PrepareInputRows(bool shared);
     bool AllocateScratch(std::int64_t rowBytes, std::int64_t rows, std::int64_t resultBytes);
     void FillScratch(long firstRow, long rows);
     void SelectFieldRows();

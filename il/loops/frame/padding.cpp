@@ -101,6 +101,15 @@ EdgeRule EdgeRuleOf(const vfILMonadicSpatialProc& filter)
     return rule;
 }
 
+ImageView InputOf(const vfILMonadicSpatialProc& filter, const vfILWindowRun& run)
+{
+    ImageView view(filter.GetInputImg());
+    view.pixels = run.input.first;
+    view.width = run.inputSize[0];
+    view.height = run.inputSize[1];
+    return view;
+}
+
 std::int64_t PlaceAt(vfILEdgeMode mode, std::int64_t at, std::int64_t size)
 {
     return StretchAt(mode, at, size, 1).from;

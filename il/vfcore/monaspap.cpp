@@ -49,6 +49,12 @@ vfILWindowRun BandOf(const vfILWindowRun& whole, long first, long rows)
     return band;
 }
 
+bool IsEdgeMode(vfILEdgeMode mode)
+{
+    return mode == VFIL_EDGE_COLOR || mode == VFIL_EDGE_WRAP || mode == VFIL_EDGE_CLAMP ||
+           mode == VFIL_EDGE_MIRROR;
+}
+
 } // namespace
 
 const wchar_t* const vfILMonadicSpatialProc::m_ClassName = L"vfILMonadicSpatialProc";
@@ -73,7 +79,7 @@ vfILStatus vfILMonadicSpatialProc::Verify()
     if (!IsRadiusValid()) {
         return Fail(0x10023, "%s ERROR Verify: Kernel radius is not in valid range\n", GetClassNameW());
     }
-    if (m_edgeMode < VFIL_EDGE_COLOR || m_edgeMode > VFIL_EDGE_MIRROR) {
+    if (!IsEdgeMode(m_edgeMode)) {
         return Fail(0x10020, "%s ERROR Verify: Edge mode handling is unknown\n", GetClassNameW());
     }
     if (m_edgeMode == VFIL_EDGE_COLOR && m_edgeColor.Verify() != 1) {

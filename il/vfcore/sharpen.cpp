@@ -22,18 +22,6 @@ bool HasImageFactory()
     return true;
 }
 
-/// Puts the sharpened sample where the result so far is an edge, and the centre elsewhere. Both are read
-/// before the choice, so that the loop becomes one of vectors.
-template <class Sample>
-void TakeAtEdges(const Sample* sharpened, const Sample* centres, Sample* results, std::size_t samples)
-{
-    for (std::size_t i = 0; i < samples; ++i) {
-        const Sample sharp = sharpened[i];
-        const Sample centre = centres[i];
-        results[i] = results[i] != 0 ? sharp : centre;
-    }
-}
-
 } // namespace
 
 const wchar_t* const vfILSharpenImg::m_ClassName = L"vfILSharpenImg";
@@ -123,27 +111,10 @@ vfILStatus vfILSharpenImg::Esharpen()
     everywhere.channels = VFIL_MODE_RGBA;
     if (SinglePassConvolve(everywhere, m_runKernel) != VFIL_SUCCESS) return VFIL_FAILURE;
     Run().stopped = everywhere.stopped;
-    if (!everywhere.stopped) SelectEdges(everywhere.output);
+    if (!everywhere.stopped)
+        SelectAtEdges({*this, Run(), OutputFormat(), m_simdAvailable != 0}, everywhere.output,
+                      m_edgeSensitivity);
     return VFIL_SUCCESS;
-}
-
-void vfILSharpenImg::SelectEdges(const vfILRowWalk& sharpened)
-{
-    PointFormats::Visit(OutputFormat(), [&](auto format) {
-        using Format = decltype(format);
-        using Sample = typename Format::Sample;
-        vfILWindowRun& run = Run();
-        vfILRowWalk corners = run.centres; // of the windows of 3 x 3
-        corners.first -= corners.step + std::ptrdiff_t{sizeof(Sample)} * Format::kChannels;
-        const auto findEdges = FindEdgeRow<Sample>(m_simdAvailable != 0, EdgeOp::Sobel);
-        const auto threshold = ThresholdOf<Sample>(m_edgeSensitivity, 0.0);
-        const auto samples = static_cast<std::size_t>(run.processBox.GetSizeX() * Format::kChannels);
-        RunWindowRows<Format>(*this, run, [&](long row, Sample* results) {
-            findEdges(WindowsOfRow<Format>(corners, row), results, samples, threshold);
-            TakeAtEdges(RowOf<const Sample>(sharpened, row), RowOf<const Sample>(run.centres, row), results,
-                        samples);
-        });
-    });
 }
 
 int vfILSharpenImg::IsKernelSeparable()

@@ -50,6 +50,7 @@ protected:
     class Element; ///< the element's shape in a run
     class Stage;   ///< an operator within an operator
 
+    vfILStatus PrepareData() override;
     /// What the type and the radii say. Fails with 0x1005D for an unknown type, and with 0x10001.
     vfILStatus BuildStructuringElement(Element& element);
     /// Writes the smallest or the largest samples below the element. The interrupt is \p polled's.

@@ -73,30 +73,22 @@ void Execute(Processor& processor)
     std::abort();
 }
 
-// Each source adds its own.
-void AddProcessors();
-void AddConversions();
-void AddRows();
-void AddLimits();
-void AddPixman();
-void AddYuv();
-void AddYuvConversions();
-void AddOpenCv();
-void AddOpenCvConversions();
-void AddSwscale();
-void AddZimg();
-void AddFilters();
-void AddMatrices();
-void AddYuvFilters();
-void AddOpenCvFilters();
-void AddVips();
-void AddAvFilters();
-void AddEigen();
+/// A constant of this in a source of benchmarks has main call \p add: a source that is built is measured.
+class Source {
+public:
+    explicit Source(void (*add)());
+    /// Has all sources add their benchmarks.
+    static void AddAll();
+};
 
 // How the table names those who are no peers: the processors, and their kernels by themselves.
 inline constexpr char kOurs[] = "vfil";
 inline constexpr char kOurRows[] = "vfil rows";
 inline constexpr char kOurRowsCached[] = "vfil rows, plain stores";
+constexpr const char* RowsName(bool streaming)
+{
+    return streaming ? kOurRows : kOurRowsCached;
+}
 inline constexpr char kLimitTwo[] = "limit: read two, write one";
 inline constexpr char kLimitInPlace[] = "limit: read two, write over one";
 inline constexpr char kLimitOne[] = "limit: read one, write one";

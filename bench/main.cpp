@@ -134,7 +134,24 @@ private:
     std::map<std::string, std::map<std::string, std::vector<double>>> m_times;
 };
 
+std::vector<void (*)()>& Sources()
+{
+    static std::vector<void (*)()> sources;
+    return sources;
+}
+
 } // namespace
+
+Source::Source(void (*add)())
+{
+    Sources().push_back(add);
+}
+
+void Source::AddAll()
+{
+    for (void (*const add)() : Sources())
+        add();
+}
 
 void Add(const std::string& operation, const std::string& who, std::function<void(const Frame&)> run)
 {
@@ -159,40 +176,7 @@ int main(int argc, char** argv)
     benchmark::Initialize(&count, arguments.data());
 
     vfil::host::RegisterPictureClass();
-    bench::AddProcessors();
-    bench::AddConversions();
-    bench::AddRows();
-    bench::AddLimits();
-    bench::AddFilters();
-    bench::AddMatrices();
-#if defined(VFIL_PEER_PIXMAN)
-    bench::AddPixman();
-#endif
-#if defined(VFIL_PEER_YUV)
-    bench::AddYuv();
-    bench::AddYuvConversions();
-    bench::AddYuvFilters();
-#endif
-#if defined(VFIL_PEER_OPENCV)
-    bench::AddOpenCv();
-    bench::AddOpenCvConversions();
-    bench::AddOpenCvFilters();
-#endif
-#if defined(VFIL_PEER_SWSCALE)
-    bench::AddSwscale();
-#endif
-#if defined(VFIL_PEER_ZIMG)
-    bench::AddZimg();
-#endif
-#if defined(VFIL_PEER_VIPS)
-    bench::AddVips();
-#endif
-#if defined(VFIL_PEER_AVFILTER)
-    bench::AddAvFilters();
-#endif
-#if defined(VFIL_PEER_EIGEN)
-    bench::AddEigen();
-#endif
+    bench::Source::AddAll();
     bench::Frames::Get();
     bench::Table table;
     benchmark::RunSpecifiedBenchmarks(&table);

@@ -42,9 +42,10 @@ vfILLayerRun vfILDyadicPixelProc::Layers() const
 
 vfILStatus vfILDyadicPixelProc::PrepareData()
 {
-    if (!AreConnected(GetInputImgA(), GetOutputImg()) || !AreConnected(GetInputImgB(), GetOutputImg())) {
-        return VFIL_FAILURE;
-    }
+    if (!AreConnected(GetInputImgA(), GetOutputImg()))
+        return Fail(WhyUnconnected(GetInputImgA(), GetOutputImg(), 0x10013, 0x10015), GetClassNameW());
+    if (!AreConnected(GetInputImgB(), GetOutputImg()))
+        return Fail(WhyUnconnected(GetInputImgB(), GetOutputImg(), 0x10014, 0x10016), GetClassNameW());
     const bool dominantB = IsDominantB();
     const vfILVector2l& offset = GetInputOffset();
     const vfILBbox2l boxA = ImageView(GetInputImgA()).Box();
@@ -53,7 +54,8 @@ vfILStatus vfILDyadicPixelProc::PrepareData()
     const vfILBbox2l& maskBox = GetMask(nullptr, &channel);
     ComputeRegions(m_run, dominantB ? boxB : boxA, dominantB ? boxA : boxB, GetROI(), maskBox,
                    GetOutputOffset());
-    if (!PrepareMaskAndOutput(m_run, GetOutputImg(), GetMaskImg(), maskBox, channel)) return VFIL_FAILURE;
+    if (!PrepareMaskAndOutput(m_run, GetOutputImg(), GetMaskImg(), maskBox, channel))
+        return Fail(WhyUnprepared(m_run, GetOutputImg(), GetMaskImg()), GetClassNameW());
 
     // Each input sees the plane's boxes in coordinates of its own: B's are moved back by its offset.
     const bool showsOutside = !(m_run.processBox == m_run.shiftedValidBox);

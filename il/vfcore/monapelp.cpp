@@ -31,11 +31,13 @@ vfILStatus vfILMonadicPixelProc::Verify()
 
 vfILStatus vfILMonadicPixelProc::PrepareData()
 {
-    if (!AreConnected(GetInputImg(), GetOutputImg())) return VFIL_FAILURE;
+    if (!AreConnected(GetInputImg(), GetOutputImg()))
+        return Fail(WhyUnconnected(GetInputImg(), GetOutputImg()), GetClassNameW());
     PXImageChannel channel{};
     const vfILBbox2l& maskBox = GetMask(nullptr, &channel);
     ComputeRegions(m_run, ImageView(GetInputImg()).Box(), GetROI(), maskBox, GetOutputOffset());
-    if (!PrepareMaskAndOutput(m_run, GetOutputImg(), GetMaskImg(), maskBox, channel)) return VFIL_FAILURE;
+    if (!PrepareMaskAndOutput(m_run, GetOutputImg(), GetMaskImg(), maskBox, channel))
+        return Fail(WhyUnprepared(m_run, GetOutputImg(), GetMaskImg()), GetClassNameW());
 
     const bool isOutput = GetInputImg() == GetOutputImg();
     const bool hazard = isOutput && IsHazard(m_run.targetBox, GetROI());

@@ -80,7 +80,7 @@ vfILStatus vfILMonadicSpatialProc::Verify()
         return Fail(0x10023, "%s ERROR Verify: Kernel radius is not in valid range\n", GetClassNameW());
     }
     if (!IsEdgeMode(m_edgeMode)) {
-        return Fail(0x10020, "%s ERROR Verify: Edge mode handling is unknown\n", GetClassNameW());
+        return Fail(0x10020, GetClassNameW());
     }
     if (m_edgeMode == VFIL_EDGE_COLOR && m_edgeColor.Verify() != 1) {
         return Fail(0x10048, "%s ERROR Verify: Edge padding color is invalid\n", GetClassNameW());
@@ -92,7 +92,7 @@ vfILStatus vfILMonadicSpatialProc::VerifyFrame(const wchar_t* className)
 {
     if (vfILMonadicSpatialProc::Verify() != VFIL_SUCCESS) return VFIL_FAILURE;
     if (PointFormats::Contains(OutputFormat())) return VFIL_SUCCESS;
-    return Fail(0x1000D, "%s ERROR Verify: Invalid image format \n", className);
+    return Fail(0x1000D, className);
 }
 
 bool vfILMonadicSpatialProc::IsRadiusValid() const
@@ -108,13 +108,16 @@ vfILStatus vfILMonadicSpatialProc::PrepareData()
 
 vfILStatus vfILMonadicSpatialProc::PrepareWindows(const vfILVector2l& radius)
 {
-    if (!AreConnected(GetInputImg(), GetOutputImg()) || radius[0] < 0 || radius[1] < 0) return VFIL_FAILURE;
+    if (!AreConnected(GetInputImg(), GetOutputImg()))
+        return Fail(WhyUnconnected(GetInputImg(), GetOutputImg()), GetClassNameW());
+    if (radius[0] < 0 || radius[1] < 0) return Fail(0x10023, GetClassNameW());
     const long pixelBytes = ImageView(GetOutputImg()).RowPixelBytes();
-    if (pixelBytes < 1 || pixelBytes > long{sizeof ColourPixel::bytes}) return VFIL_FAILURE;
+    if (pixelBytes < 1 || pixelBytes > long{sizeof ColourPixel::bytes}) return Fail(0x1000D, GetClassNameW());
     PXImageChannel channel{};
     const vfILBbox2l& maskBox = GetMask(nullptr, &channel);
     ComputeRegions(m_run, ImageView(GetInputImg()).Box(), GetROI(), maskBox, GetOutputOffset());
-    if (!PrepareMaskAndOutput(m_run, GetOutputImg(), GetMaskImg(), maskBox, channel)) return VFIL_FAILURE;
+    if (!PrepareMaskAndOutput(m_run, GetOutputImg(), GetMaskImg(), maskBox, channel))
+        return Fail(WhyUnprepared(m_run, GetOutputImg(), GetMaskImg()), GetClassNameW());
 
     m_validBox = m_run.shiftedValidBox;
     m_outputBox = m_run.targetBox;

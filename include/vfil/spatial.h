@@ -62,7 +62,7 @@ protected:
     vfILStatus ProcessData() override;
     vfILStatus CleanData() override;
     /// For the PrepareData of a leaf whose windows have other radii than SetRadius says: PrepareData is this
-    /// with WholeRadius(). Negative radii fail without a code, as Verify had to refuse them.
+    /// with WholeRadius(). Negative radii fail with 0x10023.
     vfILStatus PrepareWindows(const vfILVector2l& radius);
     /// Computes Run().processBox, which is never null. Called once a run, or once a band: see AllowBands.
     virtual vfILStatus DoEffect() = 0;

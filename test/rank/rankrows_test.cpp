@@ -21,9 +21,9 @@ const RankCases<Sample>& CasesAt(Level level)
 }
 
 template <class Sample>
-class RankKernels : public testing::Test {};
+class RankRows : public testing::Test {};
 using Samples = testing::Types<std::uint8_t, std::uint16_t>;
-TYPED_TEST_SUITE(RankKernels, Samples);
+TYPED_TEST_SUITE(RankRows, Samples);
 
 /// Rows of their own memory, so that reads past an end are seen. Of few values, when told so.
 template <class Sample>
@@ -57,7 +57,7 @@ void ForEachKernel(Get get, Check check)
     }
 }
 
-TYPED_TEST(RankKernels, ExtremesAreThePlainOnes)
+TYPED_TEST(RankRows, ExtremesAreThePlainOnes)
 {
     using Sample = TypeParam;
     std::mt19937 random(1);
@@ -76,7 +76,7 @@ TYPED_TEST(RankKernels, ExtremesAreThePlainOnes)
         ForEachKernel<Sample>([which](auto& cases) { return cases.extreme[which / 2][which % 2]; }, check);
 }
 
-TYPED_TEST(RankKernels, WindowsAreThePlainOnes)
+TYPED_TEST(RankRows, WindowsAreThePlainOnes)
 {
     using Sample = TypeParam;
     std::mt19937 random(5);
@@ -98,7 +98,7 @@ TYPED_TEST(RankKernels, WindowsAreThePlainOnes)
         ForEachKernel<Sample>([largest](auto& cases) { return cases.windows[largest]; }, check);
 }
 
-TYPED_TEST(RankKernels, MiddlesAreThePlainOnes)
+TYPED_TEST(RankRows, MiddlesAreThePlainOnes)
 {
     using Sample = TypeParam;
     std::mt19937 random(2);
@@ -117,7 +117,7 @@ TYPED_TEST(RankKernels, MiddlesAreThePlainOnes)
 }
 
 // What follows the exchanges without making them ends where they do.
-TYPED_TEST(RankKernels, PlacesAmongEqualKeys)
+TYPED_TEST(RankRows, PlacesAmongEqualKeys)
 {
     using Sample = TypeParam;
     std::mt19937 random(3);
@@ -143,7 +143,7 @@ TYPED_TEST(RankKernels, PlacesAmongEqualKeys)
     }
 }
 
-TEST(RankKernels, PicksAreThePlainOnes)
+TEST(RankRows, PicksAreThePlainOnes)
 {
     using Words = std::vector<std::uint32_t>;
     std::mt19937 random(4);
@@ -173,7 +173,7 @@ TEST(RankKernels, PicksAreThePlainOnes)
 }
 
 // Every colour; alpha, which is not looked at, varies with it.
-TEST(RankKernels, KeysOfEveryColour)
+TEST(RankRows, KeysOfEveryColour)
 {
     std::vector<std::uint8_t> pixels(4 * 65536), keys(65536), expected(65536);
     for (const Level level : {Level::Plain, Level::Sse2, Level::Avx2, Level::Avx512}) {

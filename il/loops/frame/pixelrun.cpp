@@ -104,6 +104,23 @@ bool AreConnected(IPXImage* input, IPXImage* output)
     return from.Box().IsNull() || (from.HasPixels() && from.RowPixelBytes() == to.RowPixelBytes());
 }
 
+unsigned long WhyUnconnected(IPXImage* input, IPXImage* output, unsigned long noInput, unsigned long noPixels)
+{
+    if (output == nullptr) return 0x10002;
+    if (!ImageView(output).HasPixels()) return 0x10003;
+    if (input == nullptr) return noInput;
+    return ImageView(input).HasPixels() ? 0x1000E : noPixels;
+}
+
+unsigned long WhyUnprepared(const vfILPixelRun& run, IPXImage* output, IPXImage* mask)
+{
+    const ImageView to(output);
+    const ImageView from(mask);
+    if (!Covers(to.Box(), run.processBox)) return 0x1000A;
+    if (!from.HasPixels()) return 0x10005;
+    return from.channelBytes != to.channelBytes ? 0x10009 : 0x10006;
+}
+
 void SelectRows(vfILPixelRun& run, unsigned long mode, IPXImage* output,
                 std::initializer_list<vfILRowWalk*> inputs)
 {

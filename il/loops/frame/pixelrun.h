@@ -32,6 +32,13 @@ bool PrepareMaskAndOutput(vfILPixelRun& run, IPXImage* output, IPXImage* mask, c
 /// at all needs none.
 bool AreConnected(IPXImage* input, IPXImage* output);
 
+/// The code of what the two above refuse, for the error of a run that nobody verified.
+///
+/// \param noInput  The code for a null input; \p noPixels for one without pixels.
+unsigned long WhyUnconnected(IPXImage* input, IPXImage* output, unsigned long noInput = 0x1000B,
+                             unsigned long noPixels = 0x1000C);
+unsigned long WhyUnprepared(const vfILPixelRun& run, IPXImage* output, IPXImage* mask);
+
 /// Moves the walks of the inputs, the mask and the output onto the rows that the mode's field bits select.
 void SelectRows(vfILPixelRun& run, unsigned long mode, IPXImage* output,
                 std::initializer_list<vfILRowWalk*> inputs);

@@ -8,6 +8,8 @@
 
 namespace bench {
 
+namespace {
+
 void AddMatrices()
 {
     for (const int size : kMatrixSizes) {
@@ -19,4 +21,7 @@ void AddMatrices()
     }
 }
 
+const Source s_source(AddMatrices);
+
+} // namespace
 } // namespace bench

@@ -1,6 +1,6 @@
 /// \file
 /// The same operators by OpenCV, held to one thread.
-#include "frames.h"
+#include "bench/frames.h"
 
 #include <opencv2/core.hpp>
 
@@ -23,8 +23,6 @@ void AddCall(const char* operation, Call call)
     });
 }
 
-} // namespace
-
 void AddOpenCv()
 {
     using Mat = cv::Mat;
@@ -38,4 +36,7 @@ void AddOpenCv()
     AddCall("copy", [](const Mat& a, const Mat&, Mat& out) { a.copyTo(out); });
 }
 
+const Source s_source(AddOpenCv);
+
+} // namespace
 } // namespace bench

@@ -1,6 +1,6 @@
 /// \file
 /// Conversions by libyuv. Its "ARGB" is B G R A in memory: as much work as ours.
-#include "frames.h"
+#include "bench/frames.h"
 
 #include <libyuv.h>
 
@@ -41,8 +41,6 @@ void AddFrom709()
     });
 }
 
-} // namespace
-
 void AddYuvConversions()
 {
     AddCall(kToUyvy601, libyuv::ARGBToUYVY, PXFormat_RGBA32, kRow, PXFormat_YUV422_601, kPairRow);
@@ -68,4 +66,7 @@ void AddYuvConversions()
     });
 }
 
+const Source s_source(AddYuvConversions);
+
+} // namespace
 } // namespace bench

@@ -1,7 +1,7 @@
 /// \file
 /// The 16-bit matrix by zimg. It works on planes, which are laid here over the same memory: three channels of
 /// our four.
-#include "frames.h"
+#include "bench/frames.h"
 
 #include <cstdlib>
 #include <memory>
@@ -26,8 +26,6 @@ zimg_image_format PlanesOf16Bits(zimg_color_family_e family, zimg_matrix_coeffic
     return format;
 }
 
-} // namespace
-
 void AddZimg()
 {
     const zimg_image_format rgb = PlanesOf16Bits(ZIMG_COLOR_RGB, ZIMG_MATRIX_RGB, ZIMG_RANGE_FULL);
@@ -50,4 +48,7 @@ void AddZimg()
     });
 }
 
+const Source s_source(AddZimg);
+
+} // namespace
 } // namespace bench

@@ -1,7 +1,7 @@
 /// \file
 /// Filters by FFmpeg, on one thread. They take a plane a channel, which the frames have ready, and write into
 /// buffers that the filter's pool keeps. Nothing is copied.
-#include "filters.h"
+#include "bench/filters.h"
 
 extern "C" {
 #include <libavfilter/avfilter.h>
@@ -104,8 +104,6 @@ std::string Box(const std::string& radius, const Layout& layout)
     return luma + ":chroma_power=1:chroma_radius=" + radius + ":alpha_power=1:alpha_radius=" + radius;
 }
 
-} // namespace
-
 void AddAvFilters()
 {
     for (const Layout& layout : {kRgba8, kMono8}) {
@@ -124,4 +122,7 @@ void AddAvFilters()
     }
 }
 
+const Source s_source(AddAvFilters);
+
+} // namespace
 } // namespace bench

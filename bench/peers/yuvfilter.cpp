@@ -1,6 +1,6 @@
 /// \file
 /// Filters by libyuv.
-#include "filters.h"
+#include "bench/filters.h"
 
 #include <libyuv.h>
 
@@ -11,8 +11,6 @@ namespace {
 constexpr int kColumns = kWidth;
 constexpr int kRows = kHeight;
 constexpr int kRow = kWidth * 4;
-
-} // namespace
 
 void AddYuvFilters()
 {
@@ -30,4 +28,7 @@ void AddYuvFilters()
     });
 }
 
+const Source s_source(AddYuvFilters);
+
+} // namespace
 } // namespace bench

@@ -1,6 +1,6 @@
 /// \file
 /// Decompositions of matrices by Eigen, of a size that is known at run time, as ours.
-#include "filters.h"
+#include "bench/filters.h"
 
 #include <Eigen/SVD>
 
@@ -21,8 +21,6 @@ void AddSvd(int size, const char* who)
     });
 }
 
-} // namespace
-
 void AddEigen()
 {
     for (const int size : kMatrixSizes) {
@@ -31,4 +29,7 @@ void AddEigen()
     }
 }
 
+const Source s_source(AddEigen);
+
+} // namespace
 } // namespace bench

@@ -3,7 +3,6 @@
 #include "frames.h"
 
 #include <vfil/convert.h>
-#include <vfil/fillkey.h>
 #include <vfil/models.h>
 
 namespace bench {
@@ -27,37 +26,6 @@ void AddConverter(const std::string& operation, const GUID& from, const GUID& to
 {
     AddTuned<Converter>(operation, from, to, [](Converter&) {});
 }
-
-void AddFill(const char* operation, const GUID& fill)
-{
-    Add(operation, kOurs, [=](const Frame& frame) {
-        vfILYCCA2YCCYCC splitter;
-        splitter.SetInputImg(&frame.In(PXFormat_YCCA422_601));
-        splitter.SetOutputImgA(&frame.Out(fill));
-        Execute(splitter);
-    });
-}
-
-void AddFillAndKey()
-{
-    AddFill(kFillCopied, PXFormat_YUV422_601);
-    AddFill(kFillSwapped, PXFormat_YCC422_601);
-    Add(kKey, kOurs, [](const Frame& frame) {
-        vfILYCCA2YCCYCC splitter;
-        splitter.SetInputImg(&frame.In(PXFormat_YCCA422_601));
-        splitter.SetOutputImgB(&frame.Out(PXFormat_YUV422_601));
-        Execute(splitter);
-    });
-    Add(kJoin, kOurs, [](const Frame& frame) {
-        vfILYCCYCC2YCCA joiner;
-        joiner.SetInputImgA(&frame.In(PXFormat_YUV422_601));
-        joiner.SetInputImgB(&frame.In(PXFormat_YCC422_601));
-        joiner.SetOutputImg(&frame.Out(PXFormat_YCCA422_601));
-        Execute(joiner);
-    });
-}
-
-} // namespace
 
 void AddConversions()
 {
@@ -83,7 +51,9 @@ void AddConversions()
     AddConverter<vfILRGBA2YCCA>(kToYcca, PXFormat_RGBA32, PXFormat_YCCA32);
     AddConverter<vfILYCCA2RGBA>(kFromYcca, PXFormat_YCCA32, PXFormat_RGBA32);
     AddConverter<vfILRGBA2YCCA>(kToYcca64, PXFormat_RGBA64, PXFormat_YCCA64);
-    AddFillAndKey();
 }
 
+const Source s_source(AddConversions);
+
+} // namespace
 } // namespace bench

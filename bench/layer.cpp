@@ -1,13 +1,19 @@
 /// \file
-/// Our processors, over whole pictures.
+/// Our layer operators over whole pictures, and some of their row kernels by themselves, with stores around
+/// the cache and plain ones: what the processors add, and what the choice of stores does.
 #include "frames.h"
 
+#include "il/rows/layer/comprows.h"
+
 #include <vfil/composite.h>
-#include <vfil/pixel.h>
 
 namespace bench {
 
 namespace {
+
+using vfil::AlphaRule;
+using vfil::LayerOp;
+using vfil::LayerParams;
 
 /// Where a layer operator works.
 struct Layers {
@@ -61,24 +67,23 @@ void AddMix(const std::string& operation, Layers layers)
     });
 }
 
-template <class Processor>
-void AddOneInput(const std::string& operation)
+void AddLayerRows(const std::string& operation, LayerOp op, bool frontPremultiplied)
 {
-    Add(operation, kOurs, [](const Frame& frame) {
-        Processor processor;
-        processor.SetInputImg(frame.back.Get());
-        processor.SetOutputImg(frame.out.Get());
-        processor.SetProcessingMode(15);
-        Execute(processor);
-    });
+    for (const bool streaming : {true, false}) {
+        const LayerParams<std::uint8_t> params{
+            255, frontPremultiplied, true, AlphaRule::Computed, vfil::kAllChannels, false, streaming};
+        const auto kernel = vfil::FindLayerRow<std::uint8_t>(true, op, params);
+        Add(operation, RowsName(streaming), [params, kernel](const Frame& frame) {
+            for (std::size_t y = 0; y < kHeight; ++y)
+                kernel(Row<std::uint8_t>(frame.back, y), Row<std::uint8_t>(frame.front, y),
+                       Row<std::uint8_t>(frame.out, y), kWidth, params);
+            vfil::FinishStreaming();
+        });
+    }
 }
 
-} // namespace
-
-void AddProcessors()
+void AddLayers()
 {
-    AddOneInput<vfILInvertImg>("invert");
-    AddOneInput<vfILCopyImg>("copy");
     AddLayerBothPlaces<vfILOverImage>("over");
     AddLayer<vfILOverImage>("over, front straight", kApart, false, true);
     AddLayer<vfILOverImage>("over, back straight", kApart, true, false);
@@ -97,6 +102,13 @@ void AddProcessors()
     AddMix(std::string("masked mix") + kInPlace, kOverBack);
     AddLayer<vfILOverImage>("over, 16 bits", kApart16);
     AddLayer<vfILOverImage>("over, both straight, 16 bits", kApart16, false, false);
+    AddLayerRows("over", LayerOp::Over, true);
+    AddLayerRows("over, front straight", LayerOp::Over, false);
+    AddLayerRows("xor", LayerOp::Xor, true);
+    AddLayerRows("add", LayerOp::Add, true);
 }
 
+const Source s_source(AddLayers);
+
+} // namespace
 } // namespace bench

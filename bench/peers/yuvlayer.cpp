@@ -1,6 +1,6 @@
 /// \file
 /// The same operators by libyuv.
-#include "frames.h"
+#include "bench/frames.h"
 
 #include <libyuv.h>
 
@@ -11,8 +11,6 @@ namespace {
 constexpr int kRow = kWidth * 4;
 constexpr int kColumns = kWidth;
 constexpr int kRows = kHeight;
-
-} // namespace
 
 void AddYuv()
 {
@@ -41,4 +39,7 @@ void AddYuv()
     });
 }
 
+const Source s_source(AddYuv);
+
+} // namespace
 } // namespace bench

@@ -1,7 +1,7 @@
 /// \file
 /// The same operators by pixman, which composes in place: its output is the back. Its operators are named
 /// from the source's view, as ours are from the front's.
-#include "frames.h"
+#include "bench/frames.h"
 
 #include <pixman.h>
 
@@ -28,8 +28,6 @@ void Compose(pixman_op_t op, const Frame& frame, pixman_format_code_t frontForma
     pixman_image_unref(back);
 }
 
-} // namespace
-
 void AddPixman()
 {
     const std::pair<const char*, pixman_op_t> operators[] = {
@@ -50,4 +48,7 @@ void AddPixman()
     });
 }
 
+const Source s_source(AddPixman);
+
+} // namespace
 } // namespace bench

@@ -1,6 +1,6 @@
 /// \file
 /// Conversions by OpenCV, held to one thread.
-#include "frames.h"
+#include "bench/frames.h"
 
 #include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>
@@ -35,8 +35,6 @@ void AddScaled(const char* operation, Side from, Side to, double factor)
     });
 }
 
-} // namespace
-
 void AddOpenCvConversions()
 {
     const Side rgba{PXFormat_RGBA32, CV_8UC4}, rgb{PXFormat_RGB24, CV_8UC3};
@@ -55,4 +53,7 @@ void AddOpenCvConversions()
     AddScaled(k8To16, rgba, deep, 257);
 }
 
+const Source s_source(AddOpenCvConversions);
+
+} // namespace
 } // namespace bench

@@ -3,7 +3,7 @@
 /// each frame, since they are bound to its memory, and write into ours. Left out is what version 8.14 gets
 /// wrong for bytes: ranks in windows beyond 3x3, and the square Laplacian, whose weights its vector form
 /// rounds to nothing. Its approximate form of Gaussians takes longer than the integer one.
-#include "filters.h"
+#include "bench/filters.h"
 
 #include <vips/vips.h>
 
@@ -100,8 +100,6 @@ auto Rank(Choose choose)
     };
 }
 
-} // namespace
-
 void AddVips()
 {
     if (VIPS_INIT("bench") != 0) return;
@@ -124,4 +122,7 @@ void AddVips()
     }
 }
 
+const Source s_source(AddVips);
+
+} // namespace
 } // namespace bench

@@ -120,8 +120,6 @@ void AddForms(const char* operation, std::size_t rowBytes)
     AddForm<Form::StreamingAhead, rows>(operation, ", streaming ahead", rowBytes);
 }
 
-} // namespace
-
 void AddLimits()
 {
     AddForms<Rows::Two>(kLimitTwo, kWidth * 4);
@@ -142,4 +140,7 @@ void AddLimits()
 
 #endif
 
+const Source s_source(AddLimits);
+
+} // namespace
 } // namespace bench

@@ -1,6 +1,6 @@
 /// \file
 /// Filters and decompositions by OpenCV, held to one thread.
-#include "filters.h"
+#include "bench/filters.h"
 
 #include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>
@@ -115,8 +115,6 @@ void AddSvd()
     }
 }
 
-} // namespace
-
 void AddOpenCvFilters()
 {
     cv::setNumThreads(1);
@@ -134,4 +132,7 @@ void AddOpenCvFilters()
     AddSvd();
 }
 
+const Source s_source(AddOpenCvFilters);
+
+} // namespace
 } // namespace bench

@@ -1,6 +1,6 @@
 /// \file
 /// Conversions by swscale, without resampling.
-#include "frames.h"
+#include "bench/frames.h"
 
 #include <memory>
 
@@ -37,8 +37,6 @@ void AddCall(const char* operation, Side from, Side to, int weights)
     });
 }
 
-} // namespace
-
 void AddSwscale()
 {
     const Side rgba{PXFormat_RGBA32, AV_PIX_FMT_RGBA, 4}, rgb{PXFormat_RGB24, AV_PIX_FMT_RGB24, 3};
@@ -61,4 +59,7 @@ void AddSwscale()
     AddCall(kDrop, rgba, rgb, SWS_CS_ITU601);
 }
 
+const Source s_source(AddSwscale);
+
+} // namespace
 } // namespace bench

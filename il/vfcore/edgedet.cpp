@@ -7,7 +7,7 @@ vfILStatus vfILEdgeDetectProc::Verify()
 {
     if (VerifyFrame(GetClassNameW()) != VFIL_SUCCESS) return VFIL_FAILURE;
     if (m_type != VFIL_EDGE_MAGNITUDE && m_type != VFIL_EDGE_ANGLE) {
-        return Fail(0x10049, "%s ERROR Verify: Type of edge detection is unknown\n", GetClassNameW());
+        return Fail(0x10049, GetClassNameW());
     }
     if (VerifyBias(GetClassNameW()) != VFIL_SUCCESS) return VFIL_FAILURE;
     return VerifySensitivity(GetClassNameW());

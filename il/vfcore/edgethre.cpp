@@ -26,11 +26,11 @@ double vfILEdgeThresholdProc::GetEdgeSensitivity() const
 vfILStatus vfILEdgeThresholdProc::VerifyBias(const wchar_t* className)
 {
     if (m_bias >= 0 && m_bias <= 1) return VFIL_SUCCESS;
-    return Fail(0x10029, "%s ERROR Verify: Bias value is not in range [0..1]\n", className);
+    return Fail(0x10029, className);
 }
 
 vfILStatus vfILEdgeThresholdProc::VerifySensitivity(const wchar_t* className)
 {
     if (m_edgeSensitivity >= 0 && m_edgeSensitivity <= 1) return VFIL_SUCCESS;
-    return Fail(0x1002A, "%s ERROR Verify: Edge sensitivity is not in range [0..1]\n", className);
+    return Fail(0x1002A, className);
 }

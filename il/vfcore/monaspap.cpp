@@ -80,7 +80,7 @@ vfILStatus vfILMonadicSpatialProc::Verify()
         return Fail(0x10023, "%s ERROR Verify: Kernel radius is not in valid range\n", GetClassNameW());
     }
     if (!IsEdgeMode(m_edgeMode)) {
-        return Fail(0x10020, "%s ERROR Verify: Edge mode handling is unknown\n", GetClassNameW());
+        return Fail(0x10020, GetClassNameW());
     }
     if (m_edgeMode == VFIL_EDGE_COLOR && m_edgeColor.Verify() != 1) {
         return Fail(0x10048, "%s ERROR Verify: Edge padding color is invalid\n", GetClassNameW());
@@ -92,7 +92,7 @@ vfILStatus vfILMonadicSpatialProc::VerifyFrame(const wchar_t* className)
 {
     if (vfILMonadicSpatialProc::Verify() != VFIL_SUCCESS) return VFIL_FAILURE;
     if (PointFormats::Contains(OutputFormat())) return VFIL_SUCCESS;
-    return Fail(0x1000D, "%s ERROR Verify: Invalid image format \n", className);
+    return Fail(0x1000D, className);
 }
 
 bool vfILMonadicSpatialProc::IsRadiusValid() const

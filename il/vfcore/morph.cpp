@@ -22,13 +22,13 @@ vfILStatus vfILMorphologicalProc::Verify()
     const bool known =
         m_type == VFIL_STRUCT_RECTANGLE || m_type == VFIL_STRUCT_ELLIPSE || m_type == VFIL_STRUCT_CUSTOM;
     if (!known || (m_type == VFIL_STRUCT_CUSTOM && m_element == nullptr)) {
-        return Fail(0x1005B, "%s:ERROR in Verify(): Invalid structural type specified\n", GetClassNameW());
+        return Fail(0x1005B, GetClassNameW());
     }
     if (m_mode != 1 && m_mode != 2) {
-        return Fail(0x1005D, "%s:ERROR in Verify(): Invalid morphological mode specified\n", GetClassNameW());
+        return Fail(0x1005D, GetClassNameW());
     }
     if (m_dontCareCount >= 1) {
-        return Fail(0x1005E, "%s:ERROR in Verify(): Too many don't care pixels specified\n", GetClassNameW());
+        return Fail(0x1005E, GetClassNameW());
     }
     return VFIL_SUCCESS;
 }

@@ -24,7 +24,7 @@ vfILStatus vfILSelectiveRankImg::Verify()
 {
     if (VerifyFrame(GetClassNameW()) != VFIL_SUCCESS) return VFIL_FAILURE;
     if (!(m_threshold >= 0 && m_threshold <= 1)) {
-        return Fail(0x10046, "%s ERROR Verify: Threshold is not in range [0..1]\n", GetClassNameW());
+        return Fail(0x10046, GetClassNameW());
     }
     return VFIL_SUCCESS;
 }

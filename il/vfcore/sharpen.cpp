@@ -46,14 +46,14 @@ vfILStatus vfILSharpenImg::Verify()
         return Fail(0x10001, "%s ERROR Verify: Cannot get the image factory\n", GetClassNameW());
     }
     if (m_type != VFIL_SHARPEN_PLAIN && m_type != VFIL_SHARPEN_EDGES) {
-        return Fail(0x10025, "%s ERROR Verify: Type of sharpening is unknown\n", GetClassNameW());
+        return Fail(0x10025, GetClassNameW());
     }
     if (!(m_degree >= 0 && m_degree <= 1)) {
         return Fail(0x10026, "%s ERROR Verify: Degree of sharpening is not in range [0..1]\n",
                     GetClassNameW());
     }
     if (!(m_edgeSensitivity >= 0 && m_edgeSensitivity <= 1)) {
-        return Fail(0x1002A, "%s ERROR Verify: Edge sensitivity is not in range [0..1]\n", GetClassNameW());
+        return Fail(0x1002A, GetClassNameW());
     }
     return VFIL_SUCCESS;
 }

@@ -96,12 +96,6 @@ TEST(ConvertFrame, AColourIsAPixelOfTheOutput)
             }
 }
 
-int g_pollsLeft = 0;
-int StopAfterPolls()
-{
-    return --g_pollsLeft < 0;
-}
-
 TEST(ConvertFrame, AnInterruptLeavesTheLaterRows)
 {
     std::mt19937 random(3);

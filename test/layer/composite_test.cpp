@@ -97,10 +97,10 @@ TEST(Composite, PremultipliedFlagsFollowThePictures)
     p.out.failSetImageState = false;
     atop.SetOutputPremultiplied(1);
     EXPECT_EQ(atop.GetOutputImgPremultiplied(), 1);
-    atop.SetImgAPremultiplied(0);
-    EXPECT_EQ(atop.GetImgAPremultiplied(), 0) << "a later call overrides the picture";
     atop.SetImgBPremultiplied(1);
     atop.SetInputImgB(nullptr);
+    atop.SetImgAPremultiplied(0);
+    EXPECT_EQ(atop.GetImgAPremultiplied(), 0) << "a later call overrides the picture";
     EXPECT_EQ(atop.GetImgBPremultiplied(), 0);
 }
 

@@ -15,9 +15,6 @@ using namespace vfil;
 
 namespace {
 
-/// A fixed weight of all but this is still a signed 16-bit number after rounding.
-constexpr float kFixedLimit = 0.999969482421875F;
-
 /// The kernel of a run as the processor has it, and what its passes need beside it.
 struct Convolution {
     const vfILProcessor& processor;
@@ -38,23 +35,6 @@ struct Convolution {
                weight % run.kernelWidth * channels;
     }
 };
-
-/// Fixed weights may replace these: each fits, and together they miss a sum by less than one code value. Not
-/// so the many small weights of a large kernel, whose roundings add up.
-bool AreFixedWeightsExact(const float* weights, long count)
-{
-    double missed = 0;
-    for (long i = 0; i < count; ++i) {
-        if (!(weights[i] > -1 && weights[i] < 1)) return false;
-        missed += std::fabs(double{weights[i]} * 32768 - FixedWeight(weights[i]));
-    }
-    return missed * 255 / 32768 < 1;
-}
-
-bool AreInFixedRange(const float* weights, long count)
-{
-    return std::all_of(weights, weights + count, [](float w) { return w > -kFixedLimit && w < kFixedLimit; });
-}
 
 /// The largest magnitude of a sum of bytes by fixed weights, as far as it fits the buffer between the passes.
 std::int64_t FixedMagnitude(const FixedWeights& weights)
@@ -267,8 +247,8 @@ vfILStatus vfILConvolveImg::DualPassConvolve(const float* kx, const float* ky)
 {
     const Convolution by{*this, Run(), m_simdAvailable != 0};
     bool done = true;
-    if (OutputFormat() == PXFormat_RGBA32 && m_simdAvailable != 0 && AreInFixedRange(kx, Run().kernelWidth) &&
-        AreInFixedRange(ky, Run().kernelHeight)) {
+    if (OutputFormat() == PXFormat_RGBA32 && m_simdAvailable != 0 &&
+        AreFixedPassesExact(kx, Run().kernelWidth, ky, Run().kernelHeight)) {
         done = DualPassConvolve_RGBA32_Fixed(by, kx, ky);
     } else {
         PointFormats::Visit(OutputFormat(),

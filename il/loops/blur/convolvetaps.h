@@ -3,22 +3,16 @@
 /// of a separable kernel.
 #pragma once
 
+#include "il/loops/blur/fixedweights.h"
 #include "il/loops/frame/runarray.h"
 #include "il/loops/frame/windowloop.h"
 #include "il/rows/blur/convparams.h"
-#include "il/rows/pixarith.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <limits>
 
 namespace vfil {
-
-/// 15 fraction bits, rounded half away from zero. Weights just below 1 would round to it.
-inline std::int16_t FixedWeight(float weight)
-{
-    return RoundSaturated<std::int16_t>(double{weight} * 32768);
-}
 
 /// Weights that count, and where the samples of each are.
 template <class In, class Weight>

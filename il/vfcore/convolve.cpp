@@ -54,12 +54,13 @@ void RunFixedRows(const vfILProcessor& processor, vfILWindowRun& run, MakeRow ma
     const bool isMasked = run.mask.first != nullptr;
     const long samples = run.processBox.GetSizeX() * 4;
     RunWindowRows<Rgba8>(processor, unmasked, [&](long row, std::uint8_t* results) {
-        makeRow(row, results);
-        if (!isMasked) return;
+        const bool isMade = MakesRow(makeRow, row, results);
+        if (!isMasked || !isMade) return isMade;
         const MaskRow<std::uint8_t> mask(run, row);
         const auto* base = RowOf<const std::uint8_t>(run.centres, row);
         for (long i = 0; i < samples; ++i)
             results[i] = BlendFixed8(results[i], base[i], mask[i / 4]);
+        return true;
     });
     run.stopped = unmasked.stopped;
 }
@@ -115,10 +116,18 @@ bool SinglePassFloat(const Convolution& by, const float* kernel, float offset)
     return true;
 }
 
+/// False when there is no row to copy.
+template <class Sample>
+bool CopyRow(const Sample* row, std::size_t samples, Sample* to)
+{
+    if (row != nullptr) std::copy_n(row, samples, to);
+    return row != nullptr;
+}
+
 bool DualPassConvolve_RGBA32_Fixed(const Convolution& by, const float* x, const float* y)
 {
     using Passes = TwoPasses<std::uint8_t, std::int16_t, kTileRows>;
-    Passes passes(by.run);
+    Passes passes(by.processor, by.run);
     FixedWeights kx;
     FixedWeights ky;
     FixedTile tile;
@@ -139,7 +148,7 @@ bool DualPassConvolve_RGBA32_Fixed(const Convolution& by, const float* x, const 
         sumDown(tile.Sources(source), tile.Weights(), tile.Count(), to, passes.ResultStep(), samples);
     };
     RunFixedRows(by.processor, by.run, [&](long row, std::uint8_t* results) {
-        std::copy_n(passes.Row(row, across, down), by.Samples<Rgba8>(), results);
+        return CopyRow(passes.Row(row, across, down), by.Samples<Rgba8>(), results);
     });
     return true;
 }
@@ -148,7 +157,7 @@ template <class Format>
 bool DualPassFloat(const Convolution& by, const float* x, const float* y)
 {
     using Sample = typename Format::Sample;
-    TwoPasses<Sample, float, 1> passes(by.run);
+    TwoPasses<Sample, float, 1> passes(by.processor, by.run);
     FloatTaps<Sample> kx;
     FloatTaps<float> ky;
     if (!SetTaps(kx, x, by.run.kernelWidth, Format::kChannels) || !SetTaps(ky, y, by.run.kernelHeight, 1) ||
@@ -163,7 +172,7 @@ bool DualPassFloat(const Convolution& by, const float* x, const float* y)
         kernels.down(ky.Sources(sums), ky.Weights(), ky.Count(), 0, to, samples);
     };
     RunWindowRows<Format>(by.processor, by.run, [&](long row, Sample* results) {
-        std::copy_n(passes.Row(row, across, down), by.Samples<Format>(), results);
+        return CopyRow(passes.Row(row, across, down), by.Samples<Format>(), results);
     });
     return true;
 }

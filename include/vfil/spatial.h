@@ -123,6 +123,7 @@ private:
     bool PrepareInputRows(bool shared);
     bool AllocateScratch(std::int64_t rowBytes, std::int64_t rows, std::int64_t resultBytes);
     void FillScratch(long firstRow, long rows);
+    void Read(const vfILBbox2l& window, unsigned char* to);
     void SelectFieldRows();
     vfILStatus DoEffectInBands();
 

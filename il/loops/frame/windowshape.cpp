@@ -7,7 +7,6 @@
 #include "il/loops/frame/saturate.h"
 
 #include <algorithm>
-#include <cmath>
 #include <numeric>
 
 namespace vfil {
@@ -57,6 +56,13 @@ public:
     {
         return static_cast<std::size_t>(m_isPeriodic ? (row % m_size + m_size) % m_size
                                                      : std::clamp(row, -m_size, m_size) + m_size);
+    }
+    /// A row of the same class that is near the middle.
+    long NearestOf(long row) const
+    {
+        if (!m_isPeriodic) return std::clamp(row, -m_size, m_size);
+        const auto place = static_cast<long>(Of(row));
+        return place > m_size / 2 ? place - m_size : place;
     }
     /// The row after \p row that may be of a class which the rows since \p first were not of.
     long NextOfNewClass(long row, long first) const
@@ -201,28 +207,12 @@ bool WindowShape::SetFirstMeetings(double rx, double ry, const WindowGround& gro
     return true;
 }
 
-/// Brings the rows nearer to each other and to the middle, in their order, each to one of its class.
+/// Brings rows that are far from the middle to nearer ones of their classes. Runs keep their order, their
+/// rows need not.
 void WindowShape::MoveRows(const WindowGround& ground)
 {
-    if (m_count == 0) return;
     const RowClasses classes(ground);
-    ShapeRun* const last = m_runs.Data() + m_count - 1;
-    if (!IsPeriodic(ground.mode)) {
-        long next = -classes.Highest(); // the highest row that is below the picture wherever the window is
-        for (ShapeRun* run = std::partition_point(m_runs.Data(), last + 1,
-                                                  [next](const ShapeRun& each) { return each.row <= next; });
-             run != m_runs.Data();)
-            (--run)->row = next--;
-        return;
-    }
-    const long period = classes.Highest();
-    for (ShapeRun* run = m_runs.Data() + 1; run <= last; ++run) {
-        const long next = run[-1].row + 1;
-        run->row = next + ((run->row - next) % period + period) % period;
-    }
-    const long periods =
-        std::lround(static_cast<double>(m_runs[0].row + last->row) / static_cast<double>(2 * period));
-    std::for_each_n(m_runs.Data(), m_count, [=](ShapeRun& run) { run.row -= periods * period; });
+    std::for_each_n(m_runs.Data(), m_count, [&](ShapeRun& run) { run.row = classes.NearestOf(run.row); });
 }
 
 /// Makes the window that holds runs which are placed from its middle.

@@ -28,7 +28,7 @@ struct ShapeRun {
     long row, first, length;
 };
 
-/// The entries of a window that count: in row order, and from left to right.
+/// The entries of a window that count.
 class WindowShape {
 public:
     // Each makes a new shape in a window of whole radii, and is false when memory is short.
@@ -41,7 +41,8 @@ public:
     bool SetEntries(const long* entries, const vfILVector2l& radius);
     /// The ellipse of the radii, without what meets a sample of the picture that was met before: a search by
     /// rows for the first of something finds the same, whatever its pixel. Rows and columns are moved to
-    /// where they show the same samples, so that the window is not much larger than the picture.
+    /// where they show the same samples, so that the window is not much larger than the picture: the runs are
+    /// in the order of the search, but their rows then are not.
     bool SetFirstMeetings(double rx, double ry, const WindowGround& ground);
 
     const ShapeRun* begin() const { return m_runs.Data(); }

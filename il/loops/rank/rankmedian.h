@@ -111,20 +111,19 @@ public:
           m_kernel(FindRankCases<Sample>(useVectors).middle)
     {}
     /// False when memory is short.
-    bool Allocate() { return m_chosen.Allocate(m_width); }
+    bool Allocate() { return m_chosen.Allocate(m_width) && m_keys.Allocate(m_window.Count()); }
 
     void operator()(long row, Sample* results)
     {
-        const Sample* keys[kMostMiddleRows]; // by places
         std::size_t count = 0;
         for (const ShapeRun& r : m_window.Shape())
             for (long x = r.first; x < r.first + r.length; ++x)
-                keys[count++] = m_window.Keys(row + r.row, x);
-        m_kernel(keys, count, m_chosen.Data(), m_width);
+                m_keys[count++] = m_window.Keys(row + r.row, x);
+        m_kernel(m_keys.Data(), count, m_chosen.Data(), m_width);
         const std::size_t middle = m_window.Middle();
         for (std::size_t x = 0; x < m_width; ++x) {
             const std::size_t place = m_chosen[x];
-            const bool stays = m_window.Stays(keys[middle][x], keys[place][x]);
+            const bool stays = m_window.Stays(m_keys[middle][x], m_keys[place][x]);
             m_window.CopyPixel(row, x, stays ? middle : place, results);
         }
     }
@@ -133,7 +132,8 @@ private:
     MedianWindow<Format>& m_window;
     std::size_t m_width;
     MiddleRow<Sample> m_kernel;
-    RunArray<Sample> m_chosen; ///< places
+    RunArray<Sample> m_chosen;      ///< places
+    RunArray<const Sample*> m_keys; ///< by places
 };
 
 /// The rows of a filter of windows of any size.

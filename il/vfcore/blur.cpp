@@ -85,9 +85,7 @@ vfILStatus vfILBlurImg::Verify()
 {
     if (IsRadiusValid() && CountWindow(KernelRadius(), sizeof(float)) == 0) return NoKernel();
     if (VerifyFrame(GetClassNameW()) != VFIL_SUCCESS) return VFIL_FAILURE;
-    if (!IsKnown(m_type)) {
-        return Fail(0x10024, "%s ERROR Verify: Type of blurring is unknown\n", GetClassNameW());
-    }
+    if (!IsKnown(m_type)) return UnknownType();
     if (m_type == VFIL_BLUR_BOX && !BoxFormats::Contains(OutputFormat())) {
         return Fail(0x1000D, "%s ERROR Verify: Invalid image format \n", GetClassNameW());
     }
@@ -146,6 +144,11 @@ vfILStatus vfILBlurImg::BuildKernel()
     }
     SetKernel(kernel, GetRadius());
     return VFIL_SUCCESS;
+}
+
+vfILStatus vfILBlurImg::UnknownType()
+{
+    return Fail(0x10024, "%s ERROR Verify: Type of blurring is unknown\n", GetClassNameW());
 }
 
 vfILStatus vfILBlurImg::NoKernel()
@@ -228,7 +231,7 @@ bool vfILBlurImg::IsRecursive() const
 vfILStatus vfILBlurImg::DoEffect()
 {
     if (HasKernel()) return vfILConvolveImg::DoEffect();
-    if (!IsKnown(m_type)) return VFIL_FAILURE;
+    if (!IsKnown(m_type)) return UnknownType();
     if (IsRecursive() ? BlurRecursively() : BlurBox()) return VFIL_SUCCESS;
     return Fail(0x10001, "%s ERROR DoEffect: insufficient memory space\n", GetClassNameW());
 }

@@ -16,7 +16,13 @@ enum vfILBlurType : int {
 
 /// Blurs a picture. RGBA and mono, 8 and 16 bits; VFIL_BLUR_BOX 8 bits.
 ///
-/// The disc and the Gaussian cost more with the radius, the other types do not.
+/// The disc and the Gaussian cost more with the radius, the other types do not. The box counts a window's
+/// pixels by 2^-32: of more than 16 million it darkens the picture, of 2^32 and more it makes it black.
+///
+/// The exponential types and the fast Gaussians (but for the small radii that are a Gaussian) write the rows
+/// of the output from the last to the first, and go over all columns before: an interrupted run leaves the
+/// rows of lower y as they were, often all of them. Rows that were written are whole. The interruption is
+/// asked for every few milliseconds also where no row is written.
 class VFIL_API vfILBlurImg : public vfILConvolveImg {
 public:
     vfILBlurImg() = default;
@@ -25,8 +31,8 @@ public:
     ~vfILBlurImg() override;
     /// With degree 0, and where both radii are below 1, copies the picture: the mask is not looked at.
     vfILStatus Execute() override;
-    /// Adds 0x10001 (no memory for the kernel), 0x10024 (type), 0x1000D (the type does not take the format),
-    /// 0x10026 (degree).
+    /// Adds 0x10001 (a kernel too large for any memory), 0x10024 (type), 0x1000D (the type does not take the
+    /// format), 0x10026 (degree).
     vfILStatus Verify() override;
 
 protected:
@@ -54,6 +60,7 @@ private:
     vfILVector2l KernelRadius() const;
     vfILStatus BuildKernel();
     vfILStatus NoKernel();
+    vfILStatus UnknownType();
     void FreeKernel();
     void FillDisc(float* kernel, std::size_t weights) const;
     bool FillGauss(float* kernel) const;

@@ -8,8 +8,11 @@
 /// bits.
 ///
 /// A kernel that is a column times a row (IsKernelSeparable) runs as one pass each way. 8-bit RGBA uses
-/// weights of 15 fraction bits, where the machine has the instructions and that is exact to one code value;
-/// all else sums in float. Results are rounded to nearest and limited to the range of a sample.
+/// weights of 15 fraction bits where the fast arithmetic is allowed and no sample can be more than one code
+/// value off for it, in one pass or in two; all else sums in float. Results are rounded to nearest and
+/// limited to the range of a sample.
+///
+/// The interruption is asked for after each row, and in between where a row takes long.
 class VFIL_API vfILConvolveImg : public vfILMonadicSpatialProc {
 public:
     vfILConvolveImg();

@@ -166,6 +166,55 @@ TEST(Blur, BoxFollowsItsDefinition)
     }
 }
 
+/// How often a window's axis shows each place of the picture's; the last one is the edge colour's.
+std::vector<std::uint64_t> CountPlaces(vfILEdgeMode mode, long centre, long radius, long size)
+{
+    std::vector<std::uint64_t> counts(static_cast<std::size_t>(size) + 1);
+    for (long i = centre - radius; i <= centre + radius; ++i) {
+        const long place = EdgeIndex(mode, i, size);
+        ++counts[static_cast<std::size_t>(place < 0 ? size : place)];
+    }
+    return counts;
+}
+
+// Also where sums of a window go beyond 32 bits, and where the picture repeats often.
+TEST(Blur, BoxesLargerThanThePictureFollowTheirDefinition)
+{
+    std::mt19937 random(6);
+    for (int i = 0; i < 70 && !HasFatalFailure(); ++i) {
+        FilterScene scene(random, *kFilterFormats[random() % 2], RandomIn(random, 1, i % 3 ? 7 : 40),
+                          RandomIn(random, 1, 9));
+        Switched<vfILBlurImg> blur(random() % 4);
+        const long most = i % 10 == 1 ? 4000 : i % 2 == 0 ? 300 : 20;
+        const long rx = RandomIn(random, 0, most), ry = RandomIn(random, rx == 0 ? 1 : 0, most);
+        blur.SetType(VFIL_BLUR_BOX);
+        blur.SetRadius(static_cast<float>(rx), static_cast<float>(ry));
+        scene.Arrange(blur);
+        const auto weights = static_cast<double>((2 * rx + 1) * (2 * ry + 1));
+        const auto scale = static_cast<std::uint64_t>(4294967295.0 / weights);
+        const EdgedPicture picture = scene.Picture();
+        const long width = scene.input.Width(), height = scene.input.Height();
+        SCOPED_TRACE(testing::Message() << "case " << i << " radius " << rx << ' ' << ry);
+        scene.Check(blur, scene.Expected(Filtered(picture, [&](long x, long y) {
+            const auto across = CountPlaces(scene.edgeMode, x, rx, width);
+            const auto down = CountPlaces(scene.edgeMode, y, ry, height);
+            Pixel pixel{};
+            for (std::size_t c = 0; c < 4; ++c) {
+                std::uint64_t sum = 0;
+                for (long v = 0; v <= height; ++v)
+                    for (long u = 0; u <= width; ++u) {
+                        const bool isEdge = u == width || v == height;
+                        const int value = (isEdge ? picture.edgePixel : picture.picture.At(u, v))[c];
+                        sum += across[static_cast<std::size_t>(u)] * down[static_cast<std::size_t>(v)] *
+                               static_cast<std::uint64_t>(value);
+                    }
+                pixel[c] = static_cast<int>((sum * scale + 0x80000000U) >> 32);
+            }
+            return pixel;
+        })));
+    }
+}
+
 // A definition in double, from which rounding may be one off: two passes of fixed point round three times.
 TEST(Blur, DiscAndGaussFollowTheirDefinitions)
 {
@@ -328,6 +377,60 @@ TEST(Blur, NothingToBlurIsACopyThatStops)
     }
 }
 
+// An interruption is heard before the first row is written, and rows that were written are whole. The
+// recursive types write from the last row up.
+TEST(Blur, InterruptedRunsLeaveWholeRows)
+{
+    std::mt19937 random(7);
+    GuardedImage in(PXFormat_RGBA32, 1100, 1000), deep(PXFormat_RGBA64, 1100, 400);
+    in.Randomise(random);
+    deep.Randomise(random);
+    const struct {
+        GuardedImage* image;
+        vfILBlurType type;
+        float radius;
+        bool isInPlace;
+    } cases[] = {{&in, VFIL_BLUR_BOX, 700, false},         {&in, VFIL_BLUR_EXPONENTIAL, 9, false},
+                 {&in, VFIL_BLUR_FAST_GAUSS, 9, false},    {&deep, VFIL_BLUR_EXPONENTIAL_FLOAT, 9, false},
+                 {&deep, VFIL_BLUR_FAST_GAUSS, 90, false}, {&in, VFIL_BLUR_GAUSS, 60, false},
+                 {&deep, VFIL_BLUR_GAUSS, 60, false},      {&in, VFIL_BLUR_BOX, 1, true}};
+    for (const auto& c : cases) {
+        const bool isUpwards = c.type >= VFIL_BLUR_EXPONENTIAL;
+        const auto run = [&](int polls) {
+            GuardedImage out(c.image->Format().id, c.image->Width(), c.image->Height());
+            void* pixels = nullptr;
+            out.GetPixelArray(&pixels);
+            if (c.isInPlace) c.image->ReadRegion(pixels, 0, 0, out.Width(), out.Height());
+            const std::vector<std::uint8_t> before = out.Bytes();
+            vfILBlurImg blur;
+            blur.SetInputImg(c.isInPlace ? &out : c.image);
+            blur.SetOutputImg(&out);
+            blur.SetEdgeMode(VFIL_EDGE_CLAMP);
+            Apply(blur, c.type, 1);
+            blur.SetRadius(c.radius);
+            g_pollsToStop = polls;
+            blur.SetInterruptFct(StopOnce, nullptr);
+            EXPECT_EQ(blur.Execute(), VFIL_SUCCESS);
+            return std::pair(before, out.Bytes());
+        };
+        const auto whole = run(0).second;
+        for (const int polls : {2, 40}) {
+            const auto [before, after] = run(polls);
+            const auto rowBytes = after.size() / static_cast<std::size_t>(c.image->Height());
+            std::vector<int> isWritten;
+            for (std::size_t at = 0; at < after.size(); at += rowBytes) {
+                isWritten.push_back(std::equal(&after[at], &after[at] + rowBytes, &before[at]) ? 0 : 1);
+                ASSERT_TRUE(isWritten.back() == 0 ||
+                            std::equal(&after[at], &after[at] + rowBytes, &whole[at]))
+                    << c.type;
+            }
+            EXPECT_EQ(std::ranges::count(isWritten, 1) == 0, polls == 2) << c.type << ' ' << &c - cases;
+            if (!isUpwards) std::ranges::reverse(isWritten);
+            EXPECT_TRUE(std::ranges::is_sorted(isWritten)) << c.type;
+        }
+    }
+}
+
 TEST(Blur, VerifyChecksInOrder)
 {
     constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
@@ -349,6 +452,13 @@ TEST(Blur, VerifyChecksInOrder)
         EXPECT_EQ(CodeOf(blur, *c.image), c.code) << &c - cases;
     }
     vfILBlurImg blur;
+    blur.SetRadius(900);
+    g_allocations.count = 0;
+    EXPECT_EQ(CodeOf(blur, rgba), 0);
+    EXPECT_EQ(g_allocations.count, 0) << "no kernel to try the memory";
+    Apply(blur, vfILBlurType{}, 1);
+    EXPECT_EQ(blur.Execute(), VFIL_FAILURE);
+    blur.SetType(VFIL_BLUR_DISC);
     blur.SetRadiusNormalizedForBlurType(3, 5);
     EXPECT_EQ(blur.GetRadiusY(), 5);
     blur.SetType(VFIL_BLUR_BOX);

@@ -1,6 +1,8 @@
 #include "support/filterscene.h"
 #include "support/processors.h"
 
+#include "il/loops/blur/fixedweights.h"
+
 #include <vfil/convolve.h>
 
 #include <gtest/gtest.h>
@@ -193,6 +195,127 @@ TEST(Convolve, FixedIsCloseToFloat)
             largest = std::max(largest, std::abs(a[k] - b[k]));
     }
     EXPECT_EQ(largest, 1);
+}
+
+/// A filter of two passes by given weights.
+class Separable : public Switched<vfILConvolveImg> {
+public:
+    Separable(bool simd, const Factors& factors) : Switched(simd), m_factors(factors)
+    {
+        SetKernel(m_factors.kx.data(), static_cast<float>(factors.kx.size() / 2),
+                  static_cast<float>(factors.ky.size() / 2));
+    }
+    int IsKernelSeparable() override { return 1; }
+    vfILStatus SeparateKernel(float* kx, float* ky) override
+    {
+        std::ranges::copy(m_factors.kx, kx);
+        std::ranges::copy(m_factors.ky, ky);
+        return VFIL_SUCCESS;
+    }
+
+private:
+    Factors m_factors;
+};
+
+/// How many samples of a run by fixed weights differ from those in float, and by how much at most.
+std::pair<double, int> DistanceToFloat(const Factors& factors, GuardedImage& in)
+{
+    std::vector<std::uint8_t> results[2];
+    for (const bool simd : {false, true}) {
+        GuardedImage out(kRgba8, in.Width(), in.Height());
+        Separable filter(simd, factors);
+        filter.SetInputImg(&in);
+        filter.SetOutputImg(&out);
+        filter.SetProcessingMode(VFIL_MODE_RGBA);
+        filter.SetEdgeMode(VFIL_EDGE_WRAP);
+        EXPECT_EQ(filter.Execute(), VFIL_SUCCESS);
+        results[simd] = out.Bytes();
+    }
+    double differences = 0;
+    int largest = 0;
+    for (std::size_t k = 0; k < results[0].size(); ++k) {
+        const int off = std::abs(results[0][k] - results[1][k]);
+        differences += off != 0;
+        largest = std::max(largest, off);
+    }
+    return {differences / static_cast<double>(results[0].size()), largest};
+}
+
+/// As many weights of nearly the given sum, of which so many lie between two fixed ones.
+std::vector<float> WeightsThatMiss(long count, long missing, double sum, double miss)
+{
+    std::vector<float> weights(static_cast<std::size_t>(count));
+    for (long i = 0; i < count; ++i)
+        weights[static_cast<std::size_t>(i)] = static_cast<float>(
+            (std::floor(32768 * sum / static_cast<double>(count)) + (i < missing ? miss : 0)) / 32768);
+    return weights;
+}
+
+// As many weights miss, in the same direction, as the fixed form may be taken for, and one more.
+TEST(Convolve, FixedPassesAreOneCodeFromFloatUpToTheirBound)
+{
+    std::mt19937 random(5);
+    const auto byteFrom = [&](long least) { return static_cast<int>(RandomIn(random, least, 255)); };
+    GuardedImage in(kRgba8, 90, 24);
+    for (long i = 0; i < 90 * 24; ++i)
+        in.Set(i % 90, i / 90, {byteFrom(225), byteFrom(0), 255, 254});
+    int largest = 0;
+    long mostWeights = 0;
+    for (int i = 0; i < 60; ++i) {
+        const long count = 2 * RandomIn(random, 20, 160) + 1;
+        const double miss = i % 2 == 0 ? 0.499 : -0.499;
+        const double sum = i % 5 == 0 ? -0.7 : 0.95;
+        const auto factors = [&](long missing) {
+            Factors made{WeightsThatMiss(count, missing, sum, miss),
+                         WeightsThatMiss(2 * (i % 7) + 3, i % 4, i % 5 == 0 ? -0.9 : 0.98, miss)};
+            if (i % 3 == 0) std::swap(made.kx, made.ky);
+            return made;
+        };
+        const auto isFixed = [&](long missing) {
+            const Factors made = factors(missing);
+            return vfil::AreFixedPassesExact(made.kx.data(), std::ssize(made.kx), made.ky.data(),
+                                             std::ssize(made.ky));
+        };
+        long most = 0;
+        ASSERT_TRUE(isFixed(0));
+        while (most < count && isFixed(most + 1))
+            ++most;
+        const auto [share, distance] = DistanceToFloat(factors(most), in);
+        EXPECT_GT(share, 0) << i;
+        ASSERT_LE(distance, 1) << "case " << i << ", " << count << " weights, of which miss " << most;
+        largest = std::max(largest, distance);
+        mostWeights = std::max(mostWeights, most);
+        if (!isFixed(count)) {
+            EXPECT_EQ(DistanceToFloat(factors(count), in).second, 0) << i;
+        }
+    }
+    EXPECT_EQ(largest, 1);
+    EXPECT_GT(mostWeights, 100);
+    // Sums between the passes that leave 16 bits.
+    EXPECT_EQ(DistanceToFloat({std::vector<float>(301, 0.5F), std::vector<float>(3, 0.002F)}, in).second, 0);
+}
+
+// What docs/filters.md says of noise.
+TEST(Convolve, FixedPassesOfSmallKernelsDifferHereAndThere)
+{
+    std::mt19937 random(6);
+    GuardedImage in(kRgba8, 200, 200);
+    for (long i = 0; i < 200 * 200; ++i) {
+        const auto noise = random();
+        in.Set(i % 200, i / 200,
+               {static_cast<int>(noise & 255), static_cast<int>(noise >> 8 & 255),
+                static_cast<int>(noise >> 16 & 255), static_cast<int>(noise >> 24 & 255)});
+    }
+    std::vector<float> kernel{1, 2, 1, 2, 4, 2, 1, 2, 1};
+    for (float& weight : kernel)
+        weight /= 16;
+    vfILConvolveImg filter;
+    filter.SetKernel(kernel.data(), 1);
+    Factors factors{std::vector<float>(3), std::vector<float>(3)};
+    ASSERT_EQ(filter.SeparateKernel(factors.kx.data(), factors.ky.data()), VFIL_SUCCESS);
+    const auto [share, distance] = DistanceToFloat(factors, in);
+    EXPECT_NEAR(share, 0.13, 0.01);
+    EXPECT_EQ(distance, 1);
 }
 
 TEST(Convolve, LargeAndNotFiniteWeights)

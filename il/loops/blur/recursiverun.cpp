@@ -10,8 +10,9 @@ namespace vfil {
 
 namespace {
 
+/// Columns first, whose rows the second pass takes as they come. False when memory is short.
 template <class Form, class Format>
-bool RunPasses(const vfILProcessor& processor, const PaddedInput& input, const RecursiveBlur& blur)
+bool Convolve2Pass(const vfILProcessor& processor, const PaddedInput& input, const RecursiveBlur& blur)
 {
     ColumnPass<Form, typename Format::Sample> down(processor, input, Format::kChannels);
     RowPass<Form, Format> across(processor, input);
@@ -33,11 +34,11 @@ bool RunRecursiveBlur(const vfILMonadicSpatialProc& filter, const vfILWindowRun&
         using Format = decltype(tag);
         if constexpr (sizeof(typename Format::Sample) == 1) {
             if (blur.isFixed) {
-                done = RunPasses<FixedRecursion, Format>(filter, input, blur);
+                done = Convolve2Pass<FixedRecursion, Format>(filter, input, blur);
                 return;
             }
         }
-        done = RunPasses<FloatRecursion, Format>(filter, input, blur);
+        done = Convolve2Pass<FloatRecursion, Format>(filter, input, blur);
     });
     return done;
 }

@@ -131,7 +131,7 @@ bool vfILMonadicSpatialProc::PreparePassThrough()
     const bool hazard = isOutput && showsOutside && IsHazard(m_run.targetBox, GetROI());
     vfILRowWalk unpadded;
     return PrepareInput({GetInputImg(), m_run.validBox, m_run.maskedBox, isOutput, hazard, showsOutside},
-                        m_run, unpadded, m_passThrough);
+                        m_run, unpadded, m_passThrough) == InputState::Ready;
 }
 
 bool vfILMonadicSpatialProc::PrepareScratch()

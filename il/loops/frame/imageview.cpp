@@ -18,8 +18,10 @@ GUID FormatOf(IPXImage* image)
     return format;
 }
 
-ImageView::ImageView(IPXImage* image) : format(vfILFindFormat(FormatOf(image)))
+ImageView::ImageView(IPXImage* asked)
 {
+    image = asked;
+    format = vfILFindFormat(FormatOf(image));
     if (format == nullptr) format = &kUnknownFormat;
     if (image == nullptr) return;
     image->GetDimensions(&width, &height);
@@ -28,6 +30,18 @@ ImageView::ImageView(IPXImage* image) : format(vfILFindFormat(FormatOf(image)))
     void* base = nullptr;
     image->GetPixelArray(&base);
     pixels = static_cast<unsigned char*>(base);
+}
+
+ImageView::ImageView(const vfILPictureView& view) : vfILPictureView(view)
+{
+    if (format == nullptr) format = &kUnknownFormat;
+}
+
+ImageView ViewOf(IPXImage* image, std::initializer_list<ImageView> known)
+{
+    for (const ImageView& view : known)
+        if (view.image == image) return view;
+    return image;
 }
 
 long ImageView::MemoryRow(long y) const

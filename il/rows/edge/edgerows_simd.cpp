@@ -156,7 +156,7 @@ inline U8 AddLimited(U8 a, U8 b)
 
 inline U16 AddLimited(U16 a, U16 b)
 {
-    return AddFull(a, b);
+    return AddClip(a, b);
 }
 
 inline U8 Larger(U8 a, U8 b)
@@ -166,7 +166,7 @@ inline U8 Larger(U8 a, U8 b)
 
 inline U16 Larger(U16 a, U16 b)
 {
-    return MaxFull(a, b);
+    return Max(a, b);
 }
 
 /// Calls makeVector(window, at, out) for each vector of the row. The ragged end goes through the same in

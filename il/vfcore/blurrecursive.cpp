@@ -56,21 +56,11 @@ bool PaddedInput::FindColumns()
     return true;
 }
 
-/// Also what is held is copied: reading goes on row by row, group by group it would wait for memory.
 vfILRowWalk PaddedInput::Rows(long first, long count) const
 {
-    const long pixelBytes = m_input.RowPixelBytes();
-    const vfILRowWalk rows{m_rows.Data(), std::ptrdiff_t{m_columns} * pixelBytes, nullptr, 0};
-    if (!m_areHeld) {
-        ReadWindow(m_input, {m_firstColumn, m_window.GetOffsetY() + first, m_columns, count}, m_edge,
-                   m_useVectors, m_rows.Data());
-        return rows;
-    }
-    const std::ptrdiff_t skipped = std::ptrdiff_t{m_firstColumn - m_window.GetOffsetX()} * pixelBytes;
-    for (long i = 0; i < count; ++i)
-        std::memcpy(rows.first + i * rows.step,
-                    m_run.windows.first + (first + i) * m_run.windows.step + skipped,
-                    static_cast<std::size_t>(rows.step));
+    const vfILRowWalk rows{m_rows.Data(), std::ptrdiff_t{m_columns} * m_input.RowPixelBytes(), nullptr, 0};
+    ReadWindow(m_input, {m_firstColumn, m_window.GetOffsetY() + first, m_columns, count}, m_edge,
+               m_useVectors, m_rows.Data());
     return rows;
 }
 
@@ -217,15 +207,9 @@ bool Convolve2Pass(const vfILProcessor& processor, const PaddedInput& input, con
 /// read where the input has them.
 vfILStatus vfILBlurImg::BlurRecursively()
 {
-    const ImageView input(GetInputImg());
     const vfILWindowRun& run = Run();
-    const vfILBbox2l& effect = run.maskedBox;
-    EdgeRule edge{GetEdgeMode(), {}};
-    edge.colour.Set(*input.format, GetEdgeColor());
-    PaddedInput padded(run, input,
-                       {effect.GetOffsetX() - run.radiusX, effect.GetOffsetY() - run.radiusY,
-                        effect.GetSizeX() + run.kernelWidth - 1, effect.GetSizeY() + run.kernelHeight - 1},
-                       edge, m_simdAvailable != 0);
+    const ImageView input = InputOf(*this, run);
+    PaddedInput padded(run, input, run.windowBox, EdgeRuleOf(*this), m_simdAvailable != 0);
     if (run.rows == 0) return VFIL_SUCCESS;
 
     const bool isGauss = m_type >= VFIL_BLUR_FAST_GAUSS;

@@ -230,7 +230,7 @@ vfILStatus vfILConvolveImg::DoEffect()
     if (m_kernel == nullptr) return VFIL_FAILURE;
     if (!m_isPlanned && FindFactors() != VFIL_SUCCESS) return VFIL_FAILURE;
     m_isPlanned = true;
-    return m_factors == nullptr ? SinglePassConvolve()
+    return m_factors == nullptr ? SinglePassConvolve(Run(), m_kernel)
                                 : DualPassConvolve(m_factors, m_factors + Run().kernelWidth);
 }
 
@@ -248,16 +248,16 @@ vfILStatus vfILConvolveImg::FindFactors()
     return SeparateKernel(m_factors, m_factors + width);
 }
 
-vfILStatus vfILConvolveImg::SinglePassConvolve()
+vfILStatus vfILConvolveImg::SinglePassConvolve(vfILWindowRun& run, const float* kernel)
 {
-    const Convolution by{*this, Run(), m_simdAvailable != 0};
+    const Convolution by{*this, run, m_simdAvailable != 0};
     bool done = true;
     if (OutputFormat() == PXFormat_RGBA32 && m_simdAvailable != 0 && m_offset == 0 &&
-        AreFixedWeightsExact(m_kernel, by.Weights())) {
-        done = SinglePassFixed(by, m_kernel);
+        AreFixedWeightsExact(kernel, by.Weights())) {
+        done = SinglePassFixed(by, kernel);
     } else {
         PointFormats::Visit(OutputFormat(), [&](auto format) {
-            done = SinglePassFloat<decltype(format)>(by, m_kernel, m_offset);
+            done = SinglePassFloat<decltype(format)>(by, kernel, m_offset);
         });
     }
     return done ? VFIL_SUCCESS : OutOfMemory("%s ERROR DoEffect: insufficient memory space\n");

@@ -19,11 +19,7 @@ void vfILEdgeProc::Init()
 /// The kernels read 3 x 3 samples: a host's own radius must not give them fewer, nor move them.
 vfILStatus vfILEdgeProc::PrepareData()
 {
-    const vfILVector2f radius = GetRadius();
-    SetRadius(1.0F);
-    const vfILStatus status = vfILMonadicSpatialProc::PrepareData();
-    SetRadius(radius);
-    return status;
+    return PrepareWindows({1, 1});
 }
 
 void vfILEdgeThresholdProc::SetBias(double bias)

@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 using namespace vfil;
 
@@ -96,7 +97,14 @@ bool vfILMonadicSpatialProc::IsRadiusValid() const
 
 vfILStatus vfILMonadicSpatialProc::PrepareData()
 {
-    if (!AreConnected(GetInputImg(), GetOutputImg()) || !IsReadable()) return VFIL_FAILURE;
+    return PrepareWindows(WholeRadius());
+}
+
+vfILStatus vfILMonadicSpatialProc::PrepareWindows(const vfILVector2l& radius)
+{
+    if (!AreConnected(GetInputImg(), GetOutputImg()) || radius[0] < 0 || radius[1] < 0) return VFIL_FAILURE;
+    const long pixelBytes = ImageView(GetOutputImg()).RowPixelBytes();
+    if (pixelBytes < 1 || pixelBytes > long{sizeof ColourPixel::bytes}) return VFIL_FAILURE;
     PXImageChannel channel{};
     const vfILBbox2l& maskBox = GetMask(nullptr, &channel);
     ComputeRegions(m_run, ImageView(GetInputImg()).Box(), GetROI(), maskBox, GetOutputOffset());
@@ -107,20 +115,12 @@ vfILStatus vfILMonadicSpatialProc::PrepareData()
     m_maskedBox = m_run.processBox;
     m_validOutBox = m_run.shiftedValidBox;
     m_effectBox = m_run.maskedBox.IsNull() ? m_run.maskedBox : m_run.processBox;
-    if (!PreparePassThrough() || !PrepareScratch()) {
+    m_run.channels = GetProcessingMode() & VFIL_MODE_RGBA;
+    if (!PreparePassThrough() || !PrepareScratch(radius)) {
         return Fail(0x10001, "%s ERROR PrepareData: insufficient memory space\n", GetClassNameW());
     }
     SelectFieldRows();
     return VFIL_SUCCESS;
-}
-
-/// What Verify would have refused, and pixels that no colour of ours fills.
-bool vfILMonadicSpatialProc::IsReadable() const
-{
-    const vfILVector2l radius = WholeRadius();
-    const long pixelBytes = ImageView(GetOutputImg()).RowPixelBytes();
-    return radius[0] >= 0 && radius[1] >= 0 && pixelBytes >= 1 &&
-           pixelBytes <= long{sizeof ColourPixel::bytes};
 }
 
 /// Keeps the pixels that are shown outside the mask's box, which a shifted run in place would overwrite.
@@ -134,17 +134,16 @@ bool vfILMonadicSpatialProc::PreparePassThrough()
                         m_run, unpadded, m_passThrough) == InputState::Ready;
 }
 
-bool vfILMonadicSpatialProc::PrepareScratch()
+bool vfILMonadicSpatialProc::PrepareScratch(const vfILVector2l& radius)
 {
     const vfILBbox2l& effect = m_run.maskedBox;
     if (effect.IsNull()) return true;
-    const vfILVector2l radius = WholeRadius();
     const std::int64_t kernelHeight = 2 * std::int64_t{radius[1]} + 1;
     const std::int64_t width = effect.GetSizeX() + 2 * std::int64_t{radius[0]};
     const std::int64_t height = effect.GetSizeY() + kernelHeight - 1;
     if (std::max(width, height) > std::numeric_limits<std::int32_t>::max()) return false;
-    m_windowBox = {effect.GetOffsetX() - radius[0], effect.GetOffsetY() - radius[1], static_cast<long>(width),
-                   static_cast<long>(height)};
+    m_run.windowBox = {effect.GetOffsetX() - radius[0], effect.GetOffsetY() - radius[1],
+                       static_cast<long>(width), static_cast<long>(height)};
     m_run.radiusX = radius[0];
     m_run.radiusY = radius[1];
     m_run.kernelWidth = 2 * m_run.radiusX + 1;
@@ -152,27 +151,46 @@ bool vfILMonadicSpatialProc::PrepareScratch()
 
     const ImageView input(GetInputImg());
     const bool shared = ShareMemory(input, ImageView(GetOutputImg()));
-    const bool unread = m_readsInput && !shared;
-    const bool unpadded = unread || (!shared && Covers(input.Box(), m_windowBox));
-    const std::int64_t rowBytes = width * input.RowPixelBytes();
     m_bandRows = effect.GetSizeY();
+    if (m_readsInput) return PrepareInputRows(shared);
+    const bool unpadded = !shared && Covers(input.Box(), m_run.windowBox);
+    const std::int64_t rowBytes = width * input.RowPixelBytes();
     if (m_bandsAllowed && !shared && !unpadded)
         m_bandRows = static_cast<long>(std::min<std::int64_t>(m_bandRows, BandRows(rowBytes, kernelHeight)));
     const std::int64_t resultBytes = std::int64_t{effect.GetSizeX()} * input.RowPixelBytes();
     if (!AllocateScratch(rowBytes, unpadded ? 0 : m_bandRows + kernelHeight - 1, resultBytes)) return false;
 
-    if (unread) {
-        m_run.windows = {};
-        m_run.centres = input.Walk(effect.GetOffsetX(), effect.GetOffsetY());
-        return true;
-    }
     if (unpadded) {
-        m_run.windows = input.Walk(m_windowBox.GetOffsetX(), m_windowBox.GetOffsetY());
+        m_run.windows = input.Walk(m_run.windowBox.GetOffsetX(), m_run.windowBox.GetOffsetY());
     } else if (m_bandRows == effect.GetSizeY()) {
         FillScratch(0, m_bandRows);
     }
     m_run.centres = m_run.windows;
     m_run.centres.first += m_run.radiusY * m_run.centres.step + m_run.radiusX * input.RowPixelBytes();
+    return true;
+}
+
+/// Gives the leaf the input, or a copy of what it may read of it.
+bool vfILMonadicSpatialProc::PrepareInputRows(bool shared)
+{
+    const ImageView input(GetInputImg());
+    const vfILBbox2l read = shared && Covers(input.Box(), m_run.windowBox) ? m_run.windowBox : input.Box();
+    const std::int64_t pixelBytes = input.RowPixelBytes();
+    const std::int64_t rowBytes = read.GetSizeX() * pixelBytes;
+    if (!AllocateScratch(rowBytes, shared ? read.GetSizeY() : 0, m_run.maskedBox.GetSizeX() * pixelBytes))
+        return false;
+    m_run.input = std::exchange(m_run.windows, {});
+    m_run.inputSize = vfILVector2l(read.GetSizeX(), read.GetSizeY());
+    if (shared) {
+        ReadWindow(input, read, EdgeRuleOf(*this), m_simdAvailable != 0, m_run.input.first);
+    } else {
+        m_run.input = input.Walk(0, 0);
+    }
+    m_run.windowBox =
+        Moved(m_run.windowBox, -std::int64_t{read.GetOffsetX()}, -std::int64_t{read.GetOffsetY()});
+    m_run.centres = m_run.input;
+    m_run.centres.first += (m_run.windowBox.GetOffsetY() + m_run.radiusY) * m_run.input.step +
+                           (m_run.windowBox.GetOffsetX() + m_run.radiusX) * pixelBytes;
     return true;
 }
 
@@ -194,11 +212,10 @@ bool vfILMonadicSpatialProc::AllocateScratch(std::int64_t rowBytes, std::int64_t
 void vfILMonadicSpatialProc::FillScratch(long firstRow, long rows)
 {
     const ImageView input(GetInputImg());
-    EdgeRule edge{m_edgeMode, {}};
-    edge.colour.Set(*input.format, m_edgeColor);
-    const vfILBbox2l window(m_windowBox.GetOffsetX(), m_windowBox.GetOffsetY() + firstRow,
-                            m_windowBox.GetSizeX(), rows + m_run.kernelHeight - 1);
-    ReadWindow(input, window, edge, m_simdAvailable != 0, m_run.windows.first);
+    const vfILBbox2l& whole = m_run.windowBox;
+    const vfILBbox2l window(whole.GetOffsetX(), whole.GetOffsetY() + firstRow, whole.GetSizeX(),
+                            rows + m_run.kernelHeight - 1);
+    ReadWindow(input, window, EdgeRuleOf(*this), m_simdAvailable != 0, m_run.windows.first);
 }
 
 /// Selects the treated rows of the process box.

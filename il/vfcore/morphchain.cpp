@@ -47,6 +47,7 @@ protected:
             Run().centres = owners.centres;
             Run().centres.first += above * owners.centres.step;
         }
+        Run().channels = m_owner.Run().channels;
         const vfILStatus status = WriteExtremes(m_largest, m_owner);
         m_stopped = Run().stopped;
         return status;
@@ -86,10 +87,7 @@ const wchar_t* vfILMorphologicalChain::GetClassNameW() const
 vfILStatus vfILMorphologicalChain::PrepareData()
 {
     // Nothing here reads the neighbours of the input's pixels: the stages do.
-    const vfILVector2f radius = GetRadius();
-    SetRadius(0.0F);
-    const vfILStatus status = vfILMorphologicalProc::PrepareData();
-    SetRadius(radius);
+    const vfILStatus status = PrepareWindows({0, 0});
     if (status != VFIL_SUCCESS || Run().maskedBox.IsNull()) return status;
     return CreateIntermediate() == VFIL_SUCCESS ? RunFirstStage() : VFIL_FAILURE;
 }

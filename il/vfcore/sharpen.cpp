@@ -3,12 +3,10 @@
 
 #include "il/loops/edge/edgerun.h"
 #include "il/loops/frame/copyinstead.h"
+#include "il/loops/frame/ellipse.h"
 #include "il/loops/frame/imageview.h"
-#include "il/loops/frame/saturate.h"
 
 #include <algorithm>
-#include <limits>
-#include <utility>
 
 using namespace vfil;
 
@@ -55,11 +53,7 @@ vfILStatus vfILSharpenImg::Execute()
 
 vfILStatus vfILSharpenImg::Verify()
 {
-    float weight = 1; // for a kernel, which is made by the run
-    SetKernel(&weight, GetRadius());
-    const vfILStatus status = vfILConvolveImg::Verify();
-    SetKernel(nullptr, GetRadius());
-    if (status != VFIL_SUCCESS) return status;
+    if (VerifyFrame(GetClassNameW()) != VFIL_SUCCESS) return VFIL_FAILURE;
     if (!HasImageFactory()) {
         return Fail(0x10001, "%s ERROR Verify: Cannot get the image factory\n", GetClassNameW());
     }
@@ -78,67 +72,45 @@ vfILStatus vfILSharpenImg::Verify()
 
 vfILStatus vfILSharpenImg::PrepareData()
 {
-    const vfILVector2f radius = GetRadius();
-    vfILVector2f windowRadius = radius;
-    if (m_type != VFIL_SHARPEN_PLAIN) { // room for what finds the edges; the ellipse stays
-        const auto reachOne = [](float r) { return r >= 1 ? r : 1.0F; };
-        windowRadius = vfILVector2f(reachOne(radius[0]), reachOne(radius[1]));
-    }
-    if (BuildKernel(windowRadius) != VFIL_SUCCESS) return VFIL_FAILURE;
-    SetRadius(windowRadius);
-    const vfILStatus status = vfILConvolveImg::PrepareData();
-    SetRadius(radius);
-    return status;
+    vfILVector2l window = WholeRadius();
+    // Room for what finds the edges; the ellipse stays.
+    if (m_type != VFIL_SHARPEN_PLAIN) window = vfILVector2l(std::max(window[0], 1), std::max(window[1], 1));
+    if (BuildKernel(window) != VFIL_SUCCESS) return VFIL_FAILURE;
+    return PrepareWindows(window);
 }
 
 vfILStatus vfILSharpenImg::CleanData()
 {
-    SetKernel(nullptr, GetRadius());
     m_kernelBuffer.Free();
+    m_runKernel = nullptr;
     return vfILConvolveImg::CleanData();
 }
 
-/// Fills a window with the inverted disc of the radius. A negative or too large radius is left to the frame.
-vfILStatus vfILSharpenImg::BuildKernel(const vfILVector2f& windowRadius)
+/// Fills a window with the inverted disc of the radius. A negative window is left to the frame.
+vfILStatus vfILSharpenImg::BuildKernel(const vfILVector2l& windowRadius)
 {
-    const std::int64_t rx = TruncateToInt32(windowRadius[0]);
-    const std::int64_t ry = TruncateToInt32(windowRadius[1]);
-    if (rx < 0 || ry < 0) return VFIL_SUCCESS;
-    constexpr auto kMost = std::numeric_limits<std::ptrdiff_t>::max() / std::ptrdiff_t{sizeof(float)};
-    const bool fits = 2 * rx + 1 <= kMost / (2 * ry + 1);
-    const std::int64_t count = fits ? (2 * rx + 1) * (2 * ry + 1) : kMost;
-    auto* kernel =
-        reinterpret_cast<float*>(m_kernelBuffer.Allocate(static_cast<std::size_t>(count) * sizeof(float)));
-    if (kernel == nullptr) {
+    if (windowRadius[0] < 0 || windowRadius[1] < 0) return VFIL_SUCCESS;
+    const std::size_t count = CountWindow(windowRadius, sizeof(float));
+    if (count != 0) m_runKernel = reinterpret_cast<float*>(m_kernelBuffer.Allocate(count * sizeof(float)));
+    if (m_runKernel == nullptr) {
         return Fail(0x10001, "%s ERROR BuildKernel: insufficient memory space\n", GetClassNameW());
     }
-    const float squareX = GetRadiusX() * GetRadiusX();
-    const float squareY = GetRadiusY() * GetRadiusY();
-    std::int64_t inside = 0;
-    float* weight = kernel;
-    for (std::int64_t y = -ry; y <= ry; ++y)
-        for (std::int64_t x = -rx; x <= rx; ++x) {
-            const auto fx = static_cast<float>(x);
-            const auto fy = static_cast<float>(y);
-            const bool isInside = fx * fx * squareY + fy * fy * squareX <= squareX * squareY;
-            *weight++ = isInside ? -m_degree : 0.0F;
-            inside += isInside;
-        }
-    kernel[count / 2] = static_cast<float>(static_cast<double>(inside - 1) * double{m_degree} + 1.0);
-    SetKernel(kernel, GetRadius());
+    const auto inside =
+        static_cast<double>(FillEllipse(m_runKernel, windowRadius, {GetRadiusX(), GetRadiusY()}, -m_degree));
+    m_runKernel[count / 2] = static_cast<float>((inside - 1) * double{m_degree} + 1.0);
     return VFIL_SUCCESS;
 }
 
 vfILStatus vfILSharpenImg::DoEffect()
 {
-    return m_type == VFIL_SHARPEN_PLAIN ? vfILConvolveImg::DoEffect() : Esharpen();
+    return m_type == VFIL_SHARPEN_PLAIN ? SinglePassConvolve(Run(), m_runKernel) : Esharpen();
 }
 
 /// Convolves all of the process box into a buffer, from which the edges then take theirs.
 vfILStatus vfILSharpenImg::Esharpen()
 {
-    vfILWindowRun& run = Run();
-    const vfILBbox2l& box = run.processBox;
+    vfILWindowRun everywhere = Run();
+    const vfILBbox2l& box = everywhere.processBox;
     const std::ptrdiff_t rowBytes =
         std::ptrdiff_t{box.GetSizeX()} * ImageView(GetOutputImg()).RowPixelBytes();
     vfILRunBuffer buffer;
@@ -146,17 +118,13 @@ vfILStatus vfILSharpenImg::Esharpen()
     if (pixels == nullptr) {
         return Fail(0x10001, "%s ERROR ESharpen: insufficient memory space\n", GetClassNameW());
     }
-    const vfILRowWalk sharpened{pixels, rowBytes, nullptr, 0};
-    const vfILRowWalk output = std::exchange(run.output, sharpened);
-    const vfILRowWalk mask = std::exchange(run.mask, {});
-    const unsigned long mode = GetProcessingMode();
-    SetProcessingMode(mode | VFIL_MODE_RGBA);
-    const vfILStatus status = vfILConvolveImg::DoEffect();
-    SetProcessingMode(mode);
-    run.output = output;
-    run.mask = mask;
-    if (status == VFIL_SUCCESS && !run.stopped) SelectEdges(sharpened);
-    return status;
+    everywhere.output = {pixels, rowBytes, nullptr, 0};
+    everywhere.mask = {};
+    everywhere.channels = VFIL_MODE_RGBA;
+    if (SinglePassConvolve(everywhere, m_runKernel) != VFIL_SUCCESS) return VFIL_FAILURE;
+    Run().stopped = everywhere.stopped;
+    if (!everywhere.stopped) SelectEdges(everywhere.output);
+    return VFIL_SUCCESS;
 }
 
 void vfILSharpenImg::SelectEdges(const vfILRowWalk& sharpened)

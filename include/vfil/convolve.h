@@ -23,6 +23,11 @@ protected:
     vfILStatus CleanData() override;
     /// Fails with 0x10001 when memory is short.
     vfILStatus DoEffect() override;
+    /// For a leaf with a kernel of its own: the sums of a run's windows, by one pass. Fails with 0x10001.
+    ///
+    /// \param run     Run(), or a copy of it that writes elsewhere.
+    /// \param kernel  run.kernelWidth * run.kernelHeight weights, as in SetKernel.
+    vfILStatus SinglePassConvolve(vfILWindowRun& run, const float* kernel);
 
 public:
     /// 1 when the kernel has one singular value of 1e-6 or more; else 0, also when memory is short (0x10001).
@@ -50,7 +55,6 @@ public:
     float GetOffset() const;
 
 private:
-    vfILStatus SinglePassConvolve();
     vfILStatus DualPassConvolve(const float* kx, const float* ky);
     vfILStatus FindFactors();
     vfILStatus OutOfMemory(const char* text);

@@ -210,7 +210,7 @@ public:
     double GetEdgeSensitivity() const;
 
 private:
-    vfILStatus BuildKernel(const vfILVector2f& windowRadius);
+    vfILStatus BuildKernel(const vfILVector2l& windowRadius);
     vfILStatus Esharpen();
     void SelectEdges(const vfILRowWalk& sharpened);
 
@@ -218,6 +218,7 @@ private:
     float m_degree = 1;
     double m_edgeSensitivity = 1.0;
     vfILRunBuffer m_kernelBuffer;
+    float* m_runKernel = nullptr; ///< in that buffer, from PrepareData to CleanData
     static const wchar_t* const m_ClassName;
     const wchar_t* GetClassNameW() const;
 };

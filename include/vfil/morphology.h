@@ -52,7 +52,7 @@ protected:
 
     /// What the type and the radii say. Fails with 0x1005D for an unknown type, and with 0x10001.
     vfILStatus BuildStructuringElement(Element& element);
-    /// Writes the smallest or the largest samples below the element. Channels and interrupt are \p polled's.
+    /// Writes the smallest or the largest samples below the element. The interrupt is \p polled's.
     vfILStatus WriteExtremes(bool largest, const vfILProcessor& polled);
 
 private:

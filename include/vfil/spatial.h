@@ -25,6 +25,13 @@ struct vfILWindowRun : vfILPixelRun {
     long kernelHeight = 1;
     long radiusX = 0;
     long radiusY = 0;
+    vfILBbox2l windowBox; ///< what the windows of the whole effect box cover, in input coordinates
+    /// For a leaf that reads the input itself: the picture in whose coordinates windowBox is. It is the
+    /// input, but where the output shares the input's memory a copy of it, or of the windows if they are
+    /// inside.
+    vfILRowWalk input;
+    vfILVector2l inputSize;
+    unsigned long channels = VFIL_MODE_RGBA; ///< the channels of RGBA that results go to, as in the mode
     long firstRow = 0; ///< the first treated row of processBox, counted from its first row
     long rowStep = 1;
     unsigned char* resultRow = nullptr; ///< room for one row of output pixels
@@ -54,6 +61,9 @@ protected:
     vfILStatus PrepareData() override;
     vfILStatus ProcessData() override;
     vfILStatus CleanData() override;
+    /// For the PrepareData of a leaf whose windows have other radii than SetRadius says: PrepareData is this
+    /// with WholeRadius(). Negative radii fail without a code, as Verify had to refuse them.
+    vfILStatus PrepareWindows(const vfILVector2l& radius);
     /// Computes Run().processBox, which is never null. Called once a run, or once a band: see AllowBands.
     virtual vfILStatus DoEffect() = 0;
 
@@ -90,9 +100,8 @@ protected:
     /// called several times a run, for one band of rows after the other, so that the padded copy need not
     /// hold the whole picture: that saves memory, and the copy stays in the cache.
     void AllowBands() { m_bandsAllowed = true; }
-    /// For the PrepareData of a leaf, before the frame's: the leaf reads the input for itself in this run. It
-    /// then gets no windows, unless input and output share memory: Run().windows.first is null. DoEffect is
-    /// called once.
+    /// For the PrepareData of a leaf, before the frame's: the leaf reads Run().input for itself in this run,
+    /// by the edge rule, and nothing is padded for it. Run().windows is null. DoEffect is called once.
     void ReadInputItself(bool itself) { m_readsInput = itself; }
     /// Whether Verify takes the radius.
     bool IsRadiusValid() const;
@@ -109,9 +118,9 @@ protected:
     vfILBbox2l m_effectBox;   ///< what the filter computes
 
 private:
-    bool IsReadable() const;
     bool PreparePassThrough();
-    bool PrepareScratch();
+    bool PrepareScratch(const vfILVector2l& radius);
+    bool PrepareInputRows(bool shared);
     bool AllocateScratch(std::int64_t rowBytes, std::int64_t rows, std::int64_t resultBytes);
     void FillScratch(long firstRow, long rows);
     void SelectFieldRows();
@@ -123,8 +132,7 @@ private:
     bool m_bandsAllowed = false;
     bool m_readsInput = false; ///< the leaf does
     vfILWindowRun m_run;
-    vfILBbox2l m_windowBox; ///< what the windows of the effect box cover, in input coordinates
-    long m_bandRows = 0;    ///< effect rows that the scratch holds at a time
+    long m_bandRows = 0; ///< effect rows that the scratch holds at a time
     vfILRunBuffer m_passThrough;
     vfILRunBuffer m_scratch;
     static const wchar_t* const m_ClassName;

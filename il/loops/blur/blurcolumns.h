@@ -17,15 +17,13 @@
 
 namespace vfil {
 
-/// The padded input's rows, whether the frame holds them or not, without the columns that repeat others
-/// beyond an edge.
+/// The padded input's rows, without the columns that repeat others beyond an edge.
 class PaddedInput {
 public:
-    /// \param window  All that the windows cover, in input coordinates.
+    /// \param window  All that the windows cover, in the input's coordinates.
     PaddedInput(const vfILWindowRun& run, const ImageView& input, const vfILBbox2l& window,
                 const EdgeRule& edge, bool useVectors)
-        : m_run(run), m_input(input), m_window(window), m_edge(edge), m_useVectors(useVectors),
-          m_areHeld(run.windows.first != nullptr)
+        : m_run(run), m_input(input), m_window(window), m_edge(edge), m_useVectors(useVectors)
     {}
     /// False when memory is short.
     bool Prepare();
@@ -49,7 +47,6 @@ private:
     const vfILBbox2l m_window;
     const EdgeRule m_edge;
     const bool m_useVectors;
-    const bool m_areHeld;
     long m_firstColumn = 0; ///< in input coordinates
     long m_columns = 0;
     RunArray<std::int32_t> m_columnOf;

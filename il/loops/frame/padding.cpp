@@ -94,17 +94,38 @@ void ReadRow(const ImageView& picture, const unsigned char* row, const vfILBbox2
 
 } // namespace
 
+EdgeRule EdgeRuleOf(const vfILMonadicSpatialProc& filter)
+{
+    EdgeRule rule{filter.GetEdgeMode(), {}};
+    rule.colour.Set(*ImageView(filter.GetInputImg()).format, filter.GetEdgeColor());
+    return rule;
+}
+
+ImageView InputOf(const vfILMonadicSpatialProc& filter, const vfILWindowRun& run)
+{
+    ImageView view(filter.GetInputImg());
+    view.pixels = run.input.first;
+    view.width = run.inputSize[0];
+    view.height = run.inputSize[1];
+    return view;
+}
+
+std::int64_t PlaceAt(vfILEdgeMode mode, std::int64_t at, std::int64_t size)
+{
+    return StretchAt(mode, at, size, 1).from;
+}
+
 void ReadWindow(const ImageView& picture, const vfILBbox2l& window, const EdgeRule& edge, bool useVectors,
                 unsigned char* to)
 {
     const auto pixelBytes = static_cast<std::size_t>(picture.RowPixelBytes());
     const std::size_t rowBytes = static_cast<std::size_t>(window.GetSizeX()) * pixelBytes;
     for (long i = 0; i < window.GetSizeY(); ++i, to += rowBytes) {
-        const Stretch row = StretchAt(edge.mode, std::int64_t{window.GetOffsetY()} + i, picture.height, 1);
-        if (row.from < 0) {
+        const std::int64_t row = PlaceAt(edge.mode, std::int64_t{window.GetOffsetY()} + i, picture.height);
+        if (row < 0) {
             FillRow(to, rowBytes, edge.colour.bytes, pixelBytes);
         } else {
-            ReadRow(picture, picture.Pixel(0, static_cast<long>(row.from)), window, edge, useVectors, to);
+            ReadRow(picture, picture.Pixel(0, static_cast<long>(row)), window, edge, useVectors, to);
         }
     }
 }

@@ -14,6 +14,20 @@
 
 namespace vfil {
 
+/// The channels of a pixel that a run writes; a mono picture ignores the selection.
+template <class Format>
+unsigned SelectedChannels(const vfILWindowRun& run)
+{
+    return Format::kChannels == 1 ? 1U : static_cast<unsigned>(run.channels & VFIL_MODE_RGBA);
+}
+
+/// True when results need no mixing, so that RunWindowRows has them made in the output's rows.
+template <class Format>
+bool WritesToOutput(const vfILWindowRun& run)
+{
+    return run.mask.first == nullptr && SelectedChannels<Format>(run) == (1U << Format::kChannels) - 1;
+}
+
 /// Writes the selected channels of four-channel results, and the base's others, by whole pixels.
 template <class Sample>
 void SelectChannels(const Sample* base, const Sample* results, Sample* out, long pixels, unsigned channels)
@@ -53,15 +67,14 @@ void WriteResults(const vfILWindowRun& run, long row, const typename Format::Sam
 }
 
 /// Runs over the treated rows: \p makeRow(row, results) gives the results of effect row `row`, whose windows
-/// are the rows `row`, row + 1 ... of run.windows. It may write them in any order, and read them back: they
-/// are the output's own row when nothing has to be mixed.
+/// are the rows `row`, row + 1 ... of run.windows. The processor tells when to stop. makeRow may write them
+/// in any order, and read them back: they are the output's own row when nothing has to be mixed.
 template <class Format, class MakeRow>
 void RunWindowRows(const vfILProcessor& processor, vfILWindowRun& run, MakeRow makeRow)
 {
     using Sample = typename Format::Sample;
-    constexpr unsigned kAll = (1U << Format::kChannels) - 1;
-    const unsigned channels = Format::Channels(processor);
-    const bool direct = run.mask.first == nullptr && channels == kAll;
+    const unsigned channels = SelectedChannels<Format>(run);
+    const bool direct = WritesToOutput<Format>(run);
     for (long i = 0; i < run.rows && !run.stopped; ++i) {
         const long row = run.firstRow + i * run.rowStep;
         auto* results = direct ? RowOf<Sample>(run.output, row) : reinterpret_cast<Sample*>(run.resultRow);

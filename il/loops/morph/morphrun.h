@@ -16,13 +16,6 @@ struct ExtremeRule {
     bool streaming; ///< results may go around the cache where they go to the output
 };
 
-/// True when results need no mixing, so that RunWindowRows has them made in the output's rows.
-template <class Format>
-bool WritesToOutput(const vfILProcessor& processor, const vfILWindowRun& run)
-{
-    return run.mask.first == nullptr && Format::Channels(processor) == (1U << Format::kChannels) - 1;
-}
-
 /// Runs over the treated rows: finish(row, results) gets the extremes below the element and may change them.
 /// Below an empty element they are the input.
 template <class Format, class Finish>
@@ -31,7 +24,7 @@ void RunExtremes(const vfILProcessor& processor, vfILWindowRun& run, const Eleme
 {
     using Sample = typename Format::Sample;
     const ExtremeKernels<Sample> kernels(rule.largest, rule.useVectors,
-                                         rule.streaming && WritesToOutput<Format>(processor, run));
+                                         rule.streaming && WritesToOutput<Format>(run));
     const auto runRows = [&](auto fold) {
         RunWindowRows<Format>(processor, run, [&](long row, Sample* results) {
             fold(row, results);

@@ -124,6 +124,27 @@ Parameter NeverPremultiplyBackImage()
         Value{0}, "take the back's colour as it stands, whatever its alpha");
 }
 
+// The rules of 8 bits are what people expect of 16, too.
+void UseFullScale16(vfILCompImg& layer)
+{
+    layer.SetFullScale16(1);
+}
+
+Parameter Legacy16()
+{
+    Parameter parameter = FlagParameter<&vfILCompImg::SetFullScale16, &vfILCompImg::GetFullScale16>(
+        Value{0}, "at 16 bits divide a sum of products once, with its lone terms as 65535ths, instead of "
+                  "following the rules of 8 bits");
+    parameter.name = "legacy-16";
+    parameter.apply = [](vfILProcessor& p, const Value& v) {
+        As<vfILCompImg>(p).SetFullScale16(v.x == 0 ? 1 : 0);
+    };
+    parameter.read = [](const vfILProcessor& p) {
+        return Value{As<vfILCompImg>(p).GetFullScale16() != 0 ? 0.0 : 1.0};
+    };
+    return parameter;
+}
+
 std::vector<Parameter> LayerParameters()
 {
     return {ExtraTransparency(), AlphaMode<vfILCompImg>(), InputOffset(),
@@ -141,11 +162,18 @@ Entry Layer(const char* className, const char* summary)
     return entry;
 }
 
-// Weighs colour by coverage.
+// Has two arithmetics at 16 bits.
 template <class P>
-Entry CoverageLayer(const char* className, const char* summary)
+Entry FullScaleLayer(const char* className, const char* summary)
 {
-    Entry entry = Layer<P>(className, summary);
+    Entry entry = Layer<SetUp<P, UseFullScale16>>(className, summary);
+    entry.parameters.push_back(Legacy16());
+    return entry;
+}
+
+// Weighs colour by coverage.
+Entry Weighing(Entry entry)
+{
     entry.multiplied = true;
     return entry;
 }
@@ -161,21 +189,10 @@ Entry WholeColourLayer(const char* className, const char* summary)
 
 Entry Over()
 {
-    Entry entry = CoverageLayer<vfILOverImage>("vfILOverImage", "put the front over the back");
+    Entry entry = Weighing(FullScaleLayer<vfILOverImage>("vfILOverImage", "put the front over the back"));
     entry.formats.push_back(PXFormat_YCCA422_601);
     entry.formats.push_back(PXFormat_YCCA422_709);
     entry.parameters.push_back(NeverPremultiplyBackImage());
-    entry.note = "at 16 bits the front's colour and alpha enter the sum as 65535ths of themselves: the front "
-                 "only cuts "
-                 "itself out of the back; --format rgba32 shows it";
-    return entry;
-}
-
-Entry AddNoClip()
-{
-    Entry entry =
-        Layer<vfILAddNoClipImage>("vfILAddNoClipImage", "add the pictures softly, so that nothing clips");
-    entry.note = "at 16 bits the back enters the sum as a 65535th of itself; --format rgba32 shows it";
     return entry;
 }
 
@@ -195,15 +212,17 @@ std::vector<Entry> LayerEntries()
 {
     std::vector<Entry> entries;
     entries.push_back(Over());
-    entries.push_back(CoverageLayer<vfILInImage>("vfILInImage", "keep the front where the back is"));
-    entries.push_back(CoverageLayer<vfILOutImage>("vfILOutImage", "keep the front where the back is not"));
+    entries.push_back(Weighing(Layer<vfILInImage>("vfILInImage", "keep the front where the back is")));
+    entries.push_back(Weighing(Layer<vfILOutImage>("vfILOutImage", "keep the front where the back is not")));
+    entries.push_back(Weighing(
+        FullScaleLayer<vfILAtopImage>("vfILAtopImage", "put the front, where the back is, over the back")));
     entries.push_back(
-        CoverageLayer<vfILAtopImage>("vfILAtopImage", "put the front, where the back is, over the back"));
-    entries.push_back(
-        CoverageLayer<vfILXorImage>("vfILXorImage", "keep either picture where the other is not"));
+        Weighing(FullScaleLayer<vfILXorImage>("vfILXorImage", "keep either picture where the other is not")));
     entries.push_back(Layer<vfILAddImage>("vfILAddImage", "add the pictures, clipped at full"));
-    entries.push_back(AddNoClip());
-    entries.push_back(Layer<vfILDiffImage>("vfILDiffImage", "take the distance between the pictures"));
+    entries.push_back(FullScaleLayer<vfILAddNoClipImage>("vfILAddNoClipImage",
+                                                         "add the pictures softly, so that nothing clips"));
+    entries.push_back(
+        FullScaleLayer<vfILDiffImage>("vfILDiffImage", "take the distance between the pictures"));
     entries.push_back(Layer<vfILMultImage>("vfILMultImage", "multiply the pictures"));
     entries.push_back(Layer<vfILLighterImage>("vfILLighterImage", "take the larger value of each channel"));
     entries.push_back(Layer<vfILDarkerImage>("vfILDarkerImage", "take the smaller value of each channel"));

@@ -71,6 +71,12 @@ inline void StoreStreaming(std::uint8_t* p, U8 v)
     VFIL_BITS(stream)(reinterpret_cast<Register*>(p), v.bits);
 }
 
+/// Asks for the line of the cache that holds p.
+inline void Prefetch(const std::uint8_t* p)
+{
+    _mm_prefetch(reinterpret_cast<const char*>(p), _MM_HINT_T0);
+}
+
 inline U8 SplatU32(std::uint32_t v)
 {
     return {VFIL_MM(set1_epi32)(static_cast<int>(v))};

@@ -152,6 +152,19 @@ inline U8 Min(U8 a, U8 b)
     return {VFIL_MM(min_epu8)(a.bits, b.bits)};
 }
 
+/// (a + b + 1) / 2.
+inline U8 Average(U8 a, U8 b)
+{
+    return {VFIL_MM(avg_epu8)(a.bits, b.bits)};
+}
+
+/// Moves each 64 bits up.
+template <int count>
+inline U8 ShiftLeft64(U8 v)
+{
+    return {VFIL_MM(slli_epi64)(v.bits, count)};
+}
+
 /// Moves each 32 bits up.
 template <int count>
 inline U8 ShiftLeft32(U8 v)

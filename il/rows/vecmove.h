@@ -73,26 +73,26 @@ inline S32 LoadTriples(const std::uint8_t* p)
 }
 
 /// Stores the lower 12 bytes of each 128 bits, one behind the other.
-inline void StoreTwelves(std::uint8_t* p, Register v)
+inline void StoreTwelves(std::uint8_t* p, U8 v)
 {
 #if defined(__AVX512BW__)
     const __m512i order = _mm512_setr_epi32(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, 0, 0, 0, 0);
-    _mm512_mask_storeu_epi32(p, 0x0FFF, _mm512_permutexvar_epi32(order, v));
+    _mm512_mask_storeu_epi32(p, 0x0FFF, _mm512_permutexvar_epi32(order, v.bits));
 #else
     const __m256i order = _mm256_setr_epi32(0, 1, 2, 4, 5, 6, 0, 0);
-    const __m256i packed = _mm256_permutevar8x32_epi32(v, order);
+    const __m256i packed = _mm256_permutevar8x32_epi32(v.bits, order);
     _mm_storeu_si128(reinterpret_cast<__m128i*>(p), _mm256_castsi256_si128(packed));
     _mm_storel_epi64(reinterpret_cast<__m128i*>(p + 16), _mm256_extracti128_si256(packed, 1));
 #endif
 }
 
 /// Each 4 of kBytes / 2 bytes in the lower half of 64 bits, the rest of which are zero.
-inline Register LoadEachAs64(const std::uint8_t* p)
+inline U8 LoadEachAs64(const std::uint8_t* p)
 {
 #if defined(__AVX512BW__)
-    return _mm512_cvtepu32_epi64(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)));
+    return {_mm512_cvtepu32_epi64(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)))};
 #else
-    return _mm256_cvtepu32_epi64(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)));
+    return {_mm256_cvtepu32_epi64(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)))};
 #endif
 }
 

@@ -44,15 +44,6 @@ ImageView ViewOf(IPXImage* image, std::initializer_list<ImageView> known)
     return image;
 }
 
-long ImageView::MemoryRow(long y) const
-{
-    const long row = format->topDown ? height - 1 - y : y;
-    if (!format->splitField) return row;
-    const long odd = y & 1;
-    if (format->evenFieldFirst) return (row >> 1) + ((height + 1) >> 1) * odd;
-    return (row >> 1) + (height >> 1) * (1 - odd);
-}
-
 unsigned char* ImageView::Pixel(long x, long memoryRow) const
 {
     return pixels + memoryRow * RowBytes() + std::ptrdiff_t{x} * RowPixelBytes();

@@ -20,7 +20,7 @@ struct ImageView : vfILPictureView {
     long RowPixelBytes() const { return format->alphaPlane ? 2 : pixelBytes; }
     std::ptrdiff_t RowBytes() const { return std::ptrdiff_t{width} * RowPixelBytes(); }
     /// The memory row of image row y.
-    long MemoryRow(long y) const;
+    long MemoryRow(long y) const { return format->MemoryRow(height, y); }
     unsigned char* Pixel(long x, long memoryRow) const;
     /// The alpha plane's byte; null for a format without one.
     unsigned char* PlanePixel(long x, long memoryRow) const;

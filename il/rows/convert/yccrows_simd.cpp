@@ -190,9 +190,9 @@ constexpr Indices SpreadOne(Places places)
     return {lanes(0), lanes(8)};
 }
 
-S32 SpreadBy(Register pairs, Indices indices)
+S32 SpreadBy(U8 pairs, Indices indices)
 {
-    return {Shuffle16(pairs, indices.low, indices.high)};
+    return {Shuffle16(pairs.bits, indices.low, indices.high)};
 }
 
 /// kStep pixels, a vector a channel, not yet limited to bytes.
@@ -221,7 +221,7 @@ public:
                        Splat32(table.blue.constant)};
     }
 
-    Channels operator()(Register pairs) const
+    Channels operator()(U8 pairs) const
     {
         const S32 yCb = SpreadBy(pairs, m_cb);
         const S32 yCr = SpreadBy(pairs, m_cr);
@@ -254,7 +254,7 @@ public:
                        Splat32(table.blue.constant)};
     }
 
-    Channels operator()(Register pairs) const
+    Channels operator()(U8 pairs) const
     {
         const S32 y = SpreadBy(pairs, m_y) * m_luma; // the same in all three channels
         const S32 cb = SpreadBy(pairs, m_cb);
@@ -292,18 +292,18 @@ void StorePixels(Byte* rgb, Channels channels, S32 alpha)
     if constexpr (pixelBytes == 4) {
         Put<streaming>(rgb, {Shuffle16(planes.bits, 0x0D05'0901'0C04'0800, 0x0F07'0B03'0E06'0A02)});
     } else {
-        StoreTwelves(rgb, Shuffle16(planes.bits, 0x0A02'0509'0104'0800, 0x8080'8080'070B'0306));
+        StoreTwelves(rgb, {Shuffle16(planes.bits, 0x0A02'0509'0104'0800, 0x8080'8080'070B'0306)});
     }
 }
 
 /// The pair and what stands for the chroma of its right pixel.
 template <bool interpolating>
-Register WithRightChroma(const Byte* ycc)
+U8 WithRightChroma(const Byte* ycc)
 {
-    const Register pairs = LoadEachAs64(ycc);
-    Register right = pairs;
-    if constexpr (interpolating) right = VFIL_MM(avg_epu8)(pairs, LoadEachAs64(ycc + 4));
-    return VFIL_BITS(or)(pairs, VFIL_MM(slli_epi64)(right, 32));
+    const U8 pairs = LoadEachAs64(ycc);
+    U8 right = pairs;
+    if constexpr (interpolating) right = Average(pairs, LoadEachAs64(ycc + 4));
+    return pairs | ShiftLeft64<32>(right);
 }
 
 /// A row's rules, fixed before its loop.

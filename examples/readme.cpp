@@ -23,7 +23,9 @@ try {
     over.SetProcessingMode(VFIL_MODE_RGBA);
     over.SetExtraTransparency(0.8); // the front's strength
     if (over.Verify() != VFIL_SUCCESS || over.Execute() != VFIL_SUCCESS) {
-        std::fprintf(stderr, vfILErrorText(over.GetLastError()), "over");
+        char message[256];
+        vfILFormatError(over, message, sizeof message);
+        std::fprintf(stderr, "%s\n", message);
         return 1;
     }
     WritePicture(argv[3], *out);

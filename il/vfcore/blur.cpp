@@ -180,7 +180,7 @@ vfILStatus vfILBlurImg::SeparateKernel(float* kx, float* ky)
 {
     if (!IsGauss()) return vfILConvolveImg::SeparateKernel(kx, ky);
     const float* const kernel = GetKernel();
-    if (kernel == nullptr) return VFIL_FAILURE;
+    if (kernel == nullptr) return Fail(0x10021, GetClassNameW());
     const vfILVector2l radius = WholeRadius();
     const long width = 2 * long{radius[0]} + 1;
     const long height = 2 * long{radius[1]} + 1;

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <cwchar>
 #include <new>
 
@@ -198,25 +199,18 @@ void vfILColor::SetRGBA(double red, double green, double blue, double alpha) noe
 
 const wchar_t* vfILColor::GetName() const noexcept
 {
-    return m_name != nullptr ? m_name.get() : L"";
+    return m_name.Get() != nullptr ? static_cast<const wchar_t*>(m_name.Get()) : L"";
 }
 
 int vfILColor::SetName(const wchar_t* name) noexcept
 {
-    if (name == nullptr || *name == 0) {
-        m_name.reset();
-        return 1;
-    }
-    try {
-        const std::size_t length = std::wcslen(name) + 1;
-        const std::shared_ptr<wchar_t[]> copy(new wchar_t[length]);
-        std::copy_n(name, length, copy.get());
-        m_name = copy;
-        return 1;
-    } catch (const std::bad_alloc&) {
-        m_name.reset();
-        return 0;
-    }
+    const std::size_t length = name != nullptr ? std::wcslen(name) : 0;
+    // The new name is whole before the old one goes, since it may be a part of it.
+    const vfILSharedBytes copy =
+        length > 0 ? vfILSharedBytes((length + 1) * sizeof(wchar_t)) : vfILSharedBytes();
+    if (copy.Get() != nullptr) std::memcpy(copy.Get(), name, length * sizeof(wchar_t));
+    m_name = copy;
+    return length == 0 || copy.Get() != nullptr ? 1 : 0;
 }
 
 int vfILColor::Verify() const noexcept

@@ -4,7 +4,7 @@
 #include "il/rows/blur/convrows.h"
 
 #include "il/loops/blur/convolvetaps.h"
-#include "il/loops/numeric/matrixsvd.h"
+#include "il/loops/numeric/matrixsolve.h"
 
 #include <vfil/convolve.h>
 #include <vfil/matrix.h>
@@ -227,7 +227,7 @@ vfILStatus vfILConvolveImg::OutOfMemory(const char* text)
 
 vfILStatus vfILConvolveImg::DoEffect()
 {
-    if (m_kernel == nullptr) return VFIL_FAILURE;
+    if (m_kernel == nullptr) return Fail(0x10021, GetClassNameW());
     if (!m_isPlanned && FindFactors() != VFIL_SUCCESS) return VFIL_FAILURE;
     m_isPlanned = true;
     return m_factors == nullptr ? SinglePassConvolve(Run(), m_kernel)

@@ -45,7 +45,10 @@ vfILStatus vfILDyadicPixelProc::PrepareData()
     const ImageView output(GetOutputImg());
     const ImageView inputA = ViewOf(GetInputImgA(), {output});
     const ImageView inputB = ViewOf(GetInputImgB(), {output, inputA});
-    if (!AreConnected(inputA, output) || !AreConnected(inputB, output)) return VFIL_FAILURE;
+    if (!AreConnected(inputA, output))
+        return Fail(WhyUnconnected(inputA, output, 0x10013, 0x10015), GetClassNameW());
+    if (!AreConnected(inputB, output))
+        return Fail(WhyUnconnected(inputB, output, 0x10014, 0x10016), GetClassNameW());
     const bool dominantB = IsDominantB();
     const vfILVector2l& offset = GetInputOffset();
     const vfILBbox2l boxA = inputA.Box();
@@ -55,7 +58,8 @@ vfILStatus vfILDyadicPixelProc::PrepareData()
     ComputeRegions(m_run, dominantB ? boxB : boxA, dominantB ? boxA : boxB, GetROI(), maskBox,
                    GetOutputOffset());
     const ImageView mask = ViewOf(GetMaskImg(), {output, inputA, inputB});
-    if (!PrepareMaskAndOutput(m_run, output, mask, maskBox, channel)) return VFIL_FAILURE;
+    if (!PrepareMaskAndOutput(m_run, output, mask, maskBox, channel))
+        return Fail(WhyUnprepared(m_run, mask), GetClassNameW());
 
     // Each input sees the plane's boxes in coordinates of its own: B's are moved back by its offset.
     const bool showsOutside = !(m_run.processBox == m_run.shiftedValidBox);

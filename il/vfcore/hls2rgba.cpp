@@ -19,7 +19,7 @@ vfILHLSA2RGBA::vfILHLSA2RGBA() : vfILPairConvertProc(kPairs)
 
 vfILStatus vfILHLSA2RGBA::DoEffect()
 {
-    if (!kPairs.Contains(InputFormat(), OutputFormat())) return VFIL_FAILURE;
+    if (VerifyFormats() != VFIL_SUCCESS) return VFIL_FAILURE;
     return OutputFormat() == PXFormat_RGBA32 ? Convert8() : Convert16();
 }
 

@@ -69,10 +69,7 @@ vfILStatus vfIL2TapIIR::Verify()
         return Fail(0x10034, "%s ERROR Verify: Invalid input image format\n", GetClassNameW());
     if (!(FormatOf(m_outputImg) == PXFormat_RGBA32))
         return Fail(0x1000D, "%s ERROR Verify: Invalid image format \n", GetClassNameW());
-    if (!output.HasPixels() || !(input.Box() == output.Box())) {
-        return Fail(0x10003, "%s ERROR Verify: Output image has no pixels or another size than the input\n",
-                    GetClassNameW());
-    }
+    if (!output.HasPixels() || !(input.Box() == output.Box())) return Fail(0x10003, GetClassNameW());
     return VFIL_SUCCESS;
 }
 
@@ -81,8 +78,11 @@ vfILStatus vfIL2TapIIR::Execute()
     constexpr long kPixelBytes = 4;
     const ImageView input(m_inputImg);
     const ImageView output(m_outputImg);
-    if (!input.HasPixels() || !output.HasPixels() || !(input.Box() == output.Box())) return VFIL_FAILURE;
-    if (input.pixelBytes != kPixelBytes || output.pixelBytes != kPixelBytes) return VFIL_FAILURE;
+    if (!input.HasPixels()) return Fail(m_inputImg == nullptr ? 0x1000B : 0x1000C, GetClassNameW());
+    if (m_outputImg == nullptr) return Fail(0x10002, GetClassNameW());
+    if (!output.HasPixels() || !(input.Box() == output.Box())) return Fail(0x10003, GetClassNameW());
+    if (input.pixelBytes != kPixelBytes) return Fail(0x10034, GetClassNameW());
+    if (output.pixelBytes != kPixelBytes) return Fail(0x1000D, GetClassNameW());
     return input.Box().IsNull() ? VFIL_SUCCESS : ProcessTestAlgorithmUsingDoubles();
 }
 

@@ -19,7 +19,7 @@ vfIL16to8::vfIL16to8() : vfILPairConvertProc(kPairs)
 
 vfILStatus vfIL16to8::DoEffect()
 {
-    if (!kPairs.Contains(InputFormat(), OutputFormat())) return VFIL_FAILURE;
+    if (VerifyFormats() != VFIL_SUCCESS) return VFIL_FAILURE;
     return OutputFormat() == PXFormat_RGBA32 ? ConvertRGBA() : ConvertMONO();
 }
 

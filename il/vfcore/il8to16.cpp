@@ -19,7 +19,7 @@ vfIL8to16::vfIL8to16() : vfILPairConvertProc(kPairs)
 
 vfILStatus vfIL8to16::DoEffect()
 {
-    if (!kPairs.Contains(InputFormat(), OutputFormat())) return VFIL_FAILURE;
+    if (VerifyFormats() != VFIL_SUCCESS) return VFIL_FAILURE;
     return OutputFormat() == PXFormat_RGBA64 ? ConvertRGBA() : ConvertMONO();
 }
 

@@ -1,10 +1,11 @@
 /// \file
-/// The error value, and the one table that pairs each code with its text.
+/// The error value, the one table that pairs each code with its text, and the messages.
 
-#include <vfil/error.h>
+#include <vfil/processor.h>
 
 #include <algorithm>
 #include <array>
+#include <string_view>
 
 namespace {
 
@@ -13,8 +14,10 @@ struct ErrorText {
     const char* text;
 };
 
+/// A code that operators share has a text that fits all of them, the sites have texts of their own then.
 constexpr auto kErrorTexts = std::to_array<ErrorText>({
     // clang-format off
+    {0, "%s: no error\n"},
     {0x10001, "%s ERROR DoEffect: insufficient memory space\n"},
     {0x10002, "%s ERROR Verify: Output image is NULL\n"},
     {0x10003, "%s ERROR Verify: Output image pixel array is NULL\n"},
@@ -48,12 +51,12 @@ constexpr auto kErrorTexts = std::to_array<ErrorText>({
     {0x1001F, "%s ERROR Verify: Level of noise is not in range [0..4]\n"},
     {0x10020, "%s ERROR Verify: Edge mode handling is unknown\n"},
     {0x10021, "%s ERROR Verify: Kernel is NULL\n"},
-    {0x10023, "%s ERROR Verify: Kernel radius is not in valid range\n"},
+    {0x10023, "%s ERROR Verify: Radius or tolerance is not in valid range\n"},
     {0x10024, "%s ERROR Verify: Type of blurring is unknown\n"},
     {0x10025, "%s ERROR Verify: Type of sharpening is unknown\n"},
-    {0x10026, "%s ERROR Verify: Degree of blurring is not in range [0..1]\n"},
+    {0x10026, "%s ERROR Verify: Degree is not in range [0..1]\n"},
     {0x10027, "%s ERROR Verify: Type of Laplace is unknown\n"},
-    {0x10028, "%s ERROR Verify: Gradient direction is unknown\n"},
+    {0x10028, "%s ERROR Verify: Direction is unknown\n"},
     {0x10029, "%s ERROR Verify: Bias value is not in range [0..1]\n"},
     {0x1002A, "%s ERROR Verify: Edge sensitivity is not in range [0..1]\n"},
     {0x1002B, "%s ERROR Verify: Input DIB is NULL\n"},
@@ -65,7 +68,7 @@ constexpr auto kErrorTexts = std::to_array<ErrorText>({
     {0x10032, "%s ERROR SaveDIB: Cannot save DIB file\n"},
     {0x10033, "%s ERROR Verify: Input and Output image color models must be different\n"},
     {0x10034, "%s ERROR Verify: Invalid input image format\n"},
-    {0x10035, "%s ERROR Verify: specified source channel is not valid\n"},
+    {0x10035, "%s ERROR Verify: Channel selection is not valid\n"},
     {0x10036, "%s ERROR Verify: Seed coordinates are invalid\n"},
     {0x10037, "%s ERROR Verify: Tolerance level is not in range [0,1]\n"},
     {0x10038, "%s ERROR Verify: Increment on the Tolerance level is not in range [0,0.3]\n"},
@@ -83,13 +86,13 @@ constexpr auto kErrorTexts = std::to_array<ErrorText>({
     {0x10045, "%s ERROR Verify: Ratio of the color gradient is invalid\n"},
     {0x10046, "%s ERROR Verify: Threshold is not in range [0..1]\n"},
     {0x10047, "%s ERROR Verify: Invert flag of the color gradient is invalid\n"},
-    {0x10048, "%s ERROR Verify: Edge padding color is invalid\n"},
+    {0x10048, "%s ERROR Verify: Color is invalid\n"},
     {0x10049, "%s ERROR Verify: Type of edge detection is unknown\n"},
     {0x1004A, "%s ERROR Verify: Snapping radius is not in a valid range \n"},
     {0x1004B, "%s ERROR Verify: Starting coordinates must be inside the image\n"},
     {0x1004C, "%s ERROR Verify: Edge neighborhood size\tis invalid\n"},
     {0x1004D, "%s ERROR Verify: Blur radius is invalid\n"},
-    {0x1004E, "%s ERROR Verify: The Seed state is unknown\n"},
+    {0x1004E, "%s ERROR Verify: The Seed is invalid\n"},
     {0x10053, "%s:ERROR Correlate8 has zero region\n"},
     {0x10054, "%s:ERROR SetFastApproximationAmount: p_dAmount is invalid.\n"},
     {0x10055, "%s:ERROR Correlate 8: Cannot correlate flat image(s)!\n"},
@@ -118,7 +121,7 @@ constexpr auto kErrorTexts = std::to_array<ErrorText>({
     {0x1006E, "%s ERROR Verify: Invalid opacity\n"},
     {0x1006F, "%s ERROR Verify: Opacity falloff too large.\n"},
     {0x10070, "%s ERROR Verify: Border softness too large.\n"},
-    {0x10071, "%s:ERROR Verify: Invalid target region field masking parameter\n"},
+    {0x10071, "%s ERROR Verify: Field masking, background color or alpha mode is invalid\n"},
     {0x10072, "%s:ERROR Verify: Invalid search region field masking parameter\n"},
     {0x10073, "%s:ERROR Verify: Target and search regions field masking must match\n"},
     {0x20001, "%s WARNING Verify: Mask are not allowed\n"},
@@ -181,4 +184,92 @@ const char* vfILErrorText(unsigned long code)
     const auto key = static_cast<std::uint32_t>(code);
     const auto found = std::ranges::lower_bound(kErrorTexts, key, {}, &ErrorText::code);
     return found != kErrorTexts.end() && found->code == key ? found->text : nullptr;
+}
+
+namespace {
+
+/// Writes to a buffer of any size, and counts on when it is full.
+class Line {
+public:
+    Line(char* buffer, std::size_t size) : m_buffer(buffer), m_size(size) {}
+
+    void Put(char c)
+    {
+        if (m_length + 1 < m_size) m_buffer[m_length] = c;
+        ++m_length;
+    }
+    /// Class names are plain letters and digits: what is wider than a char becomes a question mark.
+    template <class Char>
+    void Put(const Char* text)
+    {
+        for (; *text != 0; ++text)
+            Put(*text > 0 && *text < 0x7F ? static_cast<char>(*text) : '?');
+    }
+    void PutHex(std::uint32_t value)
+    {
+        Put("0x");
+        int shift = 28;
+        while (shift > 0 && (value >> shift) == 0)
+            shift -= 4;
+        for (; shift >= 0; shift -= 4)
+            Put("0123456789ABCDEF"[(value >> shift) & 0xFU]);
+    }
+    std::size_t End()
+    {
+        if (m_size > 0) m_buffer[std::min(m_length, m_size - 1)] = 0;
+        return m_length;
+    }
+
+private:
+    char* m_buffer;
+    std::size_t m_size;
+    std::size_t m_length = 0;
+};
+
+/// The text without what it ends in, and with \p name once.
+template <class Char>
+std::size_t Format(std::string_view text, unsigned long code, const Char* name, Line line)
+{
+    const std::size_t last = text.find_last_not_of(" \n");
+    text = text.substr(0, last == std::string_view::npos ? 0 : last + 1);
+    const std::size_t hole = text.find("%s");
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (i == hole) {
+            line.Put(name);
+            ++i;
+        } else {
+            line.Put(text[i]);
+        }
+    }
+    if (text.empty()) {
+        line.Put(name);
+        line.Put(" ERROR ");
+        line.PutHex(static_cast<std::uint32_t>(code));
+    }
+    return line.End();
+}
+
+std::string_view OrEmpty(const char* text)
+{
+    return text != nullptr ? std::string_view(text) : std::string_view();
+}
+
+} // namespace
+
+std::size_t vfILFormatError(const vfILProcessor& processor, char* buffer, std::size_t size,
+                            const char* name) noexcept
+{
+    const Line line(buffer, size);
+    const unsigned long code = processor.GetLastError().GetErrorCode();
+    const std::string_view text = OrEmpty(processor.GetLastErrorText());
+    const wchar_t* className = processor.GetLastErrorClass();
+    if (name != nullptr) return Format(text, code, name, line);
+    return Format(text, code, className != nullptr ? className : L"vfILProcessor", line);
+}
+
+std::size_t vfILFormatError(const vfILError& error, char* buffer, std::size_t size, const char* name) noexcept
+{
+    const unsigned long code = error.GetErrorCode();
+    return Format(OrEmpty(vfILErrorText(code)), code, name != nullptr ? name : "vfILProcessor",
+                  Line(buffer, size));
 }

@@ -1,38 +1,20 @@
 /// \file
-/// Storage, filling, arithmetic and comparisons of the matrix. The solvers are in matrixsolve.cpp.
+/// The matrix: storage, filling, arithmetic, comparisons, and the results of the solvers.
 
 #include <vfil/matrix.h>
 
-#include "il/loops/numeric/matrixsvd.h"
+#include "il/loops/numeric/jacobi.h"
+#include "il/loops/numeric/matrixsolve.h"
 
 #include <algorithm>
 #include <cassert>
+#include <cmath>
 #include <limits>
 
+using vfil::Svd;
+using vfil::SvdOutcome;
+
 namespace {
-
-void FreeRows(double** rows, long count) noexcept
-{
-    for (long i = 0; i < count; ++i)
-        delete[] rows[i];
-    delete[] rows;
-}
-
-/// Zeroed rows, each an allocation of its own, for FreeRows. Null when memory runs out.
-double** MakeRows(long rows, long cols) noexcept
-{
-    std::unique_ptr<double*[]> pointers = vfil::MakeArray<double*>(static_cast<std::size_t>(rows));
-    if (pointers == nullptr) return nullptr;
-    for (long i = 0; i < rows; ++i) {
-        pointers[i] = vfil::MakeArray<double>(static_cast<std::size_t>(cols)).release();
-        if (pointers[i] == nullptr) {
-            FreeRows(pointers.release(), i);
-            return nullptr;
-        }
-        std::fill_n(pointers[i], cols, 0.0);
-    }
-    return pointers.release();
-}
 
 bool HaveOneSize(const vfILMatrix& a, const vfILMatrix& b)
 {
@@ -99,7 +81,7 @@ vfILMatrix::~vfILMatrix()
 
 void vfILMatrix::Release() noexcept
 {
-    FreeRows(m_elements, m_rows);
+    vfil::FreeRows(m_elements, m_rows);
     m_elements = nullptr;
     m_rows = m_cols = 0;
     m_valid = false;
@@ -116,7 +98,7 @@ void vfILMatrix::Resize(long rows, long cols) noexcept
     Release();
     constexpr long kMost = std::numeric_limits<std::int32_t>::max();
     if (rows <= 0 || cols <= 0 || rows > kMost || cols > kMost) return;
-    m_elements = MakeRows(rows, cols);
+    m_elements = vfil::MakeRows(rows, cols);
     if (m_elements == nullptr) return;
     m_rows = static_cast<std::int32_t>(rows);
     m_cols = static_cast<std::int32_t>(cols);
@@ -236,7 +218,7 @@ double vfILMatrix::InnerProduct(const vfILMatrix& other) const noexcept
 double vfILMatrix::CorrelationCoefficient(const vfILMatrix& other) const noexcept
 {
     if (!m_valid || m_rows != other.m_rows) return InnerProduct(other);
-    return InnerProduct(other) / (Norm(VFIL_NORM_FROBENIUS) * other.Norm(VFIL_NORM_FROBENIUS));
+    return vfil::Correlation(*this, other);
 }
 
 bool vfILMatrix::IsSymmetric() const noexcept
@@ -270,9 +252,6 @@ bool vfILMatrix::operator==(const vfILMatrix& other) const noexcept
     return true;
 }
 
-void vfILMatrix::OutputToDebug() const noexcept
-{}
-
 double vfILMatrix::Sign(double a, double b) noexcept
 {
     return vfil::Sign(a, b);
@@ -297,3 +276,126 @@ bool vfILMatrix::IsAlmostEqual(double a, double b) const noexcept
 {
     return IsVerySmall(a - b);
 }
+
+void vfILMatrix::JacobiRotate(double** a, double s, double tau, long i, long j, long k, long l) noexcept
+{
+    vfil::JacobiRotate(a, s, tau, i, j, k, l);
+}
+
+vfILStatus vfILMatrix::ThinSVDUnitOffsetInPlace(double** a, long m, long n, double* const w,
+                                                double** v) noexcept
+{
+    return vfil::DecomposeUnitOffset(a, m, n, w, v) == SvdOutcome::kConverged ? VFIL_SUCCESS : VFIL_FAILURE;
+}
+
+vfILStatus vfILMatrix::DestructiveJacobiUnitOffset(double** a, double* const d, double** v) const noexcept
+{
+    return vfil::SolveByJacobi(a, m_rows, d, v) ? VFIL_SUCCESS : VFIL_FAILURE;
+}
+
+/// Frees results of which not all are whole. \return Whether they are.
+bool vfILMatrix::AreWhole(std::initializer_list<vfILMatrix*> results) noexcept
+{
+    if (std::ranges::all_of(results, &vfILMatrix::IsValid)) return true;
+    for (vfILMatrix* result : results)
+        result->Release();
+    return false;
+}
+
+vfILStatus vfILMatrix::ThinSVD(vfILMatrix& u, vfILMatrix& w, vfILMatrix& v) const noexcept
+{
+    Svd svd;
+    if (svd.Decompose(*this) != SvdOutcome::kConverged) return VFIL_FAILURE;
+    u.Resize(svd.rows, svd.cols);
+    w.Resize(svd.cols, svd.cols);
+    v.Resize(svd.cols, svd.cols);
+    if (!AreWhole({&u, &w, &v})) return VFIL_FAILURE;
+    for (long i = 0; i < svd.rows; ++i)
+        std::copy_n(svd.u[i + 1] + 1, svd.cols, u.m_elements[i]);
+    for (long k = 1; k <= svd.cols; ++k)
+        w.m_elements[k - 1][k - 1] = svd.Value(k);
+    for (long i = 0; i < svd.cols; ++i)
+        std::copy_n(svd.v[i + 1] + 1, svd.cols, v.m_elements[i]);
+    return VFIL_SUCCESS;
+}
+
+vfILMatrix vfILMatrix::Inverse(vfILMatrixCondition& condition) const noexcept
+{
+    assert(IsSquare());
+    condition = VFIL_CONDITION_SINGULAR;
+    return IsSquare() ? PseudoInverse(condition) : vfILMatrix();
+}
+
+vfILStatus vfILMatrix::SymmetricEigensolve(vfILMatrix& values, vfILMatrix& vectors) const noexcept
+{
+    assert(IsSquare());
+    const long n = m_rows;
+    vfil::UnitOffsetRows a;
+    vfil::UnitOffsetRows v;
+    const auto d = vfil::MakeArray<double>(static_cast<std::size_t>(n) + 1);
+    if (!m_valid || !IsSquare() || d == nullptr || !a.Allocate(n, n) || !v.Allocate(n, n))
+        return VFIL_FAILURE;
+    const double greatest = vfil::GreatestOfUpperTriangle(m_elements, n);
+    if (!std::isfinite(greatest)) return VFIL_FAILURE;
+    const int exponent = vfil::ScaleExponent(greatest);
+    a.Copy(m_elements, n, n, exponent);
+    if (DestructiveJacobiUnitOffset(a.Get(), d.get(), v.Get()) != VFIL_SUCCESS) return VFIL_FAILURE;
+    values.Resize(n, 1);
+    vectors.Resize(n, n);
+    if (!AreWhole({&values, &vectors})) return VFIL_FAILURE;
+    for (long i = 0; i < n; ++i) {
+        values.m_elements[i][0] = std::ldexp(d[i + 1], exponent);
+        std::copy_n(v[i + 1] + 1, n, vectors.m_elements[i]);
+    }
+    return VFIL_SUCCESS;
+}
+
+vfILMatrix vfILMatrix::PseudoInverse(vfILMatrixCondition& condition) const noexcept
+{
+    return vfil::PseudoInverse(*this, m_epsilon, condition);
+}
+
+vfILMatrix vfILMatrix::SolveSystem(const vfILMatrix& b, vfILMatrixCondition& condition, bool wantCondition,
+                                   vfILMatrixNorm norm, double* conditionOut) const noexcept
+{
+    const vfILMatrix inverse = PseudoInverse(condition);
+    if (wantCondition && conditionOut != nullptr) *conditionOut = ConditionNumber(norm);
+    return inverse * b;
+}
+
+double vfILMatrix::Norm(vfILMatrixNorm norm) const noexcept
+{
+    return vfil::Norm(*this, norm);
+}
+
+double vfILMatrix::ConditionNumber(vfILMatrixNorm norm) const noexcept
+{
+    vfILMatrixCondition condition = VFIL_CONDITION_WELL;
+    const vfILMatrix inverse = PseudoInverse(condition);
+    if (condition == VFIL_CONDITION_SINGULAR) return HUGE_VAL;
+    return Norm(norm) * inverse.Norm(norm);
+}
+
+long vfILMatrix::Rank() const noexcept
+{
+    return vfil::CountSingularValues(*this, [](const Svd& svd, long k) { return svd.w[k] != 0; });
+}
+
+long vfILMatrix::EffectiveRank(double tolerance) const noexcept
+{
+    return vfil::CountSingularValues(*this,
+                                     [=](const Svd& svd, long k) { return svd.Value(k) >= tolerance; });
+}
+
+bool vfILMatrix::IsSeparable() const noexcept
+{
+    return EffectiveRank(m_epsilon) == 1;
+}
+
+vfILStatus vfILMatrix::SeparateIntoTensorProduct(vfILMatrix& column, vfILMatrix& row) const noexcept
+{
+    return vfil::Separate(*this, column, row) ? VFIL_SUCCESS : VFIL_FAILURE;
+}
+
+void vfILMatrix::OutputToDebug() const noexcept
+{}

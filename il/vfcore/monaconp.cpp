@@ -45,9 +45,7 @@ const wchar_t* vfILMonadicConvertProc::GetClassNameW() const
 vfILStatus vfILMonadicConvertProc::Verify()
 {
     if (vfILMonadicImgProc::Verify() != VFIL_SUCCESS) return VFIL_FAILURE;
-    if (GetInputImg() == GetOutputImg()) {
-        return Fail(0x10033, "%s ERROR Verify: Input and output images must be different\n", GetClassNameW());
-    }
+    if (GetInputImg() == GetOutputImg()) return Fail(0x10033, GetClassNameW());
     if (IsAllChannelProcessed() == 0) {
         return Fail(0x20002, "%s WARNING Verify: Specified channels cannot be processed\n", GetClassNameW());
     }
@@ -61,13 +59,15 @@ vfILStatus vfILMonadicConvertProc::Verify()
 namespace {
 
 /// The rows of a box in a picture. Rows of a top-down format change their order, so that its box can only be
-/// the whole.
-bool FindRows(const ImageView& image, const vfILBbox2l& box, vfILRowWalk& walk)
+/// the whole. \return 0, or the code of what is wrong; \p noPixels is that of a picture without pixels.
+unsigned long FindRows(const ImageView& image, const vfILBbox2l& box, unsigned long noPixels,
+                       vfILRowWalk& walk)
 {
-    if (!image.HasPixels() || !Covers(image.Box(), box)) return false;
-    if (image.format->topDown && !(image.Box() == box)) return false;
+    if (!image.HasPixels()) return noPixels;
+    if (!Covers(image.Box(), box)) return 0x1000A;
+    if (image.format->topDown && !(image.Box() == box)) return 0x10060;
     walk = image.Walk(box.GetOffsetX(), box.GetOffsetY());
-    return true;
+    return 0;
 }
 
 } // namespace
@@ -76,13 +76,18 @@ vfILStatus vfILMonadicConvertProc::PrepareData()
 {
     const ImageView from(GetInputImg());
     const ImageView to(GetOutputImg());
-    if (GetInputImg() == nullptr || GetInputImg() == GetOutputImg()) return VFIL_FAILURE;
+    if (GetInputImg() == nullptr) return Fail(0x1000B, GetClassNameW());
+    if (GetInputImg() == GetOutputImg()) return Fail(0x10033, GetClassNameW());
     m_run.inputBox = GetROI() & from.Box();
     m_run.outputBox = Moved(m_run.inputBox, GetOutputOffset()[0] - std::int64_t{GetROI().GetOffsetX()},
                             GetOutputOffset()[1] - std::int64_t{GetROI().GetOffsetY()});
     if (m_run.inputBox.IsNull()) return VFIL_SUCCESS;
-    if (!FindRows(from, m_run.inputBox, m_run.input)) return VFIL_FAILURE;
-    if (!FindRows(to, m_run.outputBox, m_run.output)) return VFIL_FAILURE;
+    unsigned long code = FindRows(from, m_run.inputBox, 0x1000C, m_run.input);
+    if (code == 0) {
+        const unsigned long noPixels = GetOutputImg() == nullptr ? 0x10002 : 0x10003;
+        code = FindRows(to, m_run.outputBox, noPixels, m_run.output);
+    }
+    if (code != 0) return Fail(code, GetClassNameW());
     m_run.width = m_run.inputBox.GetSizeX();
     m_run.rows = m_run.inputBox.GetSizeY();
     m_run.streaming = std::int64_t{to.RowPixelBytes()} * m_run.width * m_run.rows >=

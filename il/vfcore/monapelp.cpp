@@ -33,12 +33,13 @@ vfILStatus vfILMonadicPixelProc::PrepareData()
 {
     const ImageView output(GetOutputImg());
     const ImageView input = ViewOf(GetInputImg(), {output});
-    if (!AreConnected(input, output)) return VFIL_FAILURE;
+    if (!AreConnected(input, output)) return Fail(WhyUnconnected(input, output), GetClassNameW());
     PXImageChannel channel{};
     const vfILBbox2l& maskBox = GetMask(nullptr, &channel);
     const ImageView mask = ViewOf(GetMaskImg(), {output, input});
     ComputeRegions(m_run, input.Box(), GetROI(), maskBox, GetOutputOffset());
-    if (!PrepareMaskAndOutput(m_run, output, mask, maskBox, channel)) return VFIL_FAILURE;
+    if (!PrepareMaskAndOutput(m_run, output, mask, maskBox, channel))
+        return Fail(WhyUnprepared(m_run, mask), GetClassNameW());
 
     const bool isOutput = input.image == output.image;
     const bool hazard = isOutput && IsHazard(m_run.targetBox, GetROI());

@@ -102,13 +102,17 @@ vfILStatus vfILMonadicSpatialProc::PrepareData()
 
 vfILStatus vfILMonadicSpatialProc::PrepareWindows(const vfILVector2l& radius)
 {
-    if (!AreConnected(GetInputImg(), GetOutputImg()) || radius[0] < 0 || radius[1] < 0) return VFIL_FAILURE;
-    const long pixelBytes = ImageView(GetOutputImg()).RowPixelBytes();
-    if (pixelBytes < 1 || pixelBytes > long{sizeof ColourPixel::bytes}) return VFIL_FAILURE;
+    const ImageView output(GetOutputImg());
+    if (!AreConnected(GetInputImg(), output))
+        return Fail(WhyUnconnected(GetInputImg(), output), GetClassNameW());
+    if (radius[0] < 0 || radius[1] < 0) return Fail(0x10023, GetClassNameW());
+    const long pixelBytes = output.RowPixelBytes();
+    if (pixelBytes < 1 || pixelBytes > long{sizeof ColourPixel::bytes}) return Fail(0x1000D, GetClassNameW());
     PXImageChannel channel{};
     const vfILBbox2l& maskBox = GetMask(nullptr, &channel);
     ComputeRegions(m_run, ImageView(GetInputImg()).Box(), GetROI(), maskBox, GetOutputOffset());
-    if (!PrepareMaskAndOutput(m_run, GetOutputImg(), GetMaskImg(), maskBox, channel)) return VFIL_FAILURE;
+    if (!PrepareMaskAndOutput(m_run, GetOutputImg(), GetMaskImg(), maskBox, channel))
+        return Fail(WhyUnprepared(m_run, GetMaskImg()), GetClassNameW());
 
     m_validBox = m_run.shiftedValidBox;
     m_outputBox = m_run.targetBox;

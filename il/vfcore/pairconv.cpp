@@ -31,12 +31,13 @@ const wchar_t* vfILPairConvertProc::GetClassNameW() const
 vfILStatus vfILPairConvertProc::Verify()
 {
     if (vfILMonadicConvertProc::Verify() != VFIL_SUCCESS) return VFIL_FAILURE;
-    if (!m_pairs.Contains(InputFormat())) {
-        return Fail(0x10034, "%s ERROR Verify: Invalid input image format \n", GetClassNameW());
-    }
-    if (!m_pairs.Contains(InputFormat(), OutputFormat())) {
-        return Fail(0x1000D, "%s ERROR Verify: Invalid image format \n", GetClassNameW());
-    }
+    return VerifyFormats();
+}
+
+vfILStatus vfILPairConvertProc::VerifyFormats()
+{
+    if (!m_pairs.Contains(InputFormat())) return Fail(0x10034, GetClassNameW());
+    if (!m_pairs.Contains(InputFormat(), OutputFormat())) return Fail(0x1000D, GetClassNameW());
     return VFIL_SUCCESS;
 }
 

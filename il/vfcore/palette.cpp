@@ -3,6 +3,7 @@
 
 #include <vfil/color.h>
 
+#include <memory>
 #include <new>
 #include <stdexcept>
 

@@ -3,8 +3,6 @@
 
 #include "il/loops/frame/fills.h"
 
-#include "il/rows/levels.h"
-
 #include <vfil/frame.h>
 
 #if defined(VFIL_TRACE)
@@ -34,7 +32,7 @@ void vfILProcessor::Init()
     m_processingMode = VFIL_MODE_RGB;
     m_interruptFct = AlwaysFalse;
     m_interruptFlag = nullptr;
-    m_simdAvailable = BestLevel() == Level::Plain ? 0 : 1;
+    m_simdAvailable = 1;
 }
 
 vfILStatus vfILProcessor::Verify()
@@ -55,11 +53,23 @@ unsigned long vfILProcessor::GetProcessingMode() const
 void vfILProcessor::SetLastError(const vfILError& error)
 {
     m_lastError = error;
+    m_errorText = nullptr;
+    m_errorClass = nullptr;
 }
 
 const vfILError& vfILProcessor::GetLastError() const
 {
     return m_lastError;
+}
+
+const char* vfILProcessor::GetLastErrorText() const
+{
+    return m_errorText != nullptr ? m_errorText : vfILErrorText(m_lastError.GetErrorCode());
+}
+
+const wchar_t* vfILProcessor::GetLastErrorClass() const
+{
+    return m_errorClass;
 }
 
 void vfILProcessor::SetInterruptFct(InterruptFct function, volatile long* flag)
@@ -68,10 +78,17 @@ void vfILProcessor::SetInterruptFct(InterruptFct function, volatile long* flag)
     m_interruptFlag = flag;
 }
 
+void vfILProcessor::SetInterruptCallback(InterruptCallback callback, void* user)
+{
+    m_interruptCallback = callback;
+    m_interruptUser = user;
+}
+
 int vfILProcessor::MustInterrupt() const
 {
     if (m_interruptFlag != nullptr && *m_interruptFlag != 0) return 1;
-    return m_interruptFct() != 0 ? 1 : 0;
+    if (m_interruptFct() != 0) return 1;
+    return m_interruptCallback != nullptr && m_interruptCallback(m_interruptUser) != 0 ? 1 : 0;
 }
 
 int vfILProcessor::AlwaysFalse()
@@ -119,15 +136,21 @@ int vfILProcessor::IsNoneChannelProcessed() const
     return (m_processingMode & VFIL_MODE_RGBA) == 0;
 }
 
-vfILStatus vfILProcessor::Fail(unsigned long code, [[maybe_unused]] const char* text,
-                               [[maybe_unused]] const wchar_t* className)
+vfILStatus vfILProcessor::Fail(unsigned long code, const wchar_t* className)
 {
-#if defined(VFIL_TRACE)
-    char name[64];
-    std::snprintf(name, sizeof name, "%ls", className);
-    std::fprintf(stderr, text, name);
-#endif
+    return Fail(code, nullptr, className);
+}
+
+vfILStatus vfILProcessor::Fail(unsigned long code, const char* text, const wchar_t* className)
+{
     SetLastError(vfILError(code));
+    m_errorText = text;
+    m_errorClass = className;
+#if defined(VFIL_TRACE)
+    char message[256];
+    vfILFormatError(*this, message, sizeof message);
+    std::fprintf(stderr, "%s\n", message);
+#endif
     return VFIL_FAILURE;
 }
 

@@ -19,7 +19,7 @@ vfILRGB2RGBA::vfILRGB2RGBA() : vfILPairConvertProc(kPairs)
 
 vfILStatus vfILRGB2RGBA::DoEffect()
 {
-    if (!kPairs.Contains(InputFormat(), OutputFormat())) return VFIL_FAILURE;
+    if (VerifyFormats() != VFIL_SUCCESS) return VFIL_FAILURE;
     const DepthRows& rows = FindDepthRows(m_simdAvailable != 0);
     const auto& kernels = OutputFormat() == PXFormat_RGBA32 ? rows.expand[false] : rows.drop[false];
     return ConvertRows(kernels[Run().streaming], Run().width);

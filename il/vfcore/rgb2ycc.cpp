@@ -1,6 +1,7 @@
 /// \file
 /// RGB to YCC.
 
+#include "il/loops/convert/colmodels.h"
 #include "il/loops/convert/yccloop.h"
 #include "il/loops/frame/rowloop.h"
 
@@ -54,19 +55,20 @@ const wchar_t* vfILRGB2YCCProc::GetClassNameW() const
 vfILStatus vfILRGB2YCCProc::Verify()
 {
     if (vfILMonadicConvertProc::Verify() != VFIL_SUCCESS) return VFIL_FAILURE;
-    if (!m_formats.Contains(InputFormat())) {
-        return Fail(0x10034, "%s ERROR Verify: Invalid input image format \n", GetClassNameW());
-    }
-    if (!m_formats.Pairs(InputFormat(), OutputFormat())) {
-        return Fail(0x1000D, "%s ERROR Verify: Invalid image format \n", GetClassNameW());
-    }
+    return VerifyFormats();
+}
+
+vfILStatus vfILRGB2YCCProc::VerifyFormats()
+{
+    if (!m_formats.Contains(InputFormat())) return Fail(0x10034, GetClassNameW());
+    if (!m_formats.Pairs(InputFormat(), OutputFormat())) return Fail(0x1000D, GetClassNameW());
     return VFIL_SUCCESS;
 }
 
 vfILStatus vfILRGB2YCCProc::DoEffect()
 {
     const GUID output = OutputFormat();
-    if (!m_formats.Pairs(InputFormat(), output)) return VFIL_FAILURE;
+    if (VerifyFormats() != VFIL_SUCCESS) return VFIL_FAILURE;
     const int hasAlpha = InputFormat() == m_formats.pixels32 ? 1 : 0;
     // The same dither on every run.
     m_dither.SetUniform(0.0F, 1.0F);
@@ -86,6 +88,7 @@ void vfILRGB2YCCProc::Convert8_RGBA2YCCA(int hasAlpha)
     const bool vectors = m_simdAvailable != 0;
     const DepthRows& bytes = FindDepthRows(vectors);
     const auto transform = FindModelRows(vectors).of8.transform;
+    const double* matrix = MatricesOf(WeightsOf(OutputFormat())).fromRgb.data();
     const bool blueFirst = vfILFindFormat(InputFormat())->blueFirst;
     const auto pixels = static_cast<std::size_t>(Run().width);
     ForEachRow(*this, Run().rows, [&](long row) {
@@ -96,16 +99,17 @@ void vfILRGB2YCCProc::Convert8_RGBA2YCCA(int hasAlpha)
             order(rgb, ycc, pixels);
             rgb = ycc;
         }
-        transform(rgb, ycc, pixels, s_dfArrayRGBAtoYCCAOffset.data());
+        transform(rgb, ycc, pixels, matrix);
     });
 }
 
 void vfILRGB2YCCProc::Convert16_RGBA2YCCA()
 {
     const auto transform = FindModelRows(m_simdAvailable != 0).of16.transform;
+    const double* matrix = MatricesOf(WeightsOf(OutputFormat())).fromRgb.data();
     ForEachRow(*this, Run().rows, [&](long row) {
         transform(RowOf<const std::uint16_t>(Run().input, row), RowOf<std::uint16_t>(Run().output, row),
-                  static_cast<std::size_t>(Run().width), s_dfArrayRGBAtoYCCAOffset.data());
+                  static_cast<std::size_t>(Run().width), matrix);
     });
 }
 

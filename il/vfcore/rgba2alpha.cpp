@@ -25,7 +25,7 @@ vfILStatus vfILRGBA2Alpha::Verify()
         return Fail(0x20001, "%s WARNING Verify: Mask are not allowed\n", GetClassNameW());
     }
     if (!RgbaFormats::Contains(OutputFormat())) {
-        return Fail(0x10034, "%s ERROR Verify: Invalid input image format \n", GetClassNameW());
+        return Fail(0x10034, GetClassNameW());
     }
     return VFIL_SUCCESS;
 }

@@ -19,7 +19,7 @@ vfILRGBA2BGRA::vfILRGBA2BGRA() : vfILPairConvertProc(kPairs)
 
 vfILStatus vfILRGBA2BGRA::DoEffect()
 {
-    if (!kPairs.Contains(InputFormat(), OutputFormat())) return VFIL_FAILURE;
+    if (VerifyFormats() != VFIL_SUCCESS) return VFIL_FAILURE;
     return Convert8_RGBA2BGRA();
 }
 

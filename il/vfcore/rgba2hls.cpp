@@ -19,7 +19,7 @@ vfILRGBA2HLSA::vfILRGBA2HLSA() : vfILPairConvertProc(kPairs)
 
 vfILStatus vfILRGBA2HLSA::DoEffect()
 {
-    if (!kPairs.Contains(InputFormat(), OutputFormat())) return VFIL_FAILURE;
+    if (VerifyFormats() != VFIL_SUCCESS) return VFIL_FAILURE;
     return OutputFormat() == PXFormat_HLSA32 ? Convert8() : Convert16();
 }
 

@@ -1,6 +1,7 @@
 /// \file
 /// YCC to RGB.
 
+#include "il/loops/convert/colmodels.h"
 #include "il/loops/convert/yccloop.h"
 #include "il/loops/frame/rowloop.h"
 
@@ -48,19 +49,20 @@ const wchar_t* vfILYCC2RGBProc::GetClassNameW() const
 vfILStatus vfILYCC2RGBProc::Verify()
 {
     if (vfILMonadicConvertProc::Verify() != VFIL_SUCCESS) return VFIL_FAILURE;
-    if (IsFormatYCC(InputFormat()) == 0) {
-        return Fail(0x10034, "%s ERROR Verify: Invalid input image format \n", GetClassNameW());
-    }
-    if (!m_formats.Pairs(OutputFormat(), InputFormat())) {
-        return Fail(0x1000D, "%s ERROR Verify: Invalid image format \n", GetClassNameW());
-    }
+    return VerifyFormats();
+}
+
+vfILStatus vfILYCC2RGBProc::VerifyFormats()
+{
+    if (IsFormatYCC(InputFormat()) == 0) return Fail(0x10034, GetClassNameW());
+    if (!m_formats.Pairs(OutputFormat(), InputFormat())) return Fail(0x1000D, GetClassNameW());
     return VFIL_SUCCESS;
 }
 
 vfILStatus vfILYCC2RGBProc::DoEffect()
 {
     const GUID input = InputFormat();
-    if (!m_formats.Pairs(OutputFormat(), input)) return VFIL_FAILURE;
+    if (VerifyFormats() != VFIL_SUCCESS) return VFIL_FAILURE;
     const int hasAlpha = OutputFormat() == m_formats.pixels32 ? 1 : 0;
     if (input == PXFormat_YCCA32) {
         Convert8_YCCA2RGBA(hasAlpha);
@@ -77,7 +79,7 @@ void vfILYCC2RGBProc::Convert8_YCCA2RGBA(int hasAlpha)
     const bool vectors = m_simdAvailable != 0;
     const DepthRows& bytes = FindDepthRows(vectors);
     const auto transform = FindModelRows(vectors).of8.transform;
-    const double* matrix = s_dfArrayYCCAOffsettoRGBA.data();
+    const double* matrix = MatricesOf(WeightsOf(InputFormat())).toRgb.data();
     const bool blueFirst = vfILFindFormat(OutputFormat())->blueFirst;
     const auto pixels = static_cast<std::size_t>(Run().width);
     ForEachRow(*this, Run().rows, [&](long row) {
@@ -101,9 +103,10 @@ void vfILYCC2RGBProc::Convert8_YCCA2RGBA(int hasAlpha)
 void vfILYCC2RGBProc::Convert16_YCCA2RGBA()
 {
     const auto transform = FindModelRows(m_simdAvailable != 0).of16.transform;
+    const double* matrix = MatricesOf(WeightsOf(InputFormat())).toRgb.data();
     ForEachRow(*this, Run().rows, [&](long row) {
         transform(RowOf<const std::uint16_t>(Run().input, row), RowOf<std::uint16_t>(Run().output, row),
-                  static_cast<std::size_t>(Run().width), s_dfArrayYCCAOffsettoRGBA.data());
+                  static_cast<std::size_t>(Run().width), matrix);
     });
 }
 

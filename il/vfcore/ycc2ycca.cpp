@@ -43,10 +43,7 @@ vfILStatus vfILYCCYCC2YCCA::Verify()
         if (!IsSubsampled(from))
             return Fail(0x10034, "%s ERROR Verify: Invalid input image format\n", GetClassNameW());
     }
-    if (!ImageView(GetOutputImg()).format->alphaPlane) {
-        return Fail(0x10003, "%s ERROR Verify: Output image is not of a 4:2:2 format with alpha\n",
-                    GetClassNameW());
-    }
+    if (!ImageView(GetOutputImg()).format->alphaPlane) return Fail(0x10003, GetClassNameW());
     if (VerifyInput(m_inputImgA) != VFIL_SUCCESS) return VFIL_FAILURE;
     return VerifyInput(m_inputImgB);
 }
@@ -70,7 +67,7 @@ vfILStatus vfILYCCYCC2YCCA::PrepareData()
     const ImageView output(GetOutputImg());
     if (!HasFormatBytes(ImageView(m_inputImgA)) || !HasFormatBytes(ImageView(m_inputImgB)) ||
         !HasFormatBytes(output))
-        return VFIL_FAILURE;
+        return Fail(0x1000D, GetClassNameW());
     const std::int64_t bytes = std::int64_t{output.pixelBytes} * output.width * output.height;
     m_streaming = bytes >= static_cast<std::int64_t>(kStreamingBytes);
     return VFIL_SUCCESS;

@@ -59,10 +59,7 @@ vfILStatus vfILYCCA2YCCYCC::VerifyOutput(IPXImage* output)
     if (output == nullptr) return VFIL_SUCCESS;
     const ImageView to(output);
     const ImageView input(m_inputImg);
-    if (!IsSubsampled(to)) {
-        return Fail(0x10003, "%s ERROR Verify: Output image pixel array is NULL, or not of a 4:2:2 format\n",
-                    GetClassNameW());
-    }
+    if (!IsSubsampled(to)) return Fail(0x10003, GetClassNameW());
     if (!(to.Box() == input.Box())) {
         return Fail(0x10062, "%s ERROR Verify: Input/Output images must have the same size\n",
                     GetClassNameW());
@@ -77,7 +74,7 @@ vfILStatus vfILYCCA2YCCYCC::PrepareData()
     const ImageView fill(m_outputImgA);
     const ImageView key(m_outputImgB);
     if (!HasFormatBytes(ImageView(m_inputImg)) || !HasFormatBytes(fill) || !HasFormatBytes(key))
-        return VFIL_FAILURE;
+        return Fail(0x1000D, GetClassNameW());
     const std::int64_t bytes = fill.RowBytes() * fill.height + key.RowBytes() * key.height;
     m_streaming = bytes >= static_cast<std::int64_t>(kStreamingBytes);
     return VFIL_SUCCESS;

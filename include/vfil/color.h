@@ -4,9 +4,9 @@
 
 #include <vfil/export.h>
 #include <vfil/pxformat.h>
+#include <vfil/shared.h>
 
 #include <array>
-#include <memory>
 #include <vector>
 
 /// A colour as a plain record, to pass it across a host's boundary.
@@ -46,9 +46,11 @@ public:
 
     vfILColor& operator=(const vfILColor& other) noexcept = default;
     vfILColor& operator=(const tagVFILCOLORSTRUCT& record) noexcept;
-    /// The four doubles and the name are equal. The compiler makes != from it.
+    /// The four doubles and the name are equal.
     bool operator==(const vfILColor& other) const noexcept;
     bool operator==(const tagVFILCOLORSTRUCT& record) const noexcept;
+    bool operator!=(const vfILColor& other) const noexcept { return !(*this == other); }
+    bool operator!=(const tagVFILCOLORSTRUCT& record) const noexcept { return !(*this == record); }
     /// Allocates the name, also an empty one: release it with ClearColorStruct. Null when memory runs out.
     operator tagVFILCOLORSTRUCT() const noexcept;
     /// A new copy, owned by the caller. Null when memory runs out.
@@ -135,7 +137,7 @@ private:
     double m_green = 0;
     double m_blue = 0;
     double m_alpha = 1;
-    std::shared_ptr<const wchar_t[]> m_name;
+    vfILSharedBytes m_name; // none stands for the empty name
 };
 
 /// A growing array of colours, counted from 0.

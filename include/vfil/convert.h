@@ -103,6 +103,8 @@ public:
     void SetDoDithering(int dithering) { DoDithering = dithering; }
 
 private:
+    /// The format checks of Verify alone: a run makes them too.
+    vfILStatus VerifyFormats();
     void Convert8_RGBA2YCCA(int hasAlpha);
     void Convert16_RGBA2YCCA();
     void Convert8_RGBA2YCC422(int hasAlpha, PXColorModel model, int alternate);
@@ -161,6 +163,8 @@ public:
     void SetDoFiltering(int filtering) { DoFiltering = filtering; }
 
 private:
+    /// The format checks of Verify alone: a run makes them too.
+    vfILStatus VerifyFormats();
     void Convert8_YCCA2RGBA(int hasAlpha);
     void Convert16_YCCA2RGBA();
     void Convert8_YCC4222RGBA(int hasAlpha, PXColorModel model, int alternate);

@@ -4,6 +4,7 @@
 
 #include <vfil/export.h>
 
+#include <cstddef>
 #include <cstdint>
 
 /// What a stage of a processor returns. A test for success compares with VFIL_SUCCESS.
@@ -12,8 +13,8 @@ enum vfILStatus : int {
     VFIL_FAILURE = -1,
 };
 
-/// An error code: 0 none, 0x1xxxx fatal, 0x2xxxx a warning by number. It carries no text; vfILErrorText has
-/// it.
+/// An error code: 0 none, 0x1xxxx fatal, 0x2xxxx a warning by number. It carries no text; vfILErrorText and
+/// vfILFormatError have it.
 class VFIL_API vfILError {
 public:
     vfILError();
@@ -41,6 +42,25 @@ private:
 };
 
 /// The text of a code, a format string with one %s for the class name, ending in a line feed:
-/// "%s ERROR Verify: Input image is NULL\n". Null for a code that is not in the table. Where several sites
-/// share a code it is the text of the most general one.
+/// "%s ERROR Verify: Input image is NULL\n". Null for a code that is not in the table. Where operators share
+/// a code it is a text that fits all of them; vfILProcessor::GetLastErrorText has that of the place.
 VFIL_API const char* vfILErrorText(unsigned long code);
+
+class vfILProcessor;
+
+/// Writes a processor's last error as a message of one line, without a line feed:
+/// "vfILOverImage ERROR Verify: Input image A is NULL".
+///
+/// \param processor Its code, and the text of the place where it was stored.
+/// \param buffer    Receives the message and a zero. May be null when \p size is 0.
+/// \param size      Bytes of the buffer; a longer message is cut.
+/// \param name      Stands in the message for the class; null for the class in which the error was stored,
+/// which
+///                  may be a base of the processor's.
+/// \return          The length of the whole message without the zero: it was cut when that is not below \p
+/// size.
+VFIL_API std::size_t vfILFormatError(const vfILProcessor& processor, char* buffer, std::size_t size,
+                                     const char* name = nullptr) noexcept;
+/// The same for a code alone, with the text of vfILErrorText.
+VFIL_API std::size_t vfILFormatError(const vfILError& error, char* buffer, std::size_t size,
+                                     const char* name = nullptr) noexcept;

@@ -6,6 +6,7 @@
 #include <vfil/export.h>
 
 #include <cstdint>
+#include <initializer_list>
 
 /// The norms of a matrix. Any other value than these is the Frobenius norm.
 enum vfILMatrixNorm : int {
@@ -19,7 +20,8 @@ enum vfILMatrixNorm : int {
 enum vfILMatrixCondition : int {
     VFIL_CONDITION_WELL = 0,          ///< every singular value was inverted
     VFIL_CONDITION_NEAR_SINGULAR = 1, ///< at least one was within epsilon of 0, and was taken for 0
-    VFIL_CONDITION_SINGULAR = 2, ///< at least one was exactly 0; a wide matrix reports this or the one above
+    VFIL_CONDITION_SINGULAR = 2, ///< at least one was exactly 0, or the decomposition failed; a wide matrix
+                                 ///< reports this or the one above
 };
 
 /// A matrix of rows by columns. Rows and columns count from 0.
@@ -29,7 +31,9 @@ enum vfILMatrixCondition : int {
 /// whose sizes do not fit give the same in a release build, and stop a debug build by an assertion.
 ///
 /// Results have the default epsilon. All sums run in the order of the indices, so that a result does not
-/// depend on the machine. Infinite and NaN elements spread by the rules of IEEE arithmetic.
+/// depend on the machine. Infinite and NaN elements spread by the rules of IEEE arithmetic, and what rests on
+/// the decomposition of such a matrix fails. Matrices of a scale far from 1 are decomposed as those near it:
+/// their elements are divided by a power of two first.
 class VFIL_API vfILMatrix {
 public:
     /// Empty.
@@ -108,10 +112,12 @@ public:
     /// shifted QR (Golub and Reinsch, 1970).
     ///
     /// \param u m by n; the columns whose values in w are not (nearly) 0 are orthonormal.
-    /// \param w n by n, the singular values on the diagonal: none negative, in no order.
+    /// \param w n by n, the singular values on the diagonal: none negative, in no order; infinite where a
+    ///          double holds it no more.
     /// \param v n by n, orthogonal.
-    /// \return  Failure, with the results as they were, when one value takes more than 30 iterations, memory
-    ///          runs out or this is empty; with empty results when memory for these runs out.
+    /// \return  Failure, with the results as they were, when one value takes more than 30 iterations, an
+    ///          element is not finite, memory runs out or this is empty; with empty results when memory for
+    ///          these runs out.
     vfILStatus ThinSVD(vfILMatrix& u, vfILMatrix& w, vfILMatrix& v) const noexcept;
     /// The eigenvalues and eigenvectors of a symmetric matrix by cyclic Jacobi rotations. Only the diagonal
     /// and what is above it are read.
@@ -123,7 +129,8 @@ public:
     /// The inverse of a square matrix; of a singular one the pseudo-inverse. Never fails outright.
     vfILMatrix Inverse(vfILMatrixCondition& condition) const noexcept;
     /// The Moore-Penrose pseudo-inverse, n by m. Singular values within epsilon of 0 count as 0. An empty
-    /// result reports a singular matrix.
+    /// result reports a singular matrix, and so does a decomposition that failed: the result is made of what
+    /// it had by then, and is NaN when an element is not finite.
     vfILMatrix PseudoInverse(vfILMatrixCondition& condition) const noexcept;
     /// The x of least length among those that bring this * x closest to \p b.
     ///
@@ -134,9 +141,12 @@ public:
     /// \param conditionOut  Receives the condition number; may be null.
     vfILMatrix SolveSystem(const vfILMatrix& b, vfILMatrixCondition& condition, bool wantCondition,
                            vfILMatrixNorm norm, double* conditionOut) const noexcept;
+    /// NaN when an element is NaN, else infinite when one is or when a double does not hold the norm. The
+    /// spectral norm of a decomposition that failed is the largest value it had by then.
     double Norm(vfILMatrixNorm norm) const noexcept;
-    /// The norm times the norm of the (pseudo-)inverse. HUGE_VAL when a singular value is exactly 0; one that
-    /// is only nearly 0 leaves a finite number, since the inverse leaves it out.
+    /// The norm times the norm of the (pseudo-)inverse. HUGE_VAL when a singular value is exactly 0 or the
+    /// decomposition fails; one that is only nearly 0 leaves a finite number, since the inverse leaves it
+    /// out.
     double ConditionNumber(vfILMatrixNorm norm) const noexcept;
     /// The number of singular values that are not exactly 0. Rounding raises it: EffectiveRank is what
     /// serves.
@@ -161,7 +171,7 @@ protected:
     static void JacobiRotate(double** a, double s, double tau, long i, long j, long k, long l) noexcept;
     /// The decomposition on arrays whose rows and columns run from 1.
     ///
-    /// \param a m by n; becomes U.
+    /// \param a m by n, of elements of 1e-90 .. 1e90 or 0; becomes U.
     /// \param w Receives the n singular values, from w[1].
     /// \param v Receives V, n by n.
     /// \return  Failure after 30 iterations on one value, or when memory runs out.
@@ -177,7 +187,7 @@ protected:
 
 private:
     void Release() noexcept;
-    void ClearByRotation(double** a, double* d, double* z, double** v, long p, long q) const noexcept;
+    static bool AreWhole(std::initializer_list<vfILMatrix*> results) noexcept;
 
     double** m_elements = nullptr; // a block of row pointers, and a block each row
     std::int32_t m_rows = 0;

@@ -23,6 +23,8 @@ public:
     void* GetConvertedColor(const vfILColor& color) override;
 
 protected:
+    /// The format checks of Verify alone: a run makes them too.
+    vfILStatus VerifyFormats();
     /// Runs kernel(input row, output row, count) over the rows, which come out in order or turned over.
     template <class In, class Out>
     vfILStatus ConvertRows(void (*kernel)(const In*, Out*, std::size_t), long count, bool turnOver = false);

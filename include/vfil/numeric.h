@@ -6,10 +6,9 @@
 #pragma once
 
 #include <vfil/export.h>
+#include <vfil/shared.h>
 
-#include <array>
 #include <cstdint>
-#include <memory>
 
 /// A source of random numbers that gives the same sequence for the same seed on every machine: the
 /// minimal-standard generator (multiplier 16807, modulus 2^31 - 1) behind a Bays-Durham shuffle of 32
@@ -50,7 +49,6 @@ public:
 
 private:
     enum class Distribution : std::int32_t { Uniform, Gaussian, Exponential, Weibull };
-    using Table = std::array<std::int32_t, 32>;
 
     void Restart();
     void Advance();
@@ -60,7 +58,7 @@ private:
     float Weibull();
 
     std::int32_t m_seed = -1; ///< the state; zero or below asks for a restart
-    std::shared_ptr<Table> m_table;
+    vfILSharedBytes m_table;  ///< 32 states
     Distribution m_distribution = Distribution::Uniform;
     float m_mean = 0.0F;
     float m_sigma = 1.0F;

@@ -144,7 +144,7 @@ TEST(ConvertFrame, WithoutVerifyNothingIsWrittenThatDoesNotFit)
     vfILRGBA2YCCA p;
     Connect(p, &in, nullptr, &rgba);
     EXPECT_EQ(p.Execute(), VFIL_FAILURE) << "an output that is not YCC";
-    EXPECT_TRUE(p.GetLastError().IsNoError());
+    EXPECT_EQ(p.GetLastError().GetErrorCode(), 0x1000DU);
     EXPECT_EQ(Mismatch(Bytes(48, 0), rgba), "");
     Connect(p, &none, nullptr, &noYcc);
     EXPECT_EQ(p.Execute(), VFIL_SUCCESS) << "no pixels";

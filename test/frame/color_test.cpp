@@ -78,14 +78,30 @@ TEST(Color, KnownColoursInEveryModel)
         {PXColorModel_YCC, {1, 1, 1, 1}, {235 / 255., 128 / 255., 128 / 255., 1}},
         {PXColorModel_YCC, {1, 0, 0, 1}, {81.481 / 255, 90.20224 / 255, 240 / 255., 1}},
         {PXColorModel_YCC709, {0, 0, 1, 1}, {31.8118 / 255, 240 / 255., 117.730251460503 / 255, 1}},
-        {PXColorModel_YUV, {0, 0, 1, 1}, {0.114, 1, 0.515 / 1.23, 1}},
-        {PXColorModel_YIQ, {1, 0, 0, 1}, {0.299, 1, 0.735 / 1.046, 1}},
+        {PXColorModel_YUV, {0, 0, 1, 1}, {0.114, 1.000000008, 0.4186991715, 1}},
+        {PXColorModel_YIQ, {1, 0, 0, 1}, {0.299, 1.0000000304, 0.7026768315, 1}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(testing::PrintToString(c.rgba) + " in model " + std::to_string(c.model));
         const vfILColor color(c.rgba[0], c.rgba[1], c.rgba[2], c.rgba[3]);
         ExpectNear(Find(c.model).Get(color), c.components, 1e-12);
     }
+}
+
+TEST(Color, EveryGreyPacksToOneChroma)
+{
+    using testing::ElementsAre;
+    for (const PXColorModel id : {PXColorModel_YUV, PXColorModel_YIQ})
+        for (int i = 0; i <= 65535; ++i) {
+            const double level = i / 65535.0;
+            const vfILColor grey(level, level, level, 1);
+            unsigned char b[4];
+            unsigned short w[4];
+            grey.GetColorAs32(b, id);
+            grey.GetColorAs64(w, id);
+            ASSERT_THAT(b, ElementsAre(testing::_, 128, 127, 255)) << id << " level " << i;
+            ASSERT_THAT(w, ElementsAre(i, 32768, 32767, 65535)) << id << " level " << i;
+        }
 }
 
 TEST(Color, SettersTakeWhatGettersGiveAndKeepWhatIsNull)

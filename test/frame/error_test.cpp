@@ -1,8 +1,10 @@
-#include <vfil/error.h>
+#include <vfil/pixel.h>
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <set>
+#include <string>
 #include <string_view>
 
 namespace {
@@ -25,7 +27,8 @@ TEST(Error, EveryCodeHasATextOfOneLineThatNamesTheClassOnce)
     const std::set<unsigned long> unused = {0x10022, 0x1002C, 0x1003B, 0x1004F, 0x10050, 0x10051,
                                             0x10052, 0x1005C, 0x1005F, 0x1006D, 0x20003};
     for (unsigned long code = 0; code < 0x30000; ++code) {
-        const bool used = (code > 0x10000 && code <= 0x10073) || (code > 0x20000 && code <= 0x20004);
+        const bool used =
+            code == 0 || (code > 0x10000 && code <= 0x10073) || (code > 0x20000 && code <= 0x20004);
         const char* text = vfILErrorText(code);
         ASSERT_EQ(text != nullptr, used && !unused.contains(code)) << code;
         if (text == nullptr) continue;
@@ -36,6 +39,39 @@ TEST(Error, EveryCodeHasATextOfOneLineThatNamesTheClassOnce)
     }
     EXPECT_STREQ(vfILErrorText(0xFFFFFFFF), "%s ERROR: Failure\n");
     EXPECT_EQ(vfILErrorText(0xFFFFFFFE), nullptr);
+    for (const unsigned long shared : {0x10023UL, 0x10026UL, 0x10028UL, 0x10048UL})
+        for (const char* one : {"Kernel", "blur", "Gradient", "Edge"})
+            EXPECT_EQ(std::string(vfILErrorText(shared)).find(one), std::string::npos) << shared;
+}
+
+TEST(Error, MessagesNameTheClassAndAreCutToTheBuffer)
+{
+    class Host : public vfILInvertImg {
+    public:
+        vfILStatus Refuse(const char* text) { return Fail(0x10026, text, L"Host"); }
+    } host;
+    const auto message = [&](std::size_t size, const char* name = nullptr) {
+        char buffer[64];
+        std::fill(std::begin(buffer), std::end(buffer), '#');
+        const std::size_t length = vfILFormatError(host, buffer, size, name);
+        EXPECT_EQ(buffer[size], '#') << size;
+        return std::to_string(length) + ' ' + (size > 0 ? buffer : "");
+    };
+    EXPECT_EQ(message(63), "23 vfILProcessor: no error");
+    EXPECT_EQ(host.Verify(), VFIL_FAILURE);
+    EXPECT_EQ(message(63, "invert"), "41 invert ERROR Verify: Output image is NULL");
+    host.Refuse("%s ERROR Verify: 100% of %s \n");
+    EXPECT_EQ(message(63), "29 Host ERROR Verify: 100% of %s");
+    EXPECT_EQ(message(6), "29 Host ");
+    EXPECT_EQ(message(1), "29 ");
+    EXPECT_EQ(message(0), "29 ");
+    host.SetLastError(vfILError(0x10026));
+    EXPECT_STREQ(host.GetLastErrorText(), vfILErrorText(0x10026)) << "the text was of the other error";
+    host.SetLastError(vfILError(0x7A5));
+    EXPECT_EQ(message(63, "own"), "15 own ERROR 0x7A5");
+    char buffer[64];
+    vfILFormatError(vfILError(0x1000D), buffer, sizeof buffer, "It");
+    EXPECT_STREQ(buffer, "It ERROR Verify: Invalid image format");
 }
 
 } // namespace

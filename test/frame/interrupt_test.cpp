@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <thread>
+
 using namespace vfil::test;
 
 namespace {
@@ -49,6 +52,25 @@ TEST(Interrupt, TheFlagIsReadBeforeTheFunction)
     flag = -4;
     p.SetInterruptFct(nullptr, &flag);
     EXPECT_EQ(p.MustInterrupt(), 1) << "the flag stays without a function";
+}
+
+TEST(Interrupt, ACallbackHasItsUserAndAnAtomicFlagTakesItsPlace)
+{
+    Staged p, copy;
+    int calls = 0;
+    std::atomic<long> flag{0};
+    p.SetInterruptCallback([](void* user) { return ++*static_cast<int*>(user) > 1 ? -1 : 0; }, &calls);
+    EXPECT_EQ(p.MustInterrupt(), 0);
+    EXPECT_EQ(p.MustInterrupt(), 1);
+    p.SetInterruptFlag(&flag);
+    EXPECT_EQ(p.MustInterrupt(), 0);
+    std::thread([&] { flag = 1L << 40; }).join();
+    EXPECT_EQ(p.MustInterrupt(), 1);
+    copy = p;
+    EXPECT_EQ(copy.MustInterrupt(), 0);
+    p.SetInterruptFlag<std::atomic<long>>(nullptr);
+    EXPECT_EQ(p.MustInterrupt(), 0);
+    EXPECT_EQ(calls, 2);
 }
 
 TEST(Interrupt, BeforeTheRunSkipsTheEffectAlone)

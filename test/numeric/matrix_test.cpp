@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <climits>
 #include <cmath>
+#include <limits>
 #include <random>
 #include <vector>
 
@@ -276,16 +277,72 @@ TEST(Matrix, Eigenproblem)
         << "no sweep, no order";
 }
 
-TEST(Matrix, NaNEndsTheIterations)
+TEST(Matrix, WhatIsNotFiniteStaysSoAndNeverLooksGood)
 {
-    Matrix u(1, 1), w, v, values, vectors;
-    const Matrix a = Of(3, 3, {1, 2, double{NAN}, 2, 1, 5, 6, 7, 8});
-    EXPECT_EQ(a.ThinSVD(u, w, v), VFIL_FAILURE);
-    EXPECT_EQ(a.SymmetricEigensolve(values, vectors), VFIL_FAILURE);
-    EXPECT_TRUE(u.GetNumRows() == 1 && w.IsNotValid() && values.IsNotValid()) << "the results as they were";
-    EXPECT_EQ(a.Rank(), 0);
+    for (const double bad : {double{NAN}, HUGE_VAL, -HUGE_VAL})
+        for (const long n : {1L, 3L}) {
+            Matrix a = Identity(n), u(2, 1), w, v, values, vectors;
+            a(n - 1, 0) = bad;
+            EXPECT_EQ(a.ThinSVD(u, w, v), VFIL_FAILURE);
+            EXPECT_EQ(a.SeparateIntoTensorProduct(u, w), VFIL_FAILURE);
+            EXPECT_EQ(a.Transpose().SymmetricEigensolve(values, vectors), VFIL_FAILURE);
+            EXPECT_TRUE(u.GetNumRows() == 2 && w.IsNotValid()) << "the results as they were";
+            EXPECT_TRUE(a.Rank() == 0 && !a.IsSeparable());
+            for (const int norm : {0, 1, 2, 3}) {
+                const double value = a.Norm(static_cast<vfILMatrixNorm>(norm));
+                EXPECT_TRUE(std::isnan(bad) ? std::isnan(value) : value == HUGE_VAL) << norm;
+                EXPECT_EQ(a.ConditionNumber(static_cast<vfILMatrixNorm>(norm)), HUGE_VAL) << norm;
+            }
+            vfILMatrixCondition condition{};
+            EXPECT_TRUE(std::isnan(a.Inverse(condition)(0, n - 1)));
+            EXPECT_EQ(condition, VFIL_CONDITION_SINGULAR);
+        }
+}
+
+// A power of two is exact: all results are those of the matrix itself, moved, to the last bit.
+TEST(Matrix, ScaleIsNoMatter)
+{
+    std::mt19937 random(6);
+    for (const Shape& s : kShapes)
+        for (const int scale : {-1040, -963, -340, 340, 963, 1010}) {
+            // Halves leave no bit below the smallest number.
+            Matrix a(s.rows, s.cols), scaled(s.rows, s.cols), u, w, v, su, sw, sv;
+            for (long i = 0; i < s.rows * s.cols; ++i) {
+                a(i / s.cols, i % s.cols) = static_cast<double>(random() % 64) / 2 - 16;
+                scaled(i / s.cols, i % s.cols) = std::ldexp(a(i / s.cols, i % s.cols), scale);
+            }
+            a.SetEpsilon(0);
+            scaled.SetEpsilon(0);
+            const auto moved = [](Matrix m, int by) {
+                for (long i = 0; i < m.GetNumRows() * m.GetNumCols(); ++i)
+                    m(i / m.GetNumCols(), i % m.GetNumCols()) =
+                        std::ldexp(m(i / m.GetNumCols(), i % m.GetNumCols()), by);
+                return m;
+            };
+            ASSERT_EQ(a.ThinSVD(u, w, v) + scaled.ThinSVD(su, sw, sv), 2 * VFIL_SUCCESS);
+            EXPECT_EQ(Distance(u, su) + Distance(v, sv) + Distance(moved(w, scale), sw), 0) << scale;
+            vfILMatrixCondition condition{}, of{};
+            if (scale < 1000 && scale > -1000) {
+                const Matrix inverse = moved(a.PseudoInverse(condition), -scale);
+                EXPECT_EQ(Distance(scaled.PseudoInverse(of), inverse), 0) << scale;
+                EXPECT_EQ(condition, of) << scale;
+            }
+            for (const auto norm : {VFIL_NORM_SPECTRAL, VFIL_NORM_FROBENIUS})
+                EXPECT_EQ(std::ldexp(a.Norm(norm), scale), scaled.Norm(norm)) << scale;
+            EXPECT_EQ(a.Rank(), scaled.Rank()) << scale;
+            EXPECT_NEAR(scaled.CorrelationCoefficient(a), 1, 1e-14) << scale;
+            ASSERT_EQ(scaled.SeparateIntoTensorProduct(su, sv), VFIL_SUCCESS);
+            ASSERT_EQ(a.SeparateIntoTensorProduct(u, v), VFIL_SUCCESS);
+            EXPECT_TRUE(scale % 2 != 0 || Distance(su, moved(u, scale / 2)) == 0) << scale;
+            if (s.rows != s.cols) continue;
+            ASSERT_EQ(scaled.SymmetricEigensolve(su, sv), VFIL_SUCCESS);
+            ASSERT_EQ(a.SymmetricEigensolve(u, v), VFIL_SUCCESS);
+            EXPECT_EQ(Distance(moved(u, scale), su) + Distance(v, sv), 0) << scale;
+        }
+    const double largest = std::numeric_limits<double>::max();
     vfILMatrixCondition condition{};
-    EXPECT_EQ(a.Inverse(condition).GetNumRows(), 3) << "goes on with what stands";
+    EXPECT_DOUBLE_EQ(Of(2, 1, {largest, largest}).PseudoInverse(condition)(0, 0), 0.5 / largest);
+    EXPECT_EQ(condition, VFIL_CONDITION_WELL);
 }
 
 struct Probe : Matrix {

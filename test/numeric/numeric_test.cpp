@@ -5,8 +5,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <limits>
+#include <numeric>
 #include <random>
 #include <vector>
 
@@ -156,6 +158,29 @@ TEST(SortingEngine, SortsRangesInPlace)
             std::sort(expected.begin(), expected.end());
             ASSERT_EQ(data, expected);
         }
+}
+
+// Orders that make a quicksort by the middle part off one value at a time, and NaN, which no order suits.
+TEST(SortingEngine, NoOrderTakesTheSquareOfItsLength)
+{
+    constexpr int kCount = 100000;
+    std::vector<double> data(kCount + 2, -7), sorted;
+    for (const bool withNaN : {false, true}) {
+        for (int i = 0; i < kCount; ++i)
+            data[i + 1U] = withNaN && i % 7 == 0 ? double{NAN} : std::min(i, kCount - i);
+        sorted = data;
+        const auto start = std::chrono::steady_clock::now();
+        vfILSortingEngine(sorted.data() + 1, kCount, VFIL_SORT_QUICK).Sort();
+        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
+        EXPECT_TRUE(sorted.front() == -7 && sorted.back() == -7);
+        EXPECT_TRUE(withNaN || std::is_sorted(sorted.begin() + 1, sorted.end() - 1));
+        // Each value is still there, as often as before: the sum of the numbers and the count of the others.
+        const auto numbers = [](const std::vector<double>& v) {
+            return std::accumulate(v.begin(), v.end(), 0.0,
+                                   [](double sum, double x) { return x == x ? sum + x : sum - 1e9; });
+        };
+        EXPECT_EQ(numbers(sorted), numbers(data));
+    }
 }
 
 } // namespace

@@ -59,14 +59,12 @@ bool IsRadiusTooLarge(const catalogue::Entry& entry, unsigned long code)
 }
 
 // The library's text on one line, with the class for its %s, and where to look.
-std::string ErrorLine(const catalogue::Entry& entry, unsigned long code)
+std::string ErrorLine(const catalogue::Entry& entry, const vfILProcessor& processor)
 {
-    const char* text = vfILErrorText(code);
-    std::string line = text ? text : "%s ERROR";
-    if (const std::size_t hole = line.find("%s"); hole != std::string::npos)
-        line.replace(hole, 2, entry.className);
-    while (!line.empty() && (line.back() == '\n' || line.back() == ' '))
-        line.pop_back();
+    const unsigned long code = processor.GetLastError().GetErrorCode();
+    char message[256];
+    vfILFormatError(processor, message, sizeof message, entry.className);
+    std::string line = message;
     char number[16];
     std::snprintf(number, sizeof number, " (0x%lX)", code);
     line += number;
@@ -101,12 +99,12 @@ void Execute(const catalogue::Entry& entry, vfILProcessor& processor)
 {
     processor.SetInterruptFct(nullptr, InterruptFlag());
     if (processor.Verify() != VFIL_SUCCESS) {
-        throw RequestError(ErrorLine(entry, processor.GetLastError().GetErrorCode()));
+        throw RequestError(ErrorLine(entry, processor));
     }
     if (processor.Execute() != VFIL_SUCCESS) {
         const unsigned long code = processor.GetLastError().GetErrorCode();
-        if (IsRadiusTooLarge(entry, code)) throw RequestError(ErrorLine(entry, code));
-        throw RunError(ErrorLine(entry, code));
+        if (IsRadiusTooLarge(entry, code)) throw RequestError(ErrorLine(entry, processor));
+        throw RunError(ErrorLine(entry, processor));
     }
     // An interrupted run is a success to the library, with part of the output written.
     StopIfInterrupted();

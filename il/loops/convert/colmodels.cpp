@@ -38,6 +38,9 @@ Triple Complement(const Triple& v)
     return {1 - v[0], 1 - v[1], 1 - v[2]};
 }
 
+constexpr YccMatrices k601{s_dfArrayRGBAtoYCCAOffset, s_dfArrayYCCAOffsettoRGBA};
+constexpr YccMatrices k709{s_dfArrayRGBAtoYCCA709Offset, s_dfArrayYCCA709OffsettoRGBA};
+
 template <const vfILColorMatrix& matrix>
 Triple Transform(const Triple& v)
 {
@@ -78,24 +81,27 @@ constexpr Rows Inverse(const Rows& m)
     return inverse;
 }
 
-/// The analogue video models: luma, and two colour differences that span -reach .. reach and are brought to 0
-/// .. 1.
+/// The analogue video models: luma, and two colour differences that become 0 .. 1 by an offset and a scale.
+/// The scales are those that are published, in seven digits: a grey, whose differences are 0, is then not
+/// quite at 0.5, so that rounding does not decide by the last bit which of two samples it packs to.
 struct Analogue {
     Rows rows;
-    double reach[2];
+    double offset[2];
+    double scale[2];
 };
 
 constexpr Analogue kYuv{{{{0.299, 0.587, 0.114}, {-0.147, -0.289, 0.436}, {0.615, -0.515, -0.1}}},
-                        {0.436, 0.615}};
+                        {0.436, 0.615},
+                        {1.146789, 0.8130081}};
 constexpr Analogue kYiq{{{{0.299, 0.587, 0.114}, {0.596, -0.274, -0.322}, {0.212, -0.523, 0.311}}},
-                        {0.596, 0.523}};
+                        {0.596, 0.523},
+                        {0.8389262, 0.9560229}};
 
 template <const Analogue& model>
 Triple RgbToAnalogue(const Triple& rgb)
 {
-    const auto [first, second] = model.reach;
     const auto [y, u, v] = Times(model.rows, rgb);
-    return {y, (u + first) / (2 * first), (v + second) / (2 * second)};
+    return {y, (u + model.offset[0]) * model.scale[0], (v + model.offset[1]) * model.scale[1]};
 }
 
 /// Inverts the rows themselves, not with the rounded inverse that is published, so that a round trip is one.
@@ -103,8 +109,8 @@ template <const Analogue& model>
 Triple AnalogueToRgb(const Triple& yuv)
 {
     constexpr Rows kInverse = Inverse(model.rows);
-    const auto [first, second] = model.reach;
-    return Times(kInverse, {yuv[0], yuv[1] * (2 * first) - first, yuv[2] * (2 * second) - second});
+    return Times(kInverse, {yuv[0], yuv[1] / model.scale[0] - model.offset[0],
+                            yuv[2] / model.scale[1] - model.offset[1]});
 }
 
 constexpr ColorModel kModels[] = {
@@ -112,13 +118,18 @@ constexpr ColorModel kModels[] = {
     {PXColorModel_HLS, RgbToHls, HlsToRgb},
     {PXColorModel_HSV, RgbToHsv, HsvToRgb},
     {PXColorModel_CMY, Complement, Complement},
-    {PXColorModel_YCC, Transform<s_dfArrayRGBAtoYCCAOffset>, Transform<s_dfArrayYCCAOffsettoRGBA>},
-    {PXColorModel_YCC709, Transform<s_dfArrayRGBAtoYCCA709Offset>, Transform<s_dfArrayYCCA709OffsettoRGBA>},
+    {PXColorModel_YCC, Transform<k601.fromRgb>, Transform<k601.toRgb>},
+    {PXColorModel_YCC709, Transform<k709.fromRgb>, Transform<k709.toRgb>},
     {PXColorModel_YUV, RgbToAnalogue<kYuv>, AnalogueToRgb<kYuv>},
     {PXColorModel_YIQ, RgbToAnalogue<kYiq>, AnalogueToRgb<kYiq>},
 };
 
 } // namespace
+
+const YccMatrices& MatricesOf(PXColorModel model)
+{
+    return model == PXColorModel_YCC ? k601 : k709;
+}
 
 const ColorModel* FindColorModel(PXColorModel id)
 {

@@ -101,6 +101,23 @@ bool AreConnected(const ImageView& from, const ImageView& to)
     return from.Box().IsNull() || (from.HasPixels() && from.RowPixelBytes() == to.RowPixelBytes());
 }
 
+unsigned long WhyUnconnected(const ImageView& input, const ImageView& output, unsigned long noInput,
+                             unsigned long noPixels)
+{
+    if (output.image == nullptr) return 0x10002;
+    if (!output.HasPixels()) return 0x10003;
+    if (input.image == nullptr) return noInput;
+    return input.HasPixels() ? 0x1000E : noPixels;
+}
+
+unsigned long WhyUnprepared(const vfILPixelRun& run, const ImageView& mask)
+{
+    const ImageView output(run.picture);
+    if (!Covers(output.Box(), run.processBox)) return 0x1000A;
+    if (!mask.HasPixels()) return 0x10005;
+    return mask.channelBytes != output.channelBytes ? 0x10009 : 0x10006;
+}
+
 void SelectRows(vfILPixelRun& run, unsigned long mode, std::initializer_list<vfILRowWalk*> inputs)
 {
     const vfILBbox2l& box = run.processBox;

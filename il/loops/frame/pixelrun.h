@@ -36,6 +36,13 @@ bool PrepareMaskAndOutput(vfILPixelRun& run, const ImageView& output, const Imag
 /// at all needs none.
 bool AreConnected(const ImageView& input, const ImageView& output);
 
+/// The code of what the two above refuse, for the error of a run that nobody verified.
+///
+/// \param noInput  The code for a null input; \p noPixels for one without pixels.
+unsigned long WhyUnconnected(const ImageView& input, const ImageView& output, unsigned long noInput = 0x1000B,
+                             unsigned long noPixels = 0x1000C);
+unsigned long WhyUnprepared(const vfILPixelRun& run, const ImageView& mask);
+
 /// Moves the walks of the inputs, the mask and the output onto the rows that the mode's field bits select.
 void SelectRows(vfILPixelRun& run, unsigned long mode, std::initializer_list<vfILRowWalk*> inputs);
 

@@ -5,6 +5,8 @@
 
 #include "il/loops/numeric/matrixsvd.h"
 
+#include "il/loops/numeric/matrixrows.h"
+
 #include <algorithm>
 #include <limits>
 
@@ -359,45 +361,7 @@ SvdOutcome DecomposeUnitOffset(double** a, long m, long n, double* w, double** v
     decomposition.ReduceToBidiagonal();
     decomposition.AccumulateRight();
     decomposition.AccumulateLeft();
-    return decomposition.Diagonalise() ? SvdOutcome::kConverged : SvdOutcome::kTooManyIterations;
-}
-
-bool UnitOffsetRows::Allocate(long rows, long cols) noexcept
-{
-    const auto numRows = static_cast<std::size_t>(rows);
-    const auto rowLength = static_cast<std::size_t>(cols) + 1;
-    m_rows = MakeArray<double*>(numRows + 1);
-    m_values = MakeArray<double>((numRows + 1) * rowLength);
-    if (m_rows == nullptr || m_values == nullptr) return false;
-    for (std::size_t i = 0; i <= numRows; ++i)
-        m_rows[i] = m_values.get() + i * rowLength;
-    return true;
-}
-
-SvdOutcome Svd::Decompose(const vfILMatrix& matrix) noexcept
-{
-    if (matrix.IsNotValid()) return SvdOutcome::kNothing;
-    rows = matrix.GetNumRows();
-    cols = matrix.GetNumCols();
-    if (!m_storage.Allocate(rows + cols + 1, cols)) return SvdOutcome::kNothing;
-    u = m_storage.Get();
-    v = u + rows;
-    w = v[cols + 1];
-    for (long i = 0; i < rows; ++i)
-        std::copy_n(matrix.GetElemsPtr()[i], cols, u[i + 1] + 1);
-    return DecomposeUnitOffset(u, rows, cols, w, v);
-}
-
-long Svd::Largest() const noexcept
-{
-    long index = 0;
-    double largest = -HUGE_VAL;
-    for (long k = 1; k <= cols; ++k)
-        if (w[k] > largest) {
-            largest = w[k];
-            index = k;
-        }
-    return index;
+    return decomposition.Diagonalise() ? SvdOutcome::kConverged : SvdOutcome::kFailed;
 }
 
 } // namespace vfil

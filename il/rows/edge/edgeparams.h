@@ -33,13 +33,13 @@ inline constexpr std::size_t kToOpposite = 4;
 inline constexpr std::size_t kToPair = 8;
 
 /// A response in one of the eight directions.
-consteval bool IsCompass(EdgeOp op)
+constexpr bool IsCompass(EdgeOp op)
 {
     return static_cast<std::size_t>(op) < kToPair;
 }
 
 /// The larger of two opposite responses.
-consteval bool IsCompassPair(EdgeOp op)
+constexpr bool IsCompassPair(EdgeOp op)
 {
     return !IsCompass(op) && static_cast<std::size_t>(op) < kToPair + kToOpposite;
 }

@@ -42,12 +42,12 @@ constexpr LayerTraits kLayers[] = {
 constexpr std::size_t kLayerOps = sizeof kLayers / sizeof *kLayers;
 
 /// An operator's line in the list. Does not compile for one that has none.
-consteval LayerTraits TraitsOf(LayerOp op)
+constexpr LayerTraits TraitsOf(LayerOp op)
 {
     return kLayers[static_cast<std::size_t>(op)];
 }
 
-consteval bool AreLayersInOrder()
+constexpr bool AreLayersInOrder()
 {
     for (std::size_t at = 0; at < kLayerOps; ++at) {
         if (kLayers[at].op != static_cast<LayerOp>(at)) return false;

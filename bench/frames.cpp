@@ -3,7 +3,7 @@
 /// the filters, some of which do not.
 #include "frames.h"
 
-#include "host/picturefile.h"
+#include <vfil/host/picturefile.h>
 
 #include <algorithm>
 #include <random>

@@ -2,7 +2,7 @@
 /// The pictures that all benchmarks run over, and how a benchmark is added.
 #pragma once
 
-#include "host/picture.h"
+#include <vfil/host/picture.h>
 
 #include <vfil/error.h>
 

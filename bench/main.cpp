@@ -6,7 +6,7 @@
 /// it.
 #include "filters.h"
 
-#include "host/picturefactory.h"
+#include <vfil/host/picturefactory.h>
 
 #include <benchmark/benchmark.h>
 

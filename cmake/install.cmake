@@ -1,4 +1,5 @@
-# Installation: the library, its headers, the command, and what CMake and pkg-config need to find them.
+# Installation: the library, the embedded host, their headers, the command, and what CMake and pkg-config need to find
+# them.
 
 include(CMakePackageConfigHelpers)
 
@@ -9,6 +10,16 @@ install(TARGETS vfil EXPORT vfilTargets
     INCLUDES DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/include/vfil" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}"
     FILES_MATCHING PATTERN "*.h")
+if(VFIL_BUILD_HOST)
+    install(TARGETS vfil_host_shared EXPORT vfilTargets
+        LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
+        INCLUDES DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
+    if(NOT VFIL_BUILD_VIDEO)
+        set(no_video PATTERN "video.h" EXCLUDE)
+    endif()
+    install(DIRECTORY "${PROJECT_SOURCE_DIR}/host/include/vfil" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}"
+        FILES_MATCHING PATTERN "*.h" ${no_video})
+endif()
 install(EXPORT vfilTargets NAMESPACE vfil:: DESTINATION "${VFIL_PACKAGE_DIR}")
 
 configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/vfilConfig.cmake.in"
@@ -21,8 +32,14 @@ install(FILES "${PROJECT_BINARY_DIR}/vfilConfig.cmake" "${PROJECT_BINARY_DIR}/vf
 
 # The way from the folder of the .pc file to the prefix, so that an installation may be moved.
 file(RELATIVE_PATH VFIL_PC_PREFIX "/prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/prefix")
-configure_file("${PROJECT_SOURCE_DIR}/cmake/vfil.pc.in" "${PROJECT_BINARY_DIR}/vfil.pc" @ONLY)
-install(FILES "${PROJECT_BINARY_DIR}/vfil.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+set(modules vfil)
+if(VFIL_BUILD_HOST)
+    list(APPEND modules vfil-host)
+endif()
+foreach(module ${modules})
+    configure_file("${PROJECT_SOURCE_DIR}/cmake/${module}.pc.in" "${PROJECT_BINARY_DIR}/${module}.pc" @ONLY)
+    install(FILES "${PROJECT_BINARY_DIR}/${module}.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+endforeach()
 install(FILES "${PROJECT_SOURCE_DIR}/LICENSE" DESTINATION "${CMAKE_INSTALL_DOCDIR}")
 
 if(VFIL_BUILD_TOOL)

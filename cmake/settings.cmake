@@ -19,6 +19,8 @@ function(vfil_settings target)
         -Wno-sign-conversion
         # g++ 12 warns of an overlap inside its own std::string wherever "text" + string is inlined.
         $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>
+        # Unique symbols would keep the libraries in memory after dlclose.
+        $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>
         $<$<BOOL:${VFIL_WERROR}>:-Werror>)
     set_target_properties(${target} PROPERTIES
         CXX_VISIBILITY_PRESET hidden

@@ -3,7 +3,7 @@
 ///
 /// Each picture is made smaller to fit its cell and composited over a checkerboard, which shows through where
 /// alpha is not full. Cells run from the top left, row by row.
-#include "host/picturefile.h"
+#include <vfil/host/picturefile.h>
 
 #include <vfil/composite.h>
 

@@ -1,6 +1,6 @@
-#include <host/picturefactory.h>
-#include <host/picturefile.h>
 #include <vfil/composite.h>
+#include <vfil/host/picturefactory.h>
+#include <vfil/host/picturefile.h>
 
 #include <cstdio>
 #include <exception>

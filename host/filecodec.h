@@ -3,8 +3,8 @@
 /// the host.
 #pragma once
 
-#include "host/picturefile.h"
 #include "host/temporaryfile.h"
+#include <vfil/host/picturefile.h>
 
 #include <array>
 #include <cstdint>

@@ -1,7 +1,7 @@
 /// \file
 /// The picture of the embedded host.
 
-#include "host/picture.h"
+#include <vfil/host/picture.h>
 
 #include <cstring>
 #include <limits>

@@ -1,18 +1,17 @@
 /// \file
 /// The class factory of host pictures, and its registration.
 
-#include "host/picturefactory.h"
+#include <vfil/host/picturefactory.h>
 
-#include "host/picture.h"
+#include <vfil/host/picture.h>
 
-#include <mutex>
 #include <new>
 
 namespace vfil::host {
 
 namespace {
 
-/// Lives as long as the program, so that its references need no count.
+/// Lives as long as its registration, so that its references need no count.
 class PictureFactory final : public IClassFactory {
 public:
     HRESULT QueryInterface(const IID& riid, void** object) override
@@ -36,16 +35,27 @@ public:
     }
 };
 
+/// Takes the factory back when the host's library goes.
+class Registration {
+public:
+    Registration()
+    {
+        if (FAILED(vfILRegisterClass(CLSID_PXImage, &m_factory, &m_cookie))) throw std::bad_alloc();
+    }
+    ~Registration() { vfILRevokeClass(m_cookie); }
+    Registration(const Registration&) = delete;
+    Registration& operator=(const Registration&) = delete;
+
+private:
+    PictureFactory m_factory;
+    unsigned long m_cookie = 0;
+};
+
 } // namespace
 
 void RegisterPictureClass()
 {
-    static PictureFactory factory;
-    static std::once_flag once;
-    std::call_once(once, [] {
-        unsigned long cookie = 0;
-        if (FAILED(CoRegisterClassObject(CLSID_PXImage, &factory, &cookie))) throw std::bad_alloc();
-    });
+    static const Registration registration;
 }
 
 } // namespace vfil::host

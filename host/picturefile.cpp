@@ -1,7 +1,7 @@
 /// \file
 /// Picture files: which kind a file is.
 
-#include "host/picturefile.h"
+#include <vfil/host/picturefile.h>
 
 #include "host/filecodec.h"
 #include "host/pixelrows.h"

@@ -3,7 +3,7 @@
 /// The command uses the conversions of whole pictures too; the rest is private to the host.
 #pragma once
 
-#include "host/picture.h"
+#include <vfil/host/picture.h>
 
 #include <cstdint>
 

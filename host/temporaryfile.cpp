@@ -3,7 +3,7 @@
 
 #include "host/temporaryfile.h"
 
-#include "host/picturefile.h"
+#include <vfil/host/picturefile.h>
 
 #include <atomic>
 #include <cerrno>

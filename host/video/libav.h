@@ -3,7 +3,7 @@
 /// their messages, and the parts of their interface that differ between versions. Private to the host.
 #pragma once
 
-#include "host/video/video.h"
+#include <vfil/host/video.h>
 
 extern "C" {
 #include <libavcodec/avcodec.h>

@@ -43,7 +43,7 @@ IClassFactory* FindFactory(const CLSID& classId)
 
 } // namespace
 
-HRESULT CoRegisterClassObject(const CLSID& classId, IClassFactory* factory, unsigned long* cookie)
+vfILResult vfILRegisterClass(const CLSID& classId, IClassFactory* factory, unsigned long* cookie)
 {
     if (factory == nullptr || cookie == nullptr) return E_POINTER;
     try {
@@ -58,7 +58,7 @@ HRESULT CoRegisterClassObject(const CLSID& classId, IClassFactory* factory, unsi
     return S_OK;
 }
 
-HRESULT CoRevokeClassObject(unsigned long cookie)
+vfILResult vfILRevokeClass(unsigned long cookie)
 {
     IClassFactory* factory = nullptr;
     {
@@ -71,6 +71,16 @@ HRESULT CoRevokeClassObject(unsigned long cookie)
     }
     factory->Release();
     return S_OK;
+}
+
+HRESULT CoRegisterClassObject(const CLSID& classId, IClassFactory* factory, unsigned long* cookie)
+{
+    return vfILRegisterClass(classId, factory, cookie);
+}
+
+HRESULT CoRevokeClassObject(unsigned long cookie)
+{
+    return vfILRevokeClass(cookie);
 }
 
 HRESULT CoGetClassObject(const CLSID& classId, unsigned long context, void* reserved, const IID& riid,

@@ -1,21 +1,44 @@
 /// \file
-/// Blurs: what each type is made of. The box and the recursive types have sources of their own.
+/// Blurs: what each type is made of.
 
+#include "il/loops/blur/boxrun.h"
+#include "il/loops/blur/recursiverun.h"
 #include "il/loops/frame/copyinstead.h"
+#include "il/loops/frame/ellipse.h"
+#include "il/loops/frame/imageview.h"
 #include "il/loops/frame/runarray.h"
-#include "il/loops/frame/windowloop.h"
 
 #include <vfil/blur.h>
 
+#include <algorithm>
 #include <cmath>
-#include <limits>
 #include <numeric>
 
 using namespace vfil;
 
 namespace {
 
-using BoxFormats = FormatList<Rgba8, Mono8>;
+bool IsExponential(vfILBlurType type)
+{
+    return type == VFIL_BLUR_EXPONENTIAL || type == VFIL_BLUR_EXPONENTIAL_FLOAT;
+}
+
+bool IsFastGauss(vfILBlurType type)
+{
+    return type == VFIL_BLUR_FAST_GAUSS || type == VFIL_BLUR_FAST_GAUSS_FLOAT;
+}
+
+bool IsKnown(vfILBlurType type)
+{
+    return type == VFIL_BLUR_DISC || type == VFIL_BLUR_GAUSS || type == VFIL_BLUR_BOX ||
+           IsExponential(type) || IsFastGauss(type);
+}
+
+/// On 8-bit formats the type filters in fixed point.
+bool IsFixed(vfILBlurType type)
+{
+    return type == VFIL_BLUR_EXPONENTIAL || type == VFIL_BLUR_FAST_GAUSS;
+}
 
 /// A Gaussian from -radius to radius, of sum 1.
 void FillGaussian(double* weights, long radius, double sigma)
@@ -57,13 +80,12 @@ vfILStatus vfILBlurImg::Execute()
     return m_degree != 0 && reaches ? vfILImgProc::Execute() : CopyInstead(*this);
 }
 
+/// There is no kernel yet that vfILConvolveImg's could look at.
 vfILStatus vfILBlurImg::Verify()
 {
-    if (BuildKernel() != VFIL_SUCCESS) return VFIL_FAILURE;
-    const vfILStatus status = vfILConvolveImg::Verify();
-    FreeKernel();
-    if (status != VFIL_SUCCESS) return status;
-    if (m_type < VFIL_BLUR_DISC || m_type > VFIL_BLUR_FAST_GAUSS_FLOAT) {
+    if (IsRadiusValid() && CountWindow(KernelRadius(), sizeof(float)) == 0) return NoKernel();
+    if (VerifyFrame(GetClassNameW()) != VFIL_SUCCESS) return VFIL_FAILURE;
+    if (!IsKnown(m_type)) {
         return Fail(0x10024, "%s ERROR Verify: Type of blurring is unknown\n", GetClassNameW());
     }
     if (m_type == VFIL_BLUR_BOX && !BoxFormats::Contains(OutputFormat())) {
@@ -79,8 +101,15 @@ vfILStatus vfILBlurImg::PrepareData()
 {
     FreeKernel();
     if (BuildKernel() != VFIL_SUCCESS) return VFIL_FAILURE;
-    ReadInputItself(IsRecursive());
-    return vfILConvolveImg::PrepareData();
+    const bool isBox = m_type == VFIL_BLUR_BOX;
+    ReadInputItself(isBox || IsRecursive());
+    vfILVector2l radius = WholeRadius();
+    if (isBox) { // beyond the size of the picture its windows see nothing new
+        const ImageView input(GetInputImg());
+        radius[0] = static_cast<std::int32_t>(std::min<long>(radius[0], input.width));
+        radius[1] = static_cast<std::int32_t>(std::min<long>(radius[1], input.height));
+    }
+    return PrepareWindows(radius);
 }
 
 vfILStatus vfILBlurImg::CleanData()
@@ -96,28 +125,32 @@ void vfILBlurImg::FreeKernel()
 }
 
 /// A type without a kernel has one of a single weight, so that there is one.
+vfILVector2l vfILBlurImg::KernelRadius() const
+{
+    return HasKernel() ? WholeRadius() : vfILVector2l(0, 0);
+}
+
 vfILStatus vfILBlurImg::BuildKernel()
 {
     if (!IsRadiusValid()) return VFIL_SUCCESS; // the frame's check comes after, and says so
-    const bool hasKernel = m_type == VFIL_BLUR_DISC || IsGauss();
-    const vfILVector2l radius = hasKernel ? WholeRadius() : vfILVector2l(0, 0);
-    const long width = 2 * long{radius[0]} + 1;
-    const long height = 2 * long{radius[1]} + 1;
-    constexpr auto kMost = std::numeric_limits<std::ptrdiff_t>::max() / std::ptrdiff_t{sizeof(float)};
-    float* kernel = nullptr;
-    if (width <= kMost / height)
-        kernel = reinterpret_cast<float*>(
-            m_kernelBuffer.Allocate(static_cast<std::size_t>(width * height) * sizeof(float)));
-    bool done = kernel != nullptr;
-    if (done && m_type == VFIL_BLUR_DISC)
-        FillDisc(kernel);
-    else if (done && hasKernel)
-        done = FillGauss(kernel);
-    else if (done)
+    const std::size_t weights = CountWindow(KernelRadius(), sizeof(float));
+    if (weights == 0) return NoKernel();
+    auto* const kernel = reinterpret_cast<float*>(m_kernelBuffer.Allocate(weights * sizeof(float)));
+    if (kernel == nullptr) return NoKernel();
+    if (m_type == VFIL_BLUR_DISC) {
+        FillDisc(kernel, weights);
+    } else if (!HasKernel()) {
         *kernel = 1;
-    if (!done) return Fail(0x10001, "%s ERROR BuildKernel: insufficient memory space\n", GetClassNameW());
+    } else if (!FillGauss(kernel)) {
+        return NoKernel();
+    }
     SetKernel(kernel, GetRadius());
     return VFIL_SUCCESS;
+}
+
+vfILStatus vfILBlurImg::NoKernel()
+{
+    return Fail(0x10001, "%s ERROR BuildKernel: insufficient memory space\n", GetClassNameW());
 }
 
 /// False when memory is short.
@@ -138,22 +171,13 @@ bool vfILBlurImg::FillGauss(float* kernel) const
     return true;
 }
 
-void vfILBlurImg::FillDisc(float* kernel) const
+void vfILBlurImg::FillDisc(float* kernel, std::size_t weights) const
 {
-    const vfILVector2l radius = WholeRadius();
-    const float squareX = GetRadiusX() * GetRadiusX();
-    const float squareY = GetRadiusY() * GetRadiusY();
-    float* weight = kernel;
-    for (long y = -long{radius[1]}; y <= radius[1]; ++y)
-        for (long x = -long{radius[0]}; x <= radius[0]; ++x) {
-            const auto fx = static_cast<float>(x);
-            const auto fy = static_cast<float>(y);
-            *weight++ = fx * fx * squareY + fy * fy * squareX <= squareX * squareY ? 1.0F : 0.0F;
-        }
-    const auto ones = static_cast<float>(std::count(kernel, weight, 1.0F));
+    const Ellipse<float> disc(GetRadiusX(), GetRadiusY());
+    const auto ones = static_cast<float>(FillEllipse(kernel, WholeRadius(), disc, 1));
     const float share = m_degree / ones;
-    std::transform(kernel, weight, kernel, [share](float one) { return one * share; });
-    kernel[(weight - kernel) / 2] = 1 - (ones - 1) * share;
+    std::transform(kernel, kernel + weights, kernel, [share](float one) { return one * share; });
+    kernel[weights / 2] = 1 - (ones - 1) * share;
 }
 
 /// Up to these radii the kernel is cheaper than the recursion.
@@ -189,16 +213,40 @@ vfILStatus vfILBlurImg::SeparateKernel(float* kx, float* ky)
     return VFIL_SUCCESS;
 }
 
+/// The type convolves.
+bool vfILBlurImg::HasKernel() const
+{
+    return m_type == VFIL_BLUR_DISC || IsGauss();
+}
+
 /// The type filters by recursion.
 bool vfILBlurImg::IsRecursive() const
 {
-    return m_type >= VFIL_BLUR_EXPONENTIAL && !IsGauss();
+    return IsExponential(m_type) || (IsFastGauss(m_type) && !IsGauss());
 }
 
 vfILStatus vfILBlurImg::DoEffect()
 {
-    if (IsRecursive()) return BlurRecursively();
-    return m_type == VFIL_BLUR_BOX ? BlurBox() : vfILConvolveImg::DoEffect();
+    if (HasKernel()) return vfILConvolveImg::DoEffect();
+    if (!IsKnown(m_type)) return VFIL_FAILURE;
+    if (IsRecursive() ? BlurRecursively() : BlurBox()) return VFIL_SUCCESS;
+    return Fail(0x10001, "%s ERROR DoEffect: insufficient memory space\n", GetClassNameW());
+}
+
+/// False when memory is short.
+bool vfILBlurImg::BlurBox()
+{
+    return RunBox(*this, Run(), WholeRadius(), OutputFormat(), m_simdAvailable != 0);
+}
+
+/// False when memory is short. What a row becomes depends on all rows, by the filter's roundings: bands would
+/// not do, and the columns are read where the input has them.
+bool vfILBlurImg::BlurRecursively()
+{
+    const auto design = IsFastGauss(m_type) ? DesignFastGauss : DesignExponential;
+    const RecursiveBlur blur{design(double{GetRadiusX()} * m_degree, Run().radiusX),
+                             design(double{GetRadiusY()} * m_degree, Run().radiusY), IsFixed(m_type)};
+    return RunRecursiveBlur(*this, Run(), blur, OutputFormat(), m_simdAvailable != 0);
 }
 
 void vfILBlurImg::SetType(vfILBlurType type)

@@ -15,9 +15,6 @@ using namespace vfil;
 
 namespace {
 
-/// A fixed weight of all but this is still a signed 16-bit number after rounding.
-constexpr float kFixedLimit = 0.999969482421875F;
-
 /// The kernel of a run as the processor has it, and what its passes need beside it.
 struct Convolution {
     const vfILProcessor& processor;
@@ -39,23 +36,6 @@ struct Convolution {
     }
 };
 
-/// Fixed weights may replace these: each fits, and together they miss a sum by less than one code value. Not
-/// so the many small weights of a large kernel, whose roundings add up.
-bool AreFixedWeightsExact(const float* weights, long count)
-{
-    double missed = 0;
-    for (long i = 0; i < count; ++i) {
-        if (!(weights[i] > -1 && weights[i] < 1)) return false;
-        missed += std::fabs(double{weights[i]} * 32768 - FixedWeight(weights[i]));
-    }
-    return missed * 255 / 32768 < 1;
-}
-
-bool AreInFixedRange(const float* weights, long count)
-{
-    return std::all_of(weights, weights + count, [](float w) { return w > -kFixedLimit && w < kFixedLimit; });
-}
-
 /// The largest magnitude of a sum of bytes by fixed weights, as far as it fits the buffer between the passes.
 std::int64_t FixedMagnitude(const FixedWeights& weights)
 {
@@ -74,12 +54,13 @@ void RunFixedRows(const vfILProcessor& processor, vfILWindowRun& run, MakeRow ma
     const bool isMasked = run.mask.first != nullptr;
     const long samples = run.processBox.GetSizeX() * 4;
     RunWindowRows<Rgba8>(processor, unmasked, [&](long row, std::uint8_t* results) {
-        makeRow(row, results);
-        if (!isMasked) return;
+        const bool isMade = MakesRow(makeRow, row, results);
+        if (!isMasked || !isMade) return isMade;
         const MaskRow<std::uint8_t> mask(run, row);
         const auto* base = RowOf<const std::uint8_t>(run.centres, row);
         for (long i = 0; i < samples; ++i)
             results[i] = BlendFixed8(results[i], base[i], mask[i / 4]);
+        return true;
     });
     run.stopped = unmasked.stopped;
 }
@@ -135,10 +116,18 @@ bool SinglePassFloat(const Convolution& by, const float* kernel, float offset)
     return true;
 }
 
+/// False when there is no row to copy.
+template <class Sample>
+bool CopyRow(const Sample* row, std::size_t samples, Sample* to)
+{
+    if (row != nullptr) std::copy_n(row, samples, to);
+    return row != nullptr;
+}
+
 bool DualPassConvolve_RGBA32_Fixed(const Convolution& by, const float* x, const float* y)
 {
     using Passes = TwoPasses<std::uint8_t, std::int16_t, kTileRows>;
-    Passes passes(by.run);
+    Passes passes(by.processor, by.run);
     FixedWeights kx;
     FixedWeights ky;
     FixedTile tile;
@@ -159,7 +148,7 @@ bool DualPassConvolve_RGBA32_Fixed(const Convolution& by, const float* x, const 
         sumDown(tile.Sources(source), tile.Weights(), tile.Count(), to, passes.ResultStep(), samples);
     };
     RunFixedRows(by.processor, by.run, [&](long row, std::uint8_t* results) {
-        std::copy_n(passes.Row(row, across, down), by.Samples<Rgba8>(), results);
+        return CopyRow(passes.Row(row, across, down), by.Samples<Rgba8>(), results);
     });
     return true;
 }
@@ -168,7 +157,7 @@ template <class Format>
 bool DualPassFloat(const Convolution& by, const float* x, const float* y)
 {
     using Sample = typename Format::Sample;
-    TwoPasses<Sample, float, 1> passes(by.run);
+    TwoPasses<Sample, float, 1> passes(by.processor, by.run);
     FloatTaps<Sample> kx;
     FloatTaps<float> ky;
     if (!SetTaps(kx, x, by.run.kernelWidth, Format::kChannels) || !SetTaps(ky, y, by.run.kernelHeight, 1) ||
@@ -183,7 +172,7 @@ bool DualPassFloat(const Convolution& by, const float* x, const float* y)
         kernels.down(ky.Sources(sums), ky.Weights(), ky.Count(), 0, to, samples);
     };
     RunWindowRows<Format>(by.processor, by.run, [&](long row, Sample* results) {
-        std::copy_n(passes.Row(row, across, down), by.Samples<Format>(), results);
+        return CopyRow(passes.Row(row, across, down), by.Samples<Format>(), results);
     });
     return true;
 }
@@ -267,8 +256,8 @@ vfILStatus vfILConvolveImg::DualPassConvolve(const float* kx, const float* ky)
 {
     const Convolution by{*this, Run(), m_simdAvailable != 0};
     bool done = true;
-    if (OutputFormat() == PXFormat_RGBA32 && m_simdAvailable != 0 && AreInFixedRange(kx, Run().kernelWidth) &&
-        AreInFixedRange(ky, Run().kernelHeight)) {
+    if (OutputFormat() == PXFormat_RGBA32 && m_simdAvailable != 0 &&
+        AreFixedPassesExact(kx, Run().kernelWidth, ky, Run().kernelHeight)) {
         done = DualPassConvolve_RGBA32_Fixed(by, kx, ky);
     } else {
         PointFormats::Visit(OutputFormat(),

@@ -29,7 +29,7 @@ vfILStatus vfILEmbossImg::DoEffect()
 
 void vfILEmbossImg::SetDirection(unsigned long directions)
 {
-    m_directions = static_cast<std::uint32_t>(directions);
+    m_directions = directions;
 }
 
 unsigned long vfILEmbossImg::GetDirection() const

@@ -30,7 +30,7 @@ vfILStatus vfILGradientImg::DoEffect()
 
 void vfILGradientImg::SetDirection(unsigned long directions)
 {
-    m_directions = static_cast<std::uint32_t>(directions);
+    m_directions = directions;
 }
 
 unsigned long vfILGradientImg::GetDirection() const

@@ -26,9 +26,8 @@ template <class Op>
 vfILMatrix Combined(const vfILMatrix& a, const vfILMatrix& b, Op op)
 {
     assert(a.IsNotValid() || b.IsNotValid() || HaveOneSize(a, b));
-    vfILMatrix result;
-    if (!HaveOneSize(a, b)) return result;
-    result.Resize(a.GetNumRows(), a.GetNumCols());
+    if (!HaveOneSize(a, b)) return {};
+    vfILMatrix result(a.GetNumRows(), a.GetNumCols());
     for (long i = 0; i < result.GetNumRows(); ++i)
         for (long j = 0; j < result.GetNumCols(); ++j)
             result(i, j) = op(a(i, j), b(i, j));

@@ -16,7 +16,7 @@ vfILStatus vfILLaplaceImg::Verify()
 {
     if (VerifyFrame(GetClassNameW()) != VFIL_SUCCESS) return VFIL_FAILURE;
     if (m_type != VFIL_LAPLACE_SQUARE && m_type != VFIL_LAPLACE_DIAMOND) {
-        return Fail(0x10027, "%s ERROR Verify: Type of Laplace is unknown\n", GetClassNameW());
+        return Fail(0x10027, GetClassNameW());
     }
     if (VerifyBias(GetClassNameW()) != VFIL_SUCCESS) return VFIL_FAILURE;
     return VerifySensitivity(GetClassNameW());

@@ -5,8 +5,6 @@
 
 #include <vfil/rank.h>
 
-#include <new>
-
 using namespace vfil;
 
 const wchar_t* const vfILMaxRankImg::m_ClassName = L"vfILMaxRankImg";
@@ -27,21 +25,28 @@ vfILStatus vfILMaxRankImg::Verify()
     return VerifyFrame(GetClassNameW());
 }
 
+vfILStatus vfILMaxRankImg::PrepareData()
+{
+    WindowShape shape;
+    return FindExtremeShape(*this, shape) ? PrepareWindows(shape.Radius()) : OutOfMemory();
+}
+
 vfILStatus vfILMaxRankImg::DoEffect()
-try {
-    MaxRank8();
-    MaxRank16();
-    return VFIL_SUCCESS;
-} catch (const std::bad_alloc&) {
+{
+    return MaxRank8() && MaxRank16() ? VFIL_SUCCESS : OutOfMemory();
+}
+
+vfILStatus vfILMaxRankImg::OutOfMemory()
+{
     return Fail(0x10001, "%s ERROR: insufficient memory space\n", GetClassNameW());
 }
 
-void vfILMaxRankImg::MaxRank8()
+bool vfILMaxRankImg::MaxRank8()
 {
-    RunRankExtremes<ByteFormats>(*this, Run(), true, m_simdAvailable != 0);
+    return RunRankExtremes<ByteFormats>(*this, Run(), true, m_simdAvailable != 0);
 }
 
-void vfILMaxRankImg::MaxRank16()
+bool vfILMaxRankImg::MaxRank16()
 {
-    RunRankExtremes<WordFormats>(*this, Run(), true, m_simdAvailable != 0);
+    return RunRankExtremes<WordFormats>(*this, Run(), true, m_simdAvailable != 0);
 }

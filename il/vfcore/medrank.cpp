@@ -5,8 +5,6 @@
 
 #include <vfil/rank.h>
 
-#include <new>
-
 using namespace vfil;
 
 const wchar_t* const vfILMedianRankImg::m_ClassName = L"vfILMedianRankImg";
@@ -28,20 +26,17 @@ vfILStatus vfILMedianRankImg::Verify()
 }
 
 vfILStatus vfILMedianRankImg::DoEffect()
-try {
-    MedianRank8();
-    MedianRank16();
-    return VFIL_SUCCESS;
-} catch (const std::bad_alloc&) {
+{
+    if (MedianRank8() && MedianRank16()) return VFIL_SUCCESS;
     return Fail(0x10001, "%s ERROR Median Rank: insufficient memory space\n", GetClassNameW());
 }
 
-void vfILMedianRankImg::MedianRank8()
+bool vfILMedianRankImg::MedianRank8()
 {
-    RunMedians<ByteFormats>(*this, Run(), {-1, m_simdAvailable != 0});
+    return RunMedians<ByteFormats>(*this, Run(), {-1, m_simdAvailable != 0});
 }
 
-void vfILMedianRankImg::MedianRank16()
+bool vfILMedianRankImg::MedianRank16()
 {
-    RunMedians<WordFormats>(*this, Run(), {-1, m_simdAvailable != 0});
+    return RunMedians<WordFormats>(*this, Run(), {-1, m_simdAvailable != 0});
 }

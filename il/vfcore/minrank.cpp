@@ -5,8 +5,6 @@
 
 #include <vfil/rank.h>
 
-#include <new>
-
 using namespace vfil;
 
 const wchar_t* const vfILMinRankImg::m_ClassName = L"vfILMinRankImg";
@@ -27,21 +25,28 @@ vfILStatus vfILMinRankImg::Verify()
     return VerifyFrame(GetClassNameW());
 }
 
+vfILStatus vfILMinRankImg::PrepareData()
+{
+    WindowShape shape;
+    return FindExtremeShape(*this, shape) ? PrepareWindows(shape.Radius()) : OutOfMemory();
+}
+
 vfILStatus vfILMinRankImg::DoEffect()
-try {
-    MinRank8();
-    MinRank16();
-    return VFIL_SUCCESS;
-} catch (const std::bad_alloc&) {
+{
+    return MinRank8() && MinRank16() ? VFIL_SUCCESS : OutOfMemory();
+}
+
+vfILStatus vfILMinRankImg::OutOfMemory()
+{
     return Fail(0x10001, "%s ERROR: insufficient memory space\n", GetClassNameW());
 }
 
-void vfILMinRankImg::MinRank8()
+bool vfILMinRankImg::MinRank8()
 {
-    RunRankExtremes<ByteFormats>(*this, Run(), false, m_simdAvailable != 0);
+    return RunRankExtremes<ByteFormats>(*this, Run(), false, m_simdAvailable != 0);
 }
 
-void vfILMinRankImg::MinRank16()
+bool vfILMinRankImg::MinRank16()
 {
-    RunRankExtremes<WordFormats>(*this, Run(), false, m_simdAvailable != 0);
+    return RunRankExtremes<WordFormats>(*this, Run(), false, m_simdAvailable != 0);
 }

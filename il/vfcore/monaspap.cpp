@@ -20,6 +20,8 @@ namespace {
 
 /// What the scratch of a band should not exceed, so that it stays in the cache.
 constexpr std::int64_t kBandBytes = std::int64_t{256} << 10;
+/// What is read between two questions for the interruption.
+constexpr long kReadBytes = 1L << 22;
 /// A band has at least so many times the kernel's rows: what neighbouring bands both read stays small.
 constexpr std::int64_t kKernelsInBand = 8;
 
@@ -49,6 +51,12 @@ vfILWindowRun BandOf(const vfILWindowRun& whole, long first, long rows)
     return band;
 }
 
+bool IsEdgeMode(vfILEdgeMode mode)
+{
+    return mode == VFIL_EDGE_COLOR || mode == VFIL_EDGE_WRAP || mode == VFIL_EDGE_CLAMP ||
+           mode == VFIL_EDGE_MIRROR;
+}
+
 } // namespace
 
 const wchar_t* const vfILMonadicSpatialProc::m_ClassName = L"vfILMonadicSpatialProc";
@@ -73,8 +81,8 @@ vfILStatus vfILMonadicSpatialProc::Verify()
     if (!IsRadiusValid()) {
         return Fail(0x10023, "%s ERROR Verify: Kernel radius is not in valid range\n", GetClassNameW());
     }
-    if (m_edgeMode < VFIL_EDGE_COLOR || m_edgeMode > VFIL_EDGE_MIRROR) {
-        return Fail(0x10020, "%s ERROR Verify: Edge mode handling is unknown\n", GetClassNameW());
+    if (!IsEdgeMode(m_edgeMode)) {
+        return Fail(0x10020, GetClassNameW());
     }
     if (m_edgeMode == VFIL_EDGE_COLOR && m_edgeColor.Verify() != 1) {
         return Fail(0x10048, "%s ERROR Verify: Edge padding color is invalid\n", GetClassNameW());
@@ -86,7 +94,7 @@ vfILStatus vfILMonadicSpatialProc::VerifyFrame(const wchar_t* className)
 {
     if (vfILMonadicSpatialProc::Verify() != VFIL_SUCCESS) return VFIL_FAILURE;
     if (PointFormats::Contains(OutputFormat())) return VFIL_SUCCESS;
-    return Fail(0x1000D, "%s ERROR Verify: Invalid image format \n", className);
+    return Fail(0x1000D, className);
 }
 
 bool vfILMonadicSpatialProc::IsRadiusValid() const
@@ -195,7 +203,7 @@ bool vfILMonadicSpatialProc::PrepareInputRows(bool shared)
     m_run.input = std::exchange(m_run.windows, {});
     m_run.inputSize = vfILVector2l(read.GetSizeX(), read.GetSizeY());
     if (shared) {
-        ReadWindow(input, read, EdgeRuleOf(*this), m_simdAvailable != 0, m_run.input.first);
+        Read(read, m_run.input.first);
     } else {
         m_run.input = input.Walk(0, 0);
     }
@@ -224,11 +232,25 @@ bool vfILMonadicSpatialProc::AllocateScratch(std::int64_t rowBytes, std::int64_t
 /// Reads what the windows of some effect rows cover to the scratch.
 void vfILMonadicSpatialProc::FillScratch(long firstRow, long rows)
 {
-    const ImageView input(GetInputImg());
     const vfILBbox2l& whole = m_run.windowBox;
     const vfILBbox2l window(whole.GetOffsetX(), whole.GetOffsetY() + firstRow, whole.GetSizeX(),
                             rows + m_run.kernelHeight - 1);
-    ReadWindow(input, window, EdgeRuleOf(*this), m_simdAvailable != 0, m_run.windows.first);
+    Read(window, m_run.windows.first);
+}
+
+/// Reads a window, in parts between which an interruption stops the run.
+void vfILMonadicSpatialProc::Read(const vfILBbox2l& window, unsigned char* to)
+{
+    const ImageView input(GetInputImg());
+    const EdgeRule edge = EdgeRuleOf(*this);
+    const long rowBytes = window.GetSizeX() * input.RowPixelBytes();
+    const long rows = std::max(kReadBytes / rowBytes, 1L);
+    for (long first = 0; first < window.GetSizeY() && !m_run.stopped; first += rows) {
+        if (first != 0) m_run.stopped = MustInterrupt() != 0;
+        const long count = std::min(rows, window.GetSizeY() - first);
+        ReadWindow(input, {window.GetOffsetX(), window.GetOffsetY() + first, window.GetSizeX(), count}, edge,
+                   m_simdAvailable != 0, to + std::ptrdiff_t{first} * rowBytes);
+    }
 }
 
 /// Selects the treated rows of the process box.
@@ -246,7 +268,7 @@ vfILStatus vfILMonadicSpatialProc::ProcessData()
 {
     FillOutput(m_validBox, m_outputBox, GetDefaultColor());
     FillOutput(m_maskedBox, m_validOutBox, m_run.source, m_run.sourceStride);
-    if (m_effectBox.IsNull()) return VFIL_SUCCESS;
+    if (m_effectBox.IsNull() || m_run.stopped) return VFIL_SUCCESS;
     return m_bandRows == m_effectBox.GetSizeY() ? DoEffect() : DoEffectInBands();
 }
 
@@ -259,7 +281,7 @@ vfILStatus vfILMonadicSpatialProc::DoEffectInBands()
         m_run = BandOf(whole, row, std::min(m_bandRows, height - row));
         SelectFieldRows();
         FillScratch(row, m_run.processBox.GetSizeY());
-        status = DoEffect();
+        if (!m_run.stopped) status = DoEffect();
     }
     return status;
 }

@@ -3,8 +3,6 @@
 
 #include "il/loops/morph/morphrun.h"
 
-#include <new>
-
 using namespace vfil;
 
 const wchar_t* const vfILMorphologicalProc::m_ClassName = L"vfILMorphologicalProc";
@@ -21,15 +19,16 @@ const wchar_t* vfILMorphologicalProc::GetClassNameW() const
 vfILStatus vfILMorphologicalProc::Verify()
 {
     if (VerifyFrame(GetClassNameW()) != VFIL_SUCCESS) return VFIL_FAILURE;
-    const bool known = m_type >= VFIL_STRUCT_RECTANGLE && m_type <= VFIL_STRUCT_CUSTOM;
+    const bool known =
+        m_type == VFIL_STRUCT_RECTANGLE || m_type == VFIL_STRUCT_ELLIPSE || m_type == VFIL_STRUCT_CUSTOM;
     if (!known || (m_type == VFIL_STRUCT_CUSTOM && m_element == nullptr)) {
-        return Fail(0x1005B, "%s:ERROR in Verify(): Invalid structural type specified\n", GetClassNameW());
+        return Fail(0x1005B, GetClassNameW());
     }
     if (m_mode != 1 && m_mode != 2) {
-        return Fail(0x1005D, "%s:ERROR in Verify(): Invalid morphological mode specified\n", GetClassNameW());
+        return Fail(0x1005D, GetClassNameW());
     }
     if (m_dontCareCount >= 1) {
-        return Fail(0x1005E, "%s:ERROR in Verify(): Too many don't care pixels specified\n", GetClassNameW());
+        return Fail(0x1005E, GetClassNameW());
     }
     return VFIL_SUCCESS;
 }
@@ -68,34 +67,44 @@ vfILMorphologyMode vfILMorphologicalProc::GetMode() const
     return m_mode;
 }
 
+/// A large rectangle or ellipse says no more of the picture than a window of about its size.
+vfILStatus vfILMorphologicalProc::PrepareData()
+{
+    const vfILVector2l radius = WholeRadius();
+    return PrepareWindows(m_type == VFIL_STRUCT_CUSTOM ? radius : TaughtRadius(WindowGround(*this), radius));
+}
+
 vfILStatus vfILMorphologicalProc::BuildStructuringElement(Element& element)
-try {
-    const vfILWindowRun& run = Run();
+{
+    const vfILVector2l radius = WholeRadius();
+    const vfILVector2l window(Run().radiusX, Run().radiusY);
+    WindowShape& shape = element.shape;
+    bool done = true;
     if (m_type == VFIL_STRUCT_CUSTOM && m_element != nullptr) {
-        element.runs = NonZeroRuns(m_element, run.kernelWidth, run.kernelHeight);
+        done = shape.SetEntries(m_element, window);
     } else if (m_type == VFIL_STRUCT_RECTANGLE) {
-        if (m_fill != 0) element.runs = RectangleRuns(run.kernelWidth, run.kernelHeight);
+        if (m_fill != 0) done = shape.SetRectangle(window);
     } else if (m_type == VFIL_STRUCT_ELLIPSE) {
         if (m_fill != 0)
-            element.runs = EllipseRuns(static_cast<double>(run.radiusX), static_cast<double>(run.radiusY));
+            done = shape.SetEllipse(static_cast<double>(radius[0]), static_cast<double>(radius[1]), window);
     } else {
         return Fail(0x1005D, "%s:ERROR BuildStructuringElement: Invalid structural type specified\n",
                     GetClassNameW());
     }
-    return VFIL_SUCCESS;
-} catch (const std::bad_alloc&) {
+    if (done) return VFIL_SUCCESS;
     return Fail(0x10001, "%s:ERROR BuildStructuringElement: insufficient memory space\n", GetClassNameW());
 }
 
 vfILStatus vfILMorphologicalProc::WriteExtremes(bool largest, const vfILProcessor& polled)
-try {
+{
     Element element;
     if (BuildStructuringElement(element) != VFIL_SUCCESS) return VFIL_FAILURE;
+    bool done = true;
     PointFormats::Visit(OutputFormat(), [&](auto format) {
-        RunExtremes<decltype(format)>(polled, Run(), element.runs,
-                                      {largest, m_simdAvailable != 0, Run().streaming}, [](long, auto*) {});
+        done = RunExtremes<decltype(format)>(polled, Run(), element.shape,
+                                             {largest, m_simdAvailable != 0, Run().streaming},
+                                             [](long, auto*) {});
     });
-    return VFIL_SUCCESS;
-} catch (const std::bad_alloc&) {
+    if (done) return VFIL_SUCCESS;
     return Fail(0x10001, "%s:ERROR DoEffect: insufficient memory space\n", GetClassNameW());
 }

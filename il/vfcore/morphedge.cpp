@@ -3,7 +3,6 @@
 
 #include "il/loops/morph/morphrun.h"
 
-#include <new>
 #include <utility>
 
 using namespace vfil;
@@ -61,9 +60,10 @@ vfILStatus vfILMorphologicalEdge::Verify()
 }
 
 vfILStatus vfILMorphologicalEdge::DoEffect()
-try {
+{
     Element element;
     if (BuildStructuringElement(element) != VFIL_SUCCESS) return VFIL_FAILURE;
+    bool done = true;
     PointFormats::Visit(OutputFormat(), [&](auto format) {
         using Format = decltype(format);
         using Sample = typename Format::Sample;
@@ -73,9 +73,9 @@ try {
             for (long i = 0, count = samples; i < count; ++i)
                 results[i] = static_cast<Sample>(std::max(results[i], input[i]) - input[i]);
         };
-        RunExtremes<Format>(*this, Run(), element.runs, {true, m_simdAvailable != 0, false}, subtractInput);
+        done = RunExtremes<Format>(*this, Run(), element.shape, {true, m_simdAvailable != 0, false},
+                                   subtractInput);
     });
-    return VFIL_SUCCESS;
-} catch (const std::bad_alloc&) {
+    if (done) return VFIL_SUCCESS;
     return Fail(0x10001, "%s:ERROR DoEffect: insufficient memory space\n", GetClassNameW());
 }

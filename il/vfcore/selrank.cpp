@@ -5,8 +5,6 @@
 
 #include <vfil/rank.h>
 
-#include <new>
-
 using namespace vfil;
 
 const wchar_t* const vfILSelectiveRankImg::m_ClassName = L"vfILSelectiveRankImg";
@@ -26,7 +24,7 @@ vfILStatus vfILSelectiveRankImg::Verify()
 {
     if (VerifyFrame(GetClassNameW()) != VFIL_SUCCESS) return VFIL_FAILURE;
     if (!(m_threshold >= 0 && m_threshold <= 1)) {
-        return Fail(0x10046, "%s ERROR Verify: Threshold is not in range [0..1]\n", GetClassNameW());
+        return Fail(0x10046, GetClassNameW());
     }
     return VFIL_SUCCESS;
 }
@@ -42,20 +40,18 @@ double vfILSelectiveRankImg::GetThreshold() const
 }
 
 vfILStatus vfILSelectiveRankImg::DoEffect()
-try {
-    Process8();
-    Process16();
-    return VFIL_SUCCESS;
-} catch (const std::bad_alloc&) {
+{
+    if (Process8() && Process16()) return VFIL_SUCCESS;
     return Fail(0x10001, "%s ERROR: insufficient memory space\n", GetClassNameW());
 }
 
-void vfILSelectiveRankImg::Process8()
+bool vfILSelectiveRankImg::Process8()
 {
-    RunMedians<ByteFormats>(*this, Run(), {RoundHalfAway(m_threshold * 255.0), m_simdAvailable != 0});
+    return RunMedians<ByteFormats>(*this, Run(), {RoundHalfAway(m_threshold * 255.0), m_simdAvailable != 0});
 }
 
-void vfILSelectiveRankImg::Process16()
+bool vfILSelectiveRankImg::Process16()
 {
-    RunMedians<WordFormats>(*this, Run(), {RoundHalfAway(m_threshold * 65535.0), m_simdAvailable != 0});
+    return RunMedians<WordFormats>(*this, Run(),
+                                   {RoundHalfAway(m_threshold * 65535.0), m_simdAvailable != 0});
 }

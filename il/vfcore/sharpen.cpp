@@ -22,18 +22,6 @@ bool HasImageFactory()
     return true;
 }
 
-/// Puts the sharpened sample where the result so far is an edge, and the centre elsewhere. Both are read
-/// before the choice, so that the loop becomes one of vectors.
-template <class Sample>
-void TakeAtEdges(const Sample* sharpened, const Sample* centres, Sample* results, std::size_t samples)
-{
-    for (std::size_t i = 0; i < samples; ++i) {
-        const Sample sharp = sharpened[i];
-        const Sample centre = centres[i];
-        results[i] = results[i] != 0 ? sharp : centre;
-    }
-}
-
 } // namespace
 
 const wchar_t* const vfILSharpenImg::m_ClassName = L"vfILSharpenImg";
@@ -58,14 +46,14 @@ vfILStatus vfILSharpenImg::Verify()
         return Fail(0x10001, "%s ERROR Verify: Cannot get the image factory\n", GetClassNameW());
     }
     if (m_type != VFIL_SHARPEN_PLAIN && m_type != VFIL_SHARPEN_EDGES) {
-        return Fail(0x10025, "%s ERROR Verify: Type of sharpening is unknown\n", GetClassNameW());
+        return Fail(0x10025, GetClassNameW());
     }
     if (!(m_degree >= 0 && m_degree <= 1)) {
         return Fail(0x10026, "%s ERROR Verify: Degree of sharpening is not in range [0..1]\n",
                     GetClassNameW());
     }
     if (!(m_edgeSensitivity >= 0 && m_edgeSensitivity <= 1)) {
-        return Fail(0x1002A, "%s ERROR Verify: Edge sensitivity is not in range [0..1]\n", GetClassNameW());
+        return Fail(0x1002A, GetClassNameW());
     }
     return VFIL_SUCCESS;
 }
@@ -123,27 +111,10 @@ vfILStatus vfILSharpenImg::Esharpen()
     everywhere.channels = VFIL_MODE_RGBA;
     if (SinglePassConvolve(everywhere, m_runKernel) != VFIL_SUCCESS) return VFIL_FAILURE;
     Run().stopped = everywhere.stopped;
-    if (!everywhere.stopped) SelectEdges(everywhere.output);
+    if (!everywhere.stopped)
+        SelectAtEdges({*this, Run(), OutputFormat(), m_simdAvailable != 0}, everywhere.output,
+                      m_edgeSensitivity);
     return VFIL_SUCCESS;
-}
-
-void vfILSharpenImg::SelectEdges(const vfILRowWalk& sharpened)
-{
-    PointFormats::Visit(OutputFormat(), [&](auto format) {
-        using Format = decltype(format);
-        using Sample = typename Format::Sample;
-        vfILWindowRun& run = Run();
-        vfILRowWalk corners = run.centres; // of the windows of 3 x 3
-        corners.first -= corners.step + std::ptrdiff_t{sizeof(Sample)} * Format::kChannels;
-        const auto findEdges = FindEdgeRow<Sample>(m_simdAvailable != 0, EdgeOp::Sobel);
-        const auto threshold = ThresholdOf<Sample>(m_edgeSensitivity, 0.0);
-        const auto samples = static_cast<std::size_t>(run.processBox.GetSizeX() * Format::kChannels);
-        RunWindowRows<Format>(*this, run, [&](long row, Sample* results) {
-            findEdges(WindowsOfRow<Format>(corners, row), results, samples, threshold);
-            TakeAtEdges(RowOf<const Sample>(sharpened, row), RowOf<const Sample>(run.centres, row), results,
-                        samples);
-        });
-    });
 }
 
 int vfILSharpenImg::IsKernelSeparable()

@@ -106,6 +106,31 @@ struct Filling {
     }
 };
 
+std::size_t PixelsOf(const ImageView& output)
+{
+    return static_cast<std::size_t>(output.width);
+}
+
+void Convert8_YCC4222CbYCrY(FillKeyRow convert, const ImageView& fill, const ImageView& output, long row)
+{
+    convert(RowBeside(fill, row), output.Pixel(0, row), PixelsOf(output));
+}
+
+void Convert8_YCC4222Alpha(FillKeyRow convert, const ImageView& key, const ImageView& output, long row)
+{
+    convert(RowBeside(key, row), output.PlanePixel(0, row), PixelsOf(output));
+}
+
+void FillCbYCrY(const Filling& filling, const ImageView& output, long row)
+{
+    filling.FillOrCopy(output.Pixel(0, 0), output.Pixel(0, row), 2 * PixelsOf(output));
+}
+
+void FillAlpha(const Filling& filling, const ImageView& output, long row)
+{
+    filling.FillOrCopy(output.PlanePixel(0, 0), output.PlanePixel(0, row), PixelsOf(output));
+}
+
 } // namespace
 
 void vfILYCCYCC2YCCA::Convert8_YCCYCC2YCCA()
@@ -114,27 +139,23 @@ void vfILYCCYCC2YCCA::Convert8_YCCYCC2YCCA()
     const ImageView key(m_inputImgB);
     const ImageView output(GetOutputImg());
     const bool vectors = m_simdAvailable != 0;
-    const FillKeyRow Convert8_YCC4222CbYCrY = FindColourRow({fill.format->chromaFirst, vectors, m_streaming});
-    const FillKeyRow Convert8_YCC4222Alpha =
-        FindKeyToAlphaRow({key.format->chromaFirst, vectors, m_streaming});
+    const FillKeyRow fromFill = FindColourRow({fill.format->chromaFirst, vectors, m_streaming});
+    const FillKeyRow fromKey = FindKeyToAlphaRow({key.format->chromaFirst, vectors, m_streaming});
     ColourPixel color; // [Cb Y Cr Y A]
     color.Set(*output.format, m_fillColor);
-    const Filling FillCbYCrY{color.bytes, 4, vectors, m_streaming};
-    const Filling FillAlpha{color.bytes + 4, 1, vectors, m_streaming};
+    const Filling colour{color.bytes, 4, vectors, m_streaming};
+    const Filling alpha{color.bytes + 4, 1, vectors, m_streaming};
 
-    const auto pixels = static_cast<std::size_t>(output.width);
     ForEachRow(*this, output.height, [&](long row) {
-        unsigned char* colour = output.Pixel(0, row);
-        unsigned char* alpha = output.PlanePixel(0, row);
         if (fill.HasPixels()) {
-            Convert8_YCC4222CbYCrY(RowBeside(fill, row), colour, pixels);
+            Convert8_YCC4222CbYCrY(fromFill, fill, output, row);
         } else {
-            FillCbYCrY.FillOrCopy(output.Pixel(0, 0), colour, 2 * pixels);
+            FillCbYCrY(colour, output, row);
         }
         if (key.HasPixels()) {
-            Convert8_YCC4222Alpha(RowBeside(key, row), alpha, pixels);
+            Convert8_YCC4222Alpha(fromKey, key, output, row);
         } else {
-            FillAlpha.FillOrCopy(output.PlanePixel(0, 0), alpha, pixels);
+            FillAlpha(alpha, output, row);
         }
     });
 }

@@ -93,19 +93,35 @@ vfILStatus vfILYCCA2YCCYCC::CleanData()
     return VFIL_SUCCESS;
 }
 
+namespace {
+
+/// A row of the picture's 4:2:2 part to the fill, when there is one.
+void Convert8_CbYCr2YCC422(FillKeyRow convert, const ImageView& input, const ImageView& fill, long row)
+{
+    if (!fill.HasPixels()) return;
+    convert(input.Pixel(0, row), RowBeside(fill, row), static_cast<std::size_t>(input.width));
+}
+
+/// A row of the alpha plane to the key, when there is one.
+void Convert8_Alpha2YCC422(FillKeyRow convert, const ImageView& input, const ImageView& key, long row)
+{
+    if (!key.HasPixels()) return;
+    convert(input.PlanePixel(0, row), RowBeside(key, row), static_cast<std::size_t>(input.width));
+}
+
+} // namespace
+
 void vfILYCCA2YCCYCC::Convert8_YCCA2YCCYCC()
 {
     const ImageView input(m_inputImg);
     const ImageView fill(m_outputImgA);
     const ImageView key(m_outputImgB);
     const bool vectors = m_simdAvailable != 0;
-    const FillKeyRow Convert8_CbYCr2YCC422 = FindColourRow({fill.format->chromaFirst, vectors, m_streaming});
-    const FillKeyRow Convert8_Alpha2YCC422 =
-        FindAlphaToKeyRow({key.format->chromaFirst, vectors, m_streaming});
-    const auto pixels = static_cast<std::size_t>(input.width);
+    const FillKeyRow toFill = FindColourRow({fill.format->chromaFirst, vectors, m_streaming});
+    const FillKeyRow toKey = FindAlphaToKeyRow({key.format->chromaFirst, vectors, m_streaming});
     ForEachRow(*this, input.height, [&](long row) {
-        if (fill.HasPixels()) Convert8_CbYCr2YCC422(input.Pixel(0, row), RowBeside(fill, row), pixels);
-        if (key.HasPixels()) Convert8_Alpha2YCC422(input.PlanePixel(0, row), RowBeside(key, row), pixels);
+        Convert8_CbYCr2YCC422(toFill, input, fill, row);
+        Convert8_Alpha2YCC422(toKey, input, key, row);
     });
 }
 

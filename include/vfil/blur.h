@@ -51,15 +51,18 @@ public:
     void SetRadiusNormalizedForBlurType(float rx, float ry);
 
 private:
+    vfILVector2l KernelRadius() const;
     vfILStatus BuildKernel();
+    vfILStatus NoKernel();
     void FreeKernel();
-    void FillDisc(float* kernel) const;
+    void FillDisc(float* kernel, std::size_t weights) const;
     bool FillGauss(float* kernel) const;
     bool IsConvolutionFasterThanFastGauss() const;
     bool IsGauss() const;
+    bool HasKernel() const;
     bool IsRecursive() const;
-    vfILStatus BlurBox();
-    vfILStatus BlurRecursively();
+    bool BlurBox();
+    bool BlurRecursively();
 
     vfILBlurType m_type = VFIL_BLUR_DISC;
     float m_degree = 1;

@@ -49,7 +49,7 @@ public:
 protected:
     const vfILConvertRun& Run() const { return m_run; }
     /// The format of the input; all zero without one.
-    GUID InputFormat() const;
+    vfILGuid InputFormat() const;
 
     std::array<std::uint8_t, 4> m_color8{};   ///< where GetConvertedColor leaves 8-bit samples
     std::array<std::uint16_t, 4> m_color16{}; ///< and 16-bit ones

@@ -80,7 +80,7 @@ public:
     unsigned long GetDirection() const;
 
 private:
-    std::uint32_t m_directions = VFIL_DIRECTION_EAST;
+    unsigned long m_directions = VFIL_DIRECTION_EAST;
     static const wchar_t* const m_ClassName;
     const wchar_t* GetClassNameW() const;
 };
@@ -100,7 +100,7 @@ public:
     unsigned long GetDirection() const;
 
 private:
-    std::uint32_t m_directions = VFIL_DIRECTION_EAST;
+    unsigned long m_directions = VFIL_DIRECTION_EAST;
     static const wchar_t* const m_ClassName;
     const wchar_t* GetClassNameW() const;
 };
@@ -212,7 +212,6 @@ public:
 private:
     vfILStatus BuildKernel(const vfILVector2l& windowRadius);
     vfILStatus Esharpen();
-    void SelectEdges(const vfILRowWalk& sharpened);
 
     vfILSharpenType m_type = VFIL_SHARPEN_PLAIN;
     float m_degree = 1;

@@ -112,7 +112,7 @@ protected:
                               unsigned short& oR, unsigned short& oG, unsigned short& oB, unsigned short& oA);
 
     /// The output's format; all zero without an output.
-    GUID OutputFormat() const;
+    vfILGuid OutputFormat() const;
     IPXImage* GetMaskImg() const;
 
     /// 1 when the first processed row has an even y. Set by PrepareData.

@@ -31,7 +31,7 @@ public:
 
     /// A rectangle or an ellipse. With a fill of 0 the element is empty, and the output is the input.
     ///
-    /// \param rx,ry     As in SetRadius; the element takes the whole parts.
+    /// \param rx        As in SetRadius, and so is \p ry; the element takes the whole parts.
     /// \param dontCare  A count that Verify wants below 1.
     /// \param further   Stored, of no effect.
     void SetStructuringElement(vfILStructuralType type, long fill, float rx, float ry, long dontCare,
@@ -50,6 +50,7 @@ protected:
     class Element; ///< the element's shape in a run
     class Stage;   ///< an operator within an operator
 
+    vfILStatus PrepareData() override;
     /// What the type and the radii say. Fails with 0x1005D for an unknown type, and with 0x10001.
     vfILStatus BuildStructuringElement(Element& element);
     /// Writes the smallest or the largest samples below the element. The interrupt is \p polled's.

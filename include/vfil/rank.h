@@ -17,12 +17,14 @@ public:
     vfILStatus Verify() override;
 
 protected:
+    vfILStatus PrepareData() override;
     vfILStatus DoEffect() override;
 
 private:
-    // Each treats the pictures of its samples' size, and leaves the others alone.
-    void MaxRank8();
-    void MaxRank16();
+    // Each treats the pictures of its samples' size, and leaves the others alone. False when memory is short.
+    bool MaxRank8();
+    bool MaxRank16();
+    vfILStatus OutOfMemory();
 
     static const wchar_t* const m_ClassName;
     const wchar_t* GetClassNameW() const;
@@ -36,12 +38,14 @@ public:
     vfILStatus Verify() override;
 
 protected:
+    vfILStatus PrepareData() override;
     vfILStatus DoEffect() override;
 
 private:
-    // Each treats the pictures of its samples' size, and leaves the others alone.
-    void MinRank8();
-    void MinRank16();
+    // Each treats the pictures of its samples' size, and leaves the others alone. False when memory is short.
+    bool MinRank8();
+    bool MinRank16();
+    vfILStatus OutOfMemory();
 
     static const wchar_t* const m_ClassName;
     const wchar_t* GetClassNameW() const;
@@ -60,9 +64,9 @@ protected:
     vfILStatus DoEffect() override;
 
 private:
-    // Each treats the pictures of its samples' size, and leaves the others alone.
-    void MedianRank8();
-    void MedianRank16();
+    // Each treats the pictures of its samples' size, and leaves the others alone. False when memory is short.
+    bool MedianRank8();
+    bool MedianRank16();
 
     static const wchar_t* const m_ClassName;
     const wchar_t* GetClassNameW() const;
@@ -84,9 +88,9 @@ protected:
     vfILStatus DoEffect() override;
 
 private:
-    // Each treats the pictures of its samples' size, and leaves the others alone.
-    void Process8();
-    void Process16();
+    // Each treats the pictures of its samples' size, and leaves the others alone. False when memory is short.
+    bool Process8();
+    bool Process16();
 
     double m_threshold = 0.1;
     static const wchar_t* const m_ClassName;

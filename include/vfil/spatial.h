@@ -63,7 +63,7 @@ protected:
     vfILStatus ProcessData() override;
     vfILStatus CleanData() override;
     /// For the PrepareData of a leaf whose windows have other radii than SetRadius says: PrepareData is this
-    /// with WholeRadius(). Negative radii fail without a code, as Verify had to refuse them.
+    /// with WholeRadius(). Negative radii fail with 0x10023.
     vfILStatus PrepareWindows(const vfILVector2l& radius);
     /// Computes Run().processBox, which is never null. Called once a run, or once a band: see AllowBands.
     virtual vfILStatus DoEffect() = 0;
@@ -124,6 +124,7 @@ private:
     bool PrepareInputRows(bool shared);
     bool AllocateScratch(std::int64_t rowBytes, std::int64_t rows, std::int64_t resultBytes);
     void FillScratch(long firstRow, long rows);
+    void Read(const vfILBbox2l& window, unsigned char* to);
     void SelectFieldRows();
     vfILStatus DoEffectInBands();
 

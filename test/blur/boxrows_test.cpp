@@ -4,6 +4,8 @@
 
 #include "support/rowcheck.h"
 
+#include <array>
+
 namespace vfil {
 namespace {
 
@@ -40,20 +42,22 @@ TEST(BoxRows, RowsAreThePlainForms)
                 const std::uint32_t height = pixels % 2 == 0 ? 1 + static_cast<std::uint32_t>(random() % 50)
                                                              : 16843009 / static_cast<std::uint32_t>(width);
                 std::vector<std::uint32_t> columns(channels + (pixels + width - 1) * channels + kColumnSlack);
-                for (std::size_t i = channels; i < columns.size(); ++i)
-                    columns[i] =
-                        height * (random() % 4 == 0 ? 255 : static_cast<std::uint32_t>(random() % 256));
+                std::array<std::uint32_t, 4> beyond{0 - height, height, 0, height / 2};
+                for (std::uint32_t& sum : columns)
+                    sum = height * (random() % 4 == 0 ? 254 : 1 + static_cast<std::uint32_t>(random() % 254));
                 auto scale = static_cast<std::uint32_t>(0xFFFFFFFF / (width * height));
                 if (pixels % 3 == 0) { // halves of small sums
                     scale = 0x80000000;
                     for (std::uint32_t& sum : columns)
                         sum %= 5;
+                    beyond = {3, 1, 0, 2};
                 }
                 PlacedRow<std::uint8_t> out(std::vector<std::uint8_t>(pixels * channels), pixels % 64, true);
                 PlacedRow<std::uint8_t> plain = out;
-                (BoxRowsAt(level).*member)(columns.data() + channels, width, scale, out.Data(), pixels);
-                (BoxRowsAt(Level::Plain).*member)(columns.data() + channels, width, scale, plain.Data(),
-                                                  pixels);
+                (BoxRowsAt(level).*member)(columns.data() + channels, width, beyond.data(), scale, out.Data(),
+                                           pixels);
+                (BoxRowsAt(Level::Plain).*member)(columns.data() + channels, width, beyond.data(), scale,
+                                                  plain.Data(), pixels);
                 ASSERT_EQ(out, plain) << "level " << static_cast<int>(level) << ", " << pixels << " pixels";
             }
         }

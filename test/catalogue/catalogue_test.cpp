@@ -3,8 +3,8 @@
 /// does.
 #include "catalogue/catalogue.h"
 #include "catalogue/names.h"
-#include "host/picture.h"
-#include "host/picturefactory.h"
+#include <vfil/host/picture.h>
+#include <vfil/host/picturefactory.h>
 
 #include <vfil/pixel.h>
 
@@ -121,66 +121,20 @@ TEST(Names, FollowTheLibrary)
 
 TEST(Catalogue, HasEveryOperatorOnce)
 {
-    std::vector<std::string> names;
+    std::string names;
     for (const Entry& entry : catalogue::Entries()) {
-        names.push_back(entry.name);
+        names += std::string(entry.name) + ' ';
         EXPECT_EQ(catalogue::Find(entry.name), &entry);
         const std::string rule = catalogue::CommandName(entry.className);
         EXPECT_EQ(entry.alias.empty() ? entry.name : entry.alias, rule);
         EXPECT_EQ(catalogue::Find(rule), &entry);
     }
-    const std::vector<std::string> expected = {"over",
-                                               "in",
-                                               "out",
-                                               "atop",
-                                               "xor",
-                                               "add",
-                                               "add-no-clip",
-                                               "diff",
-                                               "mult",
-                                               "lighter",
-                                               "darker",
-                                               "lum",
-                                               "col",
-                                               "non-add",
-                                               "inv-non-add",
-                                               "composite",
-                                               "invert",
-                                               "copy",
-                                               "grayscale",
-                                               "blur",
-                                               "convolve",
-                                               "sharpen",
-                                               "gradient",
-                                               "emboss",
-                                               "roberts",
-                                               "sobel",
-                                               "laplace",
-                                               "max-rank",
-                                               "min-rank",
-                                               "median-rank",
-                                               "selective-rank",
-                                               "erode",
-                                               "dilate",
-                                               "open",
-                                               "close",
-                                               "morphological-edge",
-                                               "rgba2ycca",
-                                               "bgra2ycca",
-                                               "dib2ycca",
-                                               "ycca2rgba",
-                                               "ycca2bgra",
-                                               "16to8",
-                                               "8to16",
-                                               "rgba2hlsa",
-                                               "hlsa2rgba",
-                                               "rgb2rgba",
-                                               "rgba2bgra",
-                                               "rgba2alpha",
-                                               "split-key",
-                                               "join-key",
-                                               "2tap-iir"};
-    EXPECT_EQ(names, expected);
+    EXPECT_EQ(names,
+              "over in out atop xor add add-no-clip diff mult lighter darker lum col non-add inv-non-add "
+              "composite invert copy grayscale blur convolve sharpen gradient emboss roberts sobel laplace "
+              "max-rank min-rank median-rank selective-rank erode dilate open close morphological-edge "
+              "rgba2ycca bgra2ycca dib2ycca ycca2rgba ycca2bgra 16to8 8to16 rgba2hlsa hlsa2rgba rgb2rgba "
+              "rgba2bgra rgba2alpha split-key join-key 2tap-iir ");
 }
 
 TEST(Operator, PlainArithmeticIsAFlagOfItsProcessor)
@@ -191,7 +145,7 @@ TEST(Operator, PlainArithmeticIsAFlagOfItsProcessor)
     catalogue::OperatorOf<Probe> plain(false);
     catalogue::OperatorOf<Probe> usual(true);
     EXPECT_EQ(static_cast<Probe&>(plain.Processor()).SimdFlag(), 0);
-    EXPECT_EQ(static_cast<Probe&>(usual.Processor()).SimdFlag(), Probe().SimdFlag());
+    EXPECT_EQ(static_cast<Probe&>(usual.Processor()).SimdFlag(), 1);
 }
 
 TEST(EachEntry, FormatsAreThoseOfVerify)

@@ -96,12 +96,6 @@ TEST(ConvertFrame, AColourIsAPixelOfTheOutput)
             }
 }
 
-int g_pollsLeft = 0;
-int StopAfterPolls()
-{
-    return --g_pollsLeft < 0;
-}
-
 TEST(ConvertFrame, AnInterruptLeavesTheLaterRows)
 {
     std::mt19937 random(3);
@@ -140,12 +134,16 @@ TEST(ConvertFrame, AnInterruptLeavesTheLaterRows)
 TEST(ConvertFrame, WithoutVerifyNothingIsWrittenThatDoesNotFit)
 {
     GuardedImage in(PXFormat_RGBA32, 4, 3), rgba(PXFormat_RGBA32, 4, 3), none(PXFormat_RGBA32, 0, 2);
-    GuardedImage noYcc(PXFormat_YUV422_709, 0, 2);
+    GuardedImage noYcc(PXFormat_YUV422_709, 0, 2), ycc(PXFormat_YCCA32, 4, 3);
     vfILRGBA2YCCA p;
     Connect(p, &in, nullptr, &rgba);
     EXPECT_EQ(p.Execute(), VFIL_FAILURE) << "an output that is not YCC";
     EXPECT_EQ(p.GetLastError().GetErrorCode(), 0x1000DU);
     EXPECT_EQ(Mismatch(Bytes(48, 0), rgba), "");
+    Connect(p, &in, nullptr, &ycc);
+    p.SetROI({0, 1, 4, 2});
+    EXPECT_EQ(p.Execute(), VFIL_FAILURE) << "a part of a top-down output";
+    p.SetROI({0, 0, 4, 3});
     Connect(p, &none, nullptr, &noYcc);
     EXPECT_EQ(p.Execute(), VFIL_SUCCESS) << "no pixels";
     EXPECT_TRUE(noYcc.AreGuardsIntact());

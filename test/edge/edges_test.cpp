@@ -162,12 +162,18 @@ TEST(Edges, VerifyChecksInOrder)
     const struct {
         unsigned long code;
         Settings by;
-    } cases[] = {{0, {Filter::Gradient, 255, 0, 1}},        {0x10028, {Filter::Gradient, 0, kNaN, 2}},
-                 {0x10028, {Filter::Gradient, 256, 1, 0}},  {0x1002A, {Filter::Gradient, 1, -0.01, kNaN}},
-                 {0x1002A, {Filter::Gradient, 1, kNaN, 0}}, {0x10029, {Filter::Gradient, 1, 1, 1.01}},
-                 {0x10028, {Filter::Emboss, 0x101}},        {0, {Filter::Emboss, 128, kNaN, kNaN}},
-                 {0x10029, {Filter::Sobel, 1, 2, kNaN}},    {0x1002A, {Filter::SobelAngle, 1, 1e300, 0}},
-                 {0x10029, {Filter::Roberts, 1, 2, -1}},    {0x10029, {Filter::Diamond, 1, 2, 2}},
+    } cases[] = {{0, {Filter::Gradient, 255, 0, 1}},
+                 {0x10028, {Filter::Gradient, 0, kNaN, 2}},
+                 {0x10028, {Filter::Gradient, 0x100000001, 1, 0}},
+                 {0x1002A, {Filter::Gradient, 1, -0.01, kNaN}},
+                 {0x1002A, {Filter::Gradient, 1, kNaN, 0}},
+                 {0x10029, {Filter::Gradient, 1, 1, 1.01}},
+                 {0x10028, {Filter::Emboss, 0x100000001}},
+                 {0, {Filter::Emboss, 128, kNaN, kNaN}},
+                 {0x10029, {Filter::Sobel, 1, 2, kNaN}},
+                 {0x1002A, {Filter::SobelAngle, 1, 1e300, 0}},
+                 {0x10029, {Filter::Roberts, 1, 2, -1}},
+                 {0x10029, {Filter::Diamond, 1, 2, 2}},
                  {0x1002A, {Filter::Square, 1, kNaN, 1}}};
     GuardedImage picture(PXFormat_RGBA32, 4, 4), other(PXFormat_HLSA32, 4, 4);
     for (const auto& c : cases) {

@@ -3,7 +3,7 @@
 #include "support/allocations.h"
 #include "support/filterscene.h"
 
-#include "host/picturefactory.h"
+#include <vfil/host/picturefactory.h>
 
 #include <vfil/edges.h>
 

@@ -61,12 +61,6 @@ TEST(TwoTapIIR, RowsThenColumnsBothWays)
                 }
 }
 
-int g_rowsLeft = 0;
-int StopAfterRows()
-{
-    return --g_rowsLeft < 0;
-}
-
 TEST(TwoTapIIR, FailuresAndInterruption)
 {
     GuardedImage in(PXFormat_RGBA32, 5, 4), out(PXFormat_RGBA32, 5, 4), small(PXFormat_RGBA32, 4, 4);
@@ -93,8 +87,8 @@ TEST(TwoTapIIR, FailuresAndInterruption)
     p.SetAlphas(0.5, 1.0);
     p.SetInputImg(&in);
     p.SetOutputImg(&out);
-    g_rowsLeft = 2;
-    p.SetInterruptFct(StopAfterRows, nullptr);
+    g_pollsLeft = 2;
+    p.SetInterruptFct(StopAfterPolls, nullptr);
     EXPECT_EQ(p.Execute(), VFIL_SUCCESS);
     EXPECT_EQ(Mismatch(Model(in.Bytes(), 5, 4, 0.5, 1.0, 3), out), "") << "later rows as the input";
 }

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 
 namespace {
 
@@ -56,6 +57,12 @@ TEST(ColorMatrix, EachLeadsFromOneSpaceToTheOther)
     };
     for (const Case& c : cases)
         for (std::size_t i = 0; i < 16; ++i) {
+            // Such a coefficient stands in full range, where it is a whole number of the last decimal.
+            const bool studio = c.to == yccStudio || c.from == yccStudio;
+            const std::size_t component = c.to == kRgb ? i / 4 : i % 4;
+            const double span = (studio ? (component == 0 ? 219 : 224) : 255) / 255.;
+            const double units = 1e5 * c.matrix[i] * (c.to == kRgb ? span : 1 / span);
+            EXPECT_NEAR(units, std::round(units), c.tolerance == 1e-15 || i >= 12 ? 1 : 1e-9) << c.name << i;
             double sum = 0;
             for (std::size_t k = 0; k < 4; ++k)
                 sum += c.from[i / 4 * 4 + k] * c.matrix[4 * k + i % 4];

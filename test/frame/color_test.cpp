@@ -211,6 +211,13 @@ TEST(Color, NamesTravelThroughRecordsAndCopies)
     tagVFILCOLORSTRUCT record = color;
     const vfILColor copy = color;
     EXPECT_TRUE(color == record && vfILColor(record) == color);
+    for (const std::size_t i : {0, 1, 2, 3}) {
+        Values other = Rgba(color);
+        other[i] = 1;
+        vfILColor changed(other[0], other[1], other[2], other[3]);
+        changed.SetName(color.GetName());
+        EXPECT_TRUE(changed != color && changed != record) << "by component " << i;
+    }
     color.SetName(nullptr);
     EXPECT_STREQ(copy.GetName(), L"sea green");
     EXPECT_TRUE(color != copy && color != record && copy == record);

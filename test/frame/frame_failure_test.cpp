@@ -81,10 +81,10 @@ TEST(Failure, MissingPicturesAreNoticedWithoutVerify)
                 const bool one = kind <= kProbeMonadic, output = (missing & 2) != 0;
                 const unsigned long null = output ? 0x10002 : one ? 0x1000B : missing & 1 ? 0x10013 : 0x10014;
                 const unsigned long noPixels = null + (one || output ? 1 : 2);
-                EXPECT_EQ(processor->Execute(), VFIL_FAILURE) << "kind " << kind << " missing " << missing;
-                EXPECT_EQ(processor->GetLastError().GetErrorCode(), lack ? noPixels : null)
-                    << kind << missing;
-                EXPECT_EQ(Difference(before, out), "") << "kind " << kind << " missing " << missing;
+                SCOPED_TRACE(ClassOf(*processor) + " without " + std::to_string(missing));
+                EXPECT_EQ(processor->Execute(), VFIL_FAILURE);
+                EXPECT_EQ(processor->GetLastError().GetErrorCode(), lack ? noPixels : null);
+                EXPECT_EQ(Difference(before, out), "");
             }
 }
 
@@ -92,7 +92,7 @@ TEST(Failure, MissingPicturesAreNoticedWithoutVerify)
 TEST(Failure, UnverifiedRegionsAndMasksAreRefused)
 {
     GuardedImage in(PXFormat_RGBA32, 6, 6), out(PXFormat_RGBA32, 4, 4), mask(PXFormat_Mono8, 4, 4);
-    GuardedImage mask16(PXFormat_Mono16, 4, 4), empty(PXFormat_Mono16, 4, 4);
+    GuardedImage mask16(PXFormat_Mono16, 4, 4), empty(PXFormat_Mono16, 4, 4), wide(PXFormat_RGBA64, 4, 4);
     empty.SetFormat(&PXFormat_Mono8);
     const Snapshot before(out);
     struct Case {
@@ -123,6 +123,8 @@ TEST(Failure, UnverifiedRegionsAndMasksAreRefused)
             EXPECT_EQ(processor->Execute() == VFIL_SUCCESS, c.code == 0) << "case " << &c - cases;
             EXPECT_EQ(processor->GetLastError().GetErrorCode(), c.code) << "case " << &c - cases;
             EXPECT_EQ(Difference(before, out), "") << "case " << &c - cases;
+            Connect(*processor, &in, &wide, &wide);
+            EXPECT_EQ(processor->Execute(), VFIL_FAILURE) << "pixels of another size";
         }
 }
 
@@ -141,8 +143,9 @@ TEST(Failure, UnsuitableRunsLeaveTheOutputAlone)
             const Snapshot before(out);
             const auto processor = MakeProcessor(kind, false);
             Connect(*processor, &in, &in, &out);
-            EXPECT_EQ(processor->Execute(), VFIL_SUCCESS) << "kind " << kind;
-            EXPECT_EQ(Difference(before, out), "") << "kind " << kind << ' ' << FormatOf(format).name;
+            SCOPED_TRACE(ClassOf(*processor) + ' ' + FormatOf(format).name);
+            EXPECT_EQ(processor->Execute(), VFIL_SUCCESS);
+            EXPECT_EQ(Difference(before, out), "");
         }
 }
 

@@ -23,13 +23,14 @@ vfILBbox2l RandomBoxIn(std::mt19937& random, const vfILBbox2l& box)
             box.GetOffsetY() + RandomIn(random, 0, box.GetSizeY() - height), width, height};
 }
 
-// From a picture whose first pixel belongs at an origin.
+// From a picture whose first pixel belongs at an origin, or from a block of its rows.
 TEST(Fills, OutputIsFilledAroundTheExcludedBox)
 {
     std::mt19937 random(1);
     for (int round = 0; round < 2000; ++round) {
-        GuardedImage out(PXFormat_RGBA32, RandomIn(random, 1, 9), RandomIn(random, 1, 9));
-        GuardedImage source(PXFormat_RGBA32, RandomIn(random, 9, 90), RandomIn(random, 9, 12));
+        const FormatCase& format = kFormats[random() % kFormats.size()];
+        GuardedImage out(format.id, RandomIn(random, 1, 9), RandomIn(random, 1, 9));
+        GuardedImage source(format.id, RandomIn(random, 9, 90), RandomIn(random, 9, 12));
         out.Randomise(random);
         source.Randomise(random);
         const vfILBbox2l whole = RandomBoxIn(random, {0, 0, out.Width(), out.Height()});
@@ -37,6 +38,7 @@ TEST(Fills, OutputIsFilledAroundTheExcludedBox)
         const vfILVector2l origin(whole.GetOffsetX() - RandomIn(random, 0, 9 - whole.GetSizeX()),
                                   whole.GetOffsetY() - RandomIn(random, 0, 9 - whole.GetSizeY()));
         const bool premultiply = random() % 2;
+        const bool multiplies = premultiply && format.channels == 4 && format.pixelBytes == 4;
         Filler filler;
         filler.SetOutputImg(&out);
         filler.SetProcessingMode(VFIL_MODE_RGB | RandomFieldBits(random));
@@ -47,14 +49,22 @@ TEST(Fills, OutputIsFilledAroundTheExcludedBox)
                 const bool inBand = !(whole & place).IsNull() && (excluded & place).IsNull();
                 if (!inBand || !IsRowTreated(filler.GetProcessingMode(), y)) continue;
                 Pixel pixel = source.Get(x - origin[0], y - origin[1]);
-                for (std::size_t c = 0; premultiply && c < 3; ++c)
+                for (std::size_t c = 0; multiplies && c < 3; ++c)
                     pixel[c] = Arithmetic{255}.Product(pixel[c], pixel[3]);
                 expected.At(x, y) = pixel;
             }
         void* pixels = nullptr;
         source.GetPixelArray(&pixels);
-        filler.FillOutput(excluded, whole, &source, pixels, premultiply, origin);
-        ASSERT_EQ(Difference(expected, out), "") << "round " << round;
+        if (premultiply || format.Is('P') || random() % 2) {
+            filler.FillOutput(excluded, whole, &source, pixels, premultiply, origin);
+        } else {
+            const long width = whole.GetSizeX(), height = whole.GetSizeY();
+            std::vector<std::uint8_t> block(static_cast<std::size_t>(width * height * format.pixelBytes));
+            const vfILVector2l place = whole.GetOffset() - origin;
+            ASSERT_EQ(source.ReadRegion(block.data(), place[0], place[1], width, height), S_OK);
+            filler.FillOutput(excluded, whole, static_cast<void*>(block.data()), width * format.pixelBytes);
+        }
+        ASSERT_EQ(Difference(expected, out), "") << "round " << round << ' ' << format.name;
     }
 }
 

@@ -125,31 +125,35 @@ TEST(Helpers, ModePredicates)
     }
 }
 
-// A copy has the parameters and the pictures, but neither the mode nor the interruption nor the last error.
-TEST(Helpers, ACopyStartsWithItsOwnRoot)
+// Mode, interruption, last error and arithmetic are each processor's own, whatever it is a copy of.
+TEST(Helpers, ACopyKeepsItsOwnRoot)
 {
-    GuardedImage image(PXFormat_RGBA32, 3, 3);
-    vfILAtopImage atop, assigned;
-    volatile long flag = 1;
+    struct Open : vfILAtopImage {
+        using vfILAtopImage::m_simdAvailable;
+    };
+    GuardedImage image(PXFormat_RGBA32, 3, 4);
+    volatile long others = 0, own = 1;
+    Open atop, assigned;
+    atop.m_simdAvailable = 0;
     atop.SetProcessingMode(0xF);
-    atop.SetInterruptFct(nullptr, &flag);
+    atop.SetInterruptFct(nullptr, &others);
     atop.SetLastError(vfILError(0x10001));
-    atop.SetOutputImg(&image);
-    atop.SetInputOffset({4, 5});
-    atop.SetExtraTransparency(0.25);
-    atop.SetMask(1, 2, 3, 3, &image, PXImageChannel_ALPHA);
+    atop.SetMask(1, 2, 3, 4, &image, PXImageChannel_ALPHA);
+    assigned.SetProcessingMode(3);
+    assigned.SetInterruptFct(nullptr, &own);
+    assigned.SetLastError(vfILError(0x20001));
     assigned = atop;
-    vfILAtopImage copied(atop);
-    for (const vfILAtopImage* copy : {&assigned, &copied}) {
-        EXPECT_EQ(copy->GetProcessingMode(), 7U);
-        EXPECT_EQ(copy->MustInterrupt(), 0);
-        EXPECT_TRUE(copy->GetLastError().IsNoError());
-        EXPECT_EQ(copy->GetROI(), vfILBbox2l(0, 0, 3, 3));
-        EXPECT_EQ(copy->GetInputOffset(), vfILVector2l(4, 5));
-        EXPECT_EQ(copy->GetExtraTransparency(), 0.25);
-        PXImageChannel channel = PXImageChannel_MONO;
-        EXPECT_EQ(copy->GetMask(nullptr, &channel), vfILBbox2l(1, 2, 3, 3));
-        EXPECT_EQ(channel, PXImageChannel_ALPHA);
+    Open copied(atop);
+    others = 1;
+    EXPECT_EQ(copied.GetProcessingMode(), 7U);
+    EXPECT_EQ(copied.MustInterrupt(), 0);
+    EXPECT_TRUE(copied.GetLastError().IsNoError());
+    EXPECT_EQ(assigned.GetProcessingMode(), 3U);
+    EXPECT_EQ(assigned.MustInterrupt(), 1);
+    EXPECT_EQ(assigned.GetLastError().GetErrorCode(), 0x20001U);
+    for (const Open* copy : {&assigned, &copied}) {
+        EXPECT_EQ(copy->m_simdAvailable, 1) << "fast unless told otherwise";
+        EXPECT_EQ(copy->GetMask(nullptr, nullptr), vfILBbox2l(1, 2, 3, 4));
     }
 }
 

@@ -58,6 +58,7 @@ TEST(Box, SpecialBoxes)
     EXPECT_EQ(vfILBbox2l(0, 0, 5, 0).IsNull(), 1);
     EXPECT_EQ(vfILBbox2l(7, 8, -1, 9) | box, box);
     EXPECT_EQ(box | vfILBbox2l(7, 8, 9, -1), box);
+    EXPECT_EQ(vfILBbox2l(7, 8, -1, 9) | vfILBbox2l(1, 2, 3, 0), vfILBbox2l(1, 2, 3, 0)) << "both null";
     EXPECT_EQ(vfILBbox2l(0, 0, 0, 5) & box, vfILBbox2l(0, 0, 0, 0)) << "of a null box";
     EXPECT_EQ(box & vfILBbox2l(20, 30, 1, 1), vfILBbox2l(20, 30, 0, 0)) << "of boxes apart";
     EXPECT_EQ(vfILBbox2l(10, 20, kMax, kMax) & vfILBbox2l(0, 0, 50, 60), vfILBbox2l(10, 20, 40, 40));
@@ -80,6 +81,7 @@ TEST(Box, CommonPartHasThePixelsOfBothAndTheHullTheOuterEdges)
     const auto box = [&] { return vfILBbox2l(pick(-6, 6), pick(-6, 6), pick(1, 8), pick(1, 8)); };
     for (int round = 0; round < 4000; ++round) {
         const vfILBbox2l a = box(), b = box(), cut = a & b, hull = a | b;
+        ASSERT_TRUE((vfILBbox2l(a) &= b) == cut && (vfILBbox2l(a) |= b) == hull);
         for (long y = -8; y <= 16; ++y)
             for (long x = -8; x <= 16; ++x)
                 ASSERT_EQ(Has(cut, x, y), Has(a, x, y) && Has(b, x, y)) << "round " << round;

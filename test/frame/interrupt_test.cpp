@@ -19,10 +19,11 @@ int StopLater()
     return ++g_polls >= g_stopAtPoll;
 }
 
-/// Notes the stages of a run.
+/// Notes the stages of a run, one of which may fail.
 class Staged : public vfILInvertImg {
 public:
     std::string stages;
+    char failing = 0;
 
 protected:
     vfILStatus PrepareData() override { return Note('p', vfILInvertImg::PrepareData()); }
@@ -33,7 +34,7 @@ private:
     vfILStatus Note(char stage, vfILStatus status)
     {
         stages += stage;
-        return status;
+        return stage == failing ? VFIL_FAILURE : status;
     }
 };
 
@@ -49,6 +50,8 @@ TEST(Interrupt, TheFlagIsReadBeforeTheFunction)
     flag = 0;
     EXPECT_EQ(p.MustInterrupt(), 0);
     EXPECT_EQ(g_polls, 1);
+    p.SetInterruptFct([] { return -3; }, &flag);
+    EXPECT_EQ(p.MustInterrupt(), 1) << "whatever is not 0";
     flag = -4;
     p.SetInterruptFct(nullptr, &flag);
     EXPECT_EQ(p.MustInterrupt(), 1) << "the flag stays without a function";
@@ -91,6 +94,18 @@ TEST(Interrupt, BeforeTheRunSkipsTheEffectAlone)
     }
 }
 
+TEST(Interrupt, AStageThatFailsEndsTheRunAfterItsCleaning)
+{
+    GuardedImage image(PXFormat_RGBA32, 5, 3);
+    for (const auto& [failing, stages] : {std::pair{'p', "pc"}, {'d', "pdc"}, {'c', "pdc"}}) {
+        Staged p;
+        p.failing = failing;
+        Connect(p, &image, nullptr, &image);
+        EXPECT_EQ(p.Execute(), VFIL_FAILURE) << failing;
+        EXPECT_EQ(p.stages, stages);
+    }
+}
+
 constexpr long kRows = 6;
 
 /// How many rows a run treats that is stopped at the second poll after a row, lowest memory row first.
@@ -115,12 +130,18 @@ TEST(Interrupt, LoopsStopAfterTheRowAndReportTheirState)
     std::mt19937 random(2);
     for (const GUID& format : {PXFormat_RGBA32, PXFormat_RGBA64})
         for (int kind = 0; kind < kKinds; ++kind)
-            for (int bits = 0; bits < 4; ++bits) {
+            for (int bits = 0; bits < 32; ++bits) {
                 const bool simd = bits & 1;
                 const bool masked = kind == kMix || (bits & 2 && kind < kFirstLayer && kind != kCopy);
-                const bool plainOver = kind == kFirstLayer && format == PXFormat_RGBA32;
-                if (plainOver && simd) continue; // its fast loops may poll or not
-                SCOPED_TRACE(testing::Message() << "kind " << kind << " simd " << simd);
+                LayerSetup setup;
+                setup.layer = static_cast<Layer>(kind - kFirstLayer);
+                setup.aPremultiplied = bits & 4;
+                setup.bPremultiplied = bits & 8;
+                if (bits & 16) setup.alphaMode = VFIL_ALPHA_FULL;
+                setup.mode = VFIL_MODE_RGBA;
+                // Over's plain form does not poll, but for the one of whole pixels.
+                const bool never = kind == kFirstLayer && format == PXFormat_RGBA32 && !simd &&
+                                   !(setup.aPremultiplied && setup.bPremultiplied);
                 GuardedImage a(format, 9, kRows), b(format, 9, kRows), out(format, 9, kRows);
                 GuardedImage mask(format, 9, kRows);
                 a.Randomise(random);
@@ -130,13 +151,15 @@ TEST(Interrupt, LoopsStopAfterTheRowAndReportTheirState)
                     mask.Set(0, y, {77, 77, 77, 77});
                 }
                 const auto p = MakeProcessor(kind, simd);
+                SCOPED_TRACE(ClassOf(*p) + " case " + std::to_string(bits));
                 Connect(*p, &a, &b, &out);
+                if (auto* layer = dynamic_cast<vfILCompImg*>(p.get())) Configure(*layer, setup);
                 if (masked) p->SetMask({0, 0, 9, kRows}, &mask, PXImageChannel_GREEN);
                 ASSERT_EQ(p->Verify(), VFIL_SUCCESS);
-                EXPECT_EQ(RowsUntilStopped(*p, out), plainOver ? kRows : 2);
+                EXPECT_EQ(RowsUntilStopped(*p, out), never ? kRows : 2);
                 long state = 0;
                 out.GetImageState(PXImageState_PREMULTIPLIED, &state);
-                EXPECT_EQ(state, kind >= kFirstLayer && kind < kFirstLayer + 3) << "over, in and out";
+                EXPECT_EQ(state, kind >= kFirstLayer && IsLayerResultPremultiplied(setup));
             }
 }
 

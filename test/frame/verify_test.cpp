@@ -1,3 +1,4 @@
+#include "support/framemodel.h"
 #include "support/processors.h"
 
 #include <gtest/gtest.h>
@@ -23,13 +24,15 @@ struct Bench {
     GuardedImage b{PXFormat_RGBA32, 6, 4};
     GuardedImage out{PXFormat_RGBA32, 6, 4};
     GuardedImage small{PXFormat_RGBA32, 5, 4};
+    GuardedImage low{PXFormat_RGBA32, 6, 3};
     GuardedImage wide{PXFormat_RGBA64, 6, 4};
     GuardedImage bgra{PXFormat_BGRA32, 6, 4};
     GuardedImage mono{PXFormat_Mono8, 6, 4};
     GuardedImage mono16{PXFormat_Mono16, 6, 4};
     GuardedImage ycc{PXFormat_YCC422_601, 6, 4};
     GuardedImage ycca{PXFormat_YCCA422_601, 6, 4};
-    GuardedImage smallYcca{PXFormat_YCCA422_601, 6, 3};
+    GuardedImage lowYcca{PXFormat_YCCA422_601, 6, 3};
+    GuardedImage smallYcca{PXFormat_YCCA422_601, 5, 4};
     GuardedImage empty{PXFormat_RGBA32};
     std::unique_ptr<vfILImgProc> p;
 
@@ -42,7 +45,7 @@ struct Bench {
     void Roi(long x, long y, long w, long h) { p->SetROI({x, y, w, h}); }
     void Target(long x, long y) { p->SetOutputOffset({x, y}); }
     void Mode(unsigned long mode) { p->SetProcessingMode(mode); }
-    void MaskBox(const vfILBbox2l& box) { p->SetMask(box, nullptr, PXImageChannel_MONO); }
+    void MaskBox(long x, long y, long w, long h) { p->SetMask({x, y, w, h}, nullptr, PXImageChannel_MONO); }
     void Mask(GuardedImage& mask, int channel)
     {
         p->SetMask({0, 0, 6, 4}, &mask, static_cast<PXImageChannel>(channel));
@@ -71,26 +74,30 @@ const Case kCases[] = {
     {kProbeMonadic, 0x10004, "alpha above 1", [](Bench& b) { b.Colour(0, 1, 0, 2); }},
     {kProbeMonadic, 0x10005, "mask without pixels", [](Bench& b) { b.Mask(b.empty, kRed); }},
     {kProbeMonadic, 0x10006, "mask unlike its box", [](Bench& b) { b.Mask(b.small, kRed), b.Target(1, 0); }},
+    {kProbeMonadic, 0x10006, "mask lower than its box", [](Bench& b) { b.Mask(b.low, kRed); }},
     {kProbeMonadic, 0x10007, "mask of another format", [](Bench& b) { b.Mask(b.bgra, kRed); }},
     {kProbeMonadic, 0x10008, "mono channel of four", [](Bench& b) { b.Mask(b.b, kMono); }},
     {kProbeMonadic, 0x10008, "two channels of four", [](Bench& b) { b.Mask(b.b, kRed + kGreen); }},
     {kProbeMonadic, 0x10008, "red channel of mono", [](Bench& b) { b.Mask(b.mono, kRed); }},
     {kProbeMonadic, 0x10009, "16-bit mask for 8 bits", [](Bench& b) { b.Mask(b.mono16, kMono); }},
+    {kProbeMonadic, 0x10009, "8-bit mask for 16 bits",
+     [](Bench& b) { b.All(b.wide), b.Mask(b.mono, kMono); }},
     {kProbeMonadic, 0, "alpha of four", [](Bench& b) { b.Mask(b.b, kAlpha); }},
     {kProbeMonadic, 0x1000A, "target over the right edge", [](Bench& b) { b.Target(1, 0); }},
     {kProbeMonadic, 0x1000A, "region taller than the output", [](Bench& b) { b.Roi(0, 0, 6, 5); }},
+    {kProbeMonadic, 0x1000A, "target left of the output",
+     [](Bench& b) { b.Roi(0, 0, 3, 3), b.Target(-1, 0); }},
+    {kProbeMonadic, 0x1000A, "target below the output", [](Bench& b) { b.Roi(0, 0, 3, 3), b.Target(0, -1); }},
+    {kProbeMonadic, 0x1000A, "region of no width", [](Bench& b) { b.Roi(0, 0, 0, 4); }},
     {kProbeMonadic, 0, "region outside the input", [](Bench& b) { b.Roi(90, -70, 6, 4); }},
     {kProbeMonadic, 0x10060, "top-down region moved", [](Bench& b) { b.All(b.ycc), b.Roi(1, 0, 6, 4); }},
+    {kProbeMonadic, 0x10060, "top-down region raised", [](Bench& b) { b.All(b.ycc), b.Roi(0, 1, 6, 4); }},
     {kProbeMonadic, 0x10060, "top-down region cut", [](Bench& b) { b.All(b.ycc), b.Roi(0, 0, 6, 3); }},
     {kProbeMonadic, 0x20001, "mask on top-down", [](Bench& b) { b.All(b.ycc), b.Mask(b.mono, kMono); }},
-    {kProbeMonadic, 0x20001, "box in top-down",
-     [](Bench& b) {
-         b.All(b.ycc), b.MaskBox({0, 0, 5, 4});
-     }},
-    {kProbeMonadic, 0, "box around top-down",
-     [](Bench& b) {
-         b.All(b.ycc), b.MaskBox({-1, 0, 9, 4});
-     }},
+    {kProbeMonadic, 0x20001, "box in top-down", [](Bench& b) { b.All(b.ycc), b.MaskBox(0, 0, 5, 4); }},
+    {kProbeMonadic, 0x20001, "box beside top-down", [](Bench& b) { b.All(b.ycc), b.MaskBox(1, 0, 6, 4); }},
+    {kProbeMonadic, 0x20001, "box over top-down", [](Bench& b) { b.All(b.ycc), b.MaskBox(0, 1, 6, 4); }},
+    {kProbeMonadic, 0, "box around top-down", [](Bench& b) { b.All(b.ycc), b.MaskBox(-1, 0, 9, 4); }},
     {kProbeMonadic, 0x20002, "two channels of YCC", [](Bench& b) { b.All(b.ycc), b.Mode(3); }},
     // One input
     {kProbeMonadic, 0x1000B, "no input", [](Bench& b) { b.Use(nullptr, nullptr, &b.out); }},
@@ -98,8 +105,10 @@ const Case kCases[] = {
     {kProbeMonadic, 0, "own alpha", [](Bench& b) { b.All(b.a), b.Mask(b.a, kAlpha); }},
     {kProbeMonadic, 0x1006C, "written", [](Bench& b) { b.All(b.a), b.Mask(b.a, kAlpha), b.Mode(0xF); }},
     {kProbeMonadic, 0x1006C, "moved", [](Bench& b) { b.All(b.a), b.Mask(b.a, kAlpha), b.Roi(1, 0, 6, 4); }},
+    {kProbeMonadic, 0x1006C, "raised", [](Bench& b) { b.All(b.a), b.Mask(b.a, kAlpha), b.Roi(0, 1, 6, 4); }},
     {kProbeMonadic, 0x1006C, "own mono", [](Bench& b) { b.All(b.mono), b.Mask(b.mono, kMono), b.Mode(0); }},
-    {kProbeMonadic, 0x10062, "top-down sizes", [](Bench& b) { b.Use(&b.smallYcca, &b.a, &b.ycca); }},
+    {kProbeMonadic, 0x10062, "top-down width", [](Bench& b) { b.Use(&b.smallYcca, &b.a, &b.ycca); }},
+    {kProbeMonadic, 0x10062, "top-down height", [](Bench& b) { b.Use(&b.lowYcca, &b.a, &b.ycca); }},
     {kProbeMonadic, 0x1000E, "formats differ", [](Bench& b) { b.Use(&b.wide, &b.a, &b.out); }},
     {kInvert, 0x1000D, "YCC", [](Bench& b) { b.All(b.ycc); }},
     {kInvert, 0x1000E, "formats differ", [](Bench& b) { b.Use(&b.wide, &b.a, &b.bgra); }},
@@ -130,8 +139,12 @@ const Case kCases[] = {
          b.Use(&b.a, &b.b, &b.b), b.Dominant(&b.b), b.Mask(b.b, kAlpha);
          b.Shift(0, 1), b.Roi(0, 0, 6, 4);
      }},
-    {kProbeDyadic, 0x10062, "top-down A's size", [](Bench& b) { b.Use(&b.smallYcca, &b.ycca, &b.ycca); }},
-    {kProbeDyadic, 0x10062, "top-down B's size", [](Bench& b) { b.Use(&b.ycca, &b.smallYcca, &b.ycca); }},
+    {kProbeDyadic, 0x1006C, "own alpha of A, the region moved with B",
+     [](Bench& b) { b.Use(&b.a, &b.b, &b.a), b.Mask(b.a, kAlpha), b.Shift(1, 0), b.Roi(1, 0, 6, 4); }},
+    {kProbeDyadic, 0x10062, "top-down A's width", [](Bench& b) { b.Use(&b.smallYcca, &b.ycca, &b.ycca); }},
+    {kProbeDyadic, 0x10062, "top-down A's height", [](Bench& b) { b.Use(&b.lowYcca, &b.ycca, &b.ycca); }},
+    {kProbeDyadic, 0x10062, "top-down B's width", [](Bench& b) { b.Use(&b.ycca, &b.smallYcca, &b.ycca); }},
+    {kProbeDyadic, 0x10062, "top-down B's height", [](Bench& b) { b.Use(&b.ycca, &b.lowYcca, &b.ycca); }},
     {kProbeDyadic, 0x10061, "top-down with an offset", [](Bench& b) { b.All(b.ycca), b.Shift(0, 1); }},
     {kProbeDyadic, 0x1000E, "A of another format", [](Bench& b) { b.Use(&b.wide, &b.b, &b.out); }},
     {kProbeDyadic, 0x1000E, "B of another format", [](Bench& b) { b.Use(&b.a, &b.bgra, &b.out); }},
@@ -160,8 +173,8 @@ const Case kCases[] = {
 TEST(Verify, TellsTheFirstThingThatIsWrong)
 {
     for (const Case& c : kCases) {
-        SCOPED_TRACE(testing::Message() << "kind " << c.kind << ": " << c.name);
         Bench bench(c.kind);
+        SCOPED_TRACE(ClassOf(*bench.p) + ": " + c.name);
         c.spoil(bench);
         const vfILStatus status = bench.p->Verify();
         EXPECT_EQ(status, c.code == 0 ? VFIL_SUCCESS : VFIL_FAILURE);

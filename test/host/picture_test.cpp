@@ -1,10 +1,10 @@
 /// \file
 /// The host picture: rows, regions, sizes, copies, references, and its class factory.
 
-#include "host/picture.h"
+#include <vfil/host/picture.h>
 
-#include "host/picturefactory.h"
 #include "support/formats.h"
+#include <vfil/host/picturefactory.h>
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 /// \file
 /// Picture files: round trips, files made by hand, damaged and refused files, and what is left behind.
 
-#include "host/picturefile.h"
+#include <vfil/host/picturefile.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

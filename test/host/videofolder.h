@@ -2,7 +2,7 @@
 /// What the tests of clips share: a folder of their own, clips made by FFmpeg's own program, frames.
 #pragma once
 
-#include "host/video/video.h"
+#include <vfil/host/video.h>
 
 #include <gtest/gtest.h>
 

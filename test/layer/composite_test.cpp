@@ -82,10 +82,12 @@ TEST(Composite, PremultipliedFlagsFollowThePictures)
     atop.SetImgAPremultiplied(1);
     EXPECT_EQ(atop.GetImgAPremultiplied(), 0) << "no picture is connected";
     EXPECT_EQ(atop.GetOutputImgPremultiplied(), 1);
-    p.a.SetImageState(PXImageState_PREMULTIPLIED, 1);
+    p.a.SetImageState(PXImageState_PREMULTIPLIED, -1);
     p.b.failGetImageState = true;
     p.out.failSetImageState = true;
     atop.SetInputImgA(&p.a);
+    atop.SetImgBPremultiplied(1);
+    EXPECT_EQ(atop.GetImgBPremultiplied(), 0) << "no front is connected";
     atop.SetInputImgB(&p.b);
     atop.SetOutputImg(&p.out);
     atop.SetOutputPremultiplied(1);
@@ -95,10 +97,10 @@ TEST(Composite, PremultipliedFlagsFollowThePictures)
     p.out.failSetImageState = false;
     atop.SetOutputPremultiplied(1);
     EXPECT_EQ(atop.GetOutputImgPremultiplied(), 1);
-    atop.SetImgAPremultiplied(0);
-    EXPECT_EQ(atop.GetImgAPremultiplied(), 0) << "a later call overrides the picture";
     atop.SetImgBPremultiplied(1);
     atop.SetInputImgB(nullptr);
+    atop.SetImgAPremultiplied(0);
+    EXPECT_EQ(atop.GetImgAPremultiplied(), 0) << "a later call overrides the picture";
     EXPECT_EQ(atop.GetImgBPremultiplied(), 0);
 }
 

@@ -2,7 +2,7 @@
 #include "support/filterscene.h"
 #include "support/processors.h"
 
-#include "host/picturefactory.h"
+#include <vfil/host/picturefactory.h>
 
 #include <vfil/morphology.h>
 
@@ -93,7 +93,7 @@ void CheckScene(std::mt19937& random, long width, long height, long mostRadius, 
 }
 
 // The first pictures have more than one band, the next ones windows taller and wider than what one
-// combination takes, and several blocks of rows.
+// combination takes, and several blocks of rows; of the last ones some are much larger than the picture.
 TEST(Morphology, FollowsTheDefinition)
 {
     vfil::host::RegisterPictureClass();
@@ -106,7 +106,11 @@ TEST(Morphology, FollowsTheDefinition)
         } else if (seed < 120) {
             CheckScene(random, 12, 150, 22, which);
         } else {
-            CheckScene(random, RandomIn(random, 1, 12), RandomIn(random, 1, 9), seed % 3 ? 2 : 7, which);
+            CheckScene(random, RandomIn(random, 1, 12), RandomIn(random, 1, 9),
+                       seed % 7 == 0 ? 33
+                       : seed % 3    ? 2
+                                     : 7,
+                       which);
         }
     }
 }
@@ -177,26 +181,22 @@ TEST(Morphology, NeedsTheHostsPictures)
     }
 }
 
+// In place. Windows that no memory holds cost what a picture's size does.
 TEST(Morphology, MemoryThatCannotBeHadLeavesTheOutputAlone)
 {
     vfil::host::RegisterPictureClass();
-    GuardedImage in(PXFormat_Mono8, 300, 20), out(PXFormat_Mono8, 300, 20);
-    const Snapshot before(out);
+    std::mt19937 random(1);
+    GuardedImage picture(PXFormat_Mono8, 30, 20);
+    picture.Randomise(random);
     for (int which = 0; which < kOperators; ++which)
-        for (const vfILStructuralType type : {VFIL_STRUCT_RECTANGLE, VFIL_STRUCT_ELLIPSE}) {
-            const auto processor = MakeMorphology(which, true);
-            processor->SetStructuringElement(type, 1, 0.0F, 40.0F, 0, 0);
-            if (type == VFIL_STRUCT_ELLIPSE) processor->SetRadius(30.0F, 40.0F);
-            processor->SetInputImg(&in);
-            processor->SetOutputImg(&out);
-            // The rectangle lacks the frame's padded picture, the ellipse its own rows.
-            g_allocations.failFrom = type == VFIL_STRUCT_RECTANGLE ? 24000 : 100000;
-            const vfILStatus status = processor->Execute();
-            g_allocations = {};
-            ASSERT_EQ(status, VFIL_FAILURE) << which << ' ' << type;
-            ASSERT_EQ(processor->GetLastError().GetErrorCode(), 0x10001U);
-            ASSERT_EQ(Difference(before, out), "");
-        }
+        for (const vfILStructuralType type : {VFIL_STRUCT_RECTANGLE, VFIL_STRUCT_ELLIPSE})
+            for (const float radius : {5.0F, 1e9F}) {
+                const auto processor = MakeMorphology(which, true);
+                processor->SetStructuringElement(type, 1, radius, radius, 0, 0);
+                processor->SetInputImg(&picture);
+                processor->SetOutputImg(&picture);
+                EXPECT_GE(CountRefusedRuns(*processor, picture), 4) << which << ' ' << type;
+            }
 }
 
 // The first stage polls before each row of its own; when that ends it, the second must not begin.

@@ -5,6 +5,11 @@
 
 #include <cstdio>
 
+// Each program of this source is built for one standard, which nothing may raise.
+#if defined(EXPECTED_STANDARD)
+static_assert(__cplusplus == EXPECTED_STANDARD, "the library changes the language of its host");
+#endif
+
 namespace {
 
 int failures = 0;

@@ -123,6 +123,8 @@ TYPED_TEST(RankRows, PlacesAmongEqualKeys)
     std::mt19937 random(3);
     KeyCounts<Sample> counts;
     MiddlePlace<Sample> place;
+    ASSERT_TRUE(counts.Allocate() && place.Allocate(99));
+    counts.Clear();
     for (int i = 0; i < 4000; ++i) {
         const unsigned values = 1U << random() % 8;
         const std::vector<Sample> keys = MakeRows<Sample>(1, 1 + random() % 99, values, random)[0];
@@ -134,7 +136,8 @@ TYPED_TEST(RankRows, PlacesAmongEqualKeys)
         const MiddleKey<Sample> middle = counts.KeyAt(keys.size() / 2);
         const std::size_t expected = FindMedian(list.data(), list.size());
         ASSERT_EQ(middle.key, keys[expected]);
-        ASSERT_EQ(place(keys, counts, middle), expected) << keys.size() << " of " << values << " values";
+        ASSERT_EQ(place(keys.data(), keys.size(), counts, middle), expected)
+            << keys.size() << " of " << values << " values";
         for (const Sample key : keys)
             counts.Remove(key);
     }

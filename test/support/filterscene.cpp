@@ -123,6 +123,7 @@ Snapshot FilterScene::Expected(long radiusX, long radiusY, const WindowRule& rul
 
 void FilterScene::Check(vfILMonadicSpatialProc& filter, const Snapshot& expected)
 {
+    SCOPED_TRACE(ClassOf(filter));
     ASSERT_EQ(filter.Verify(), VFIL_SUCCESS) << std::hex << filter.GetLastError().GetErrorCode();
     ASSERT_EQ(filter.Execute(), VFIL_SUCCESS);
     ASSERT_EQ(Difference(expected, *output), "");

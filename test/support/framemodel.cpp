@@ -2,7 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <cxxabi.h>
+
+#include <cstdlib>
+#include <memory>
 #include <sstream>
+#include <typeinfo>
 
 namespace vfil::test {
 namespace {
@@ -56,6 +61,13 @@ Snapshot ModelRun(const FrameCase& run, const GuardedImage& a, const GuardedImag
             }
         }
     return after;
+}
+
+std::string ClassOf(const vfILProcessor& processor)
+{
+    const std::unique_ptr<char, decltype(&std::free)> name(
+        abi::__cxa_demangle(typeid(processor).name(), nullptr, nullptr, nullptr), std::free);
+    return name.get();
 }
 
 std::string Difference(const Snapshot& expected, const GuardedImage& actual)

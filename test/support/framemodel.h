@@ -7,6 +7,7 @@
 #include <vfil/frame.h>
 
 #include <functional>
+#include <string>
 
 namespace vfil::test {
 
@@ -44,6 +45,9 @@ Snapshot ModelRun(const FrameCase& run, const GuardedImage& a, const GuardedImag
 
 /// Rows with this y are treated under the mode's field bits.
 bool IsRowTreated(unsigned long mode, long y);
+
+/// The class of a processor, for a failure to tell.
+std::string ClassOf(const vfILProcessor& processor);
 
 /// "" when the picture is as expected and wrote nothing around its pixels, else what differs first.
 std::string Difference(const Snapshot& expected, const GuardedImage& actual);

@@ -8,6 +8,7 @@
 #include <vfil/composite.h>
 #include <vfil/pixel.h>
 
+#include <array>
 #include <memory>
 
 namespace vfil::test {
@@ -16,7 +17,11 @@ namespace vfil::test {
 template <class Processor>
 class Switched : public Processor {
 public:
-    explicit Switched(bool simd) { this->m_simdAvailable = simd ? 1 : 0; }
+    template <class... Original>
+    explicit Switched(bool simd, const Original&... original) : Processor(original...)
+    {
+        this->m_simdAvailable = simd ? 1 : 0;
+    }
 };
 
 /// One sample for one, of which no two are alike.
@@ -58,16 +63,32 @@ std::unique_ptr<vfILImgProc> Make(bool simd)
     return std::make_unique<Switched<Processor>>(simd);
 }
 
+/// A copy by construction or by assignment.
+template <class Processor>
+std::unique_ptr<vfILImgProc> Copy(const vfILImgProc& of, bool simd, bool assigns)
+{
+    const auto& original = dynamic_cast<const Processor&>(of);
+    if (!assigns) return std::make_unique<Switched<Processor>>(simd, original);
+    auto copy = std::make_unique<Switched<Processor>>(simd);
+    static_cast<Processor&>(*copy) = original;
+    return copy;
+}
+
+struct OperatorClass {
+    std::unique_ptr<vfILImgProc> (*make)(bool simd);
+    std::unique_ptr<vfILImgProc> (*copy)(const vfILImgProc& of, bool simd, bool assigns);
+};
+template <class... Processors>
+inline constexpr std::array<OperatorClass, kKinds> kClassesOf{{{Make<Processors>, Copy<Processors>}...}};
+inline constexpr auto kOperators =
+    kClassesOf<vfILInvertImg, vfILCopyImg, vfILGrayscaleImg, ProbeMonadic, ProbeDyadic, vfILCompositeImg,
+               vfILOverImage, vfILInImage, vfILOutImage, vfILAtopImage, vfILXorImage, vfILAddImage,
+               vfILAddNoClipImage, vfILDiffImage, vfILMultImage, vfILLighterImage, vfILDarkerImage,
+               vfILLumImage, vfILColImage, vfILNonAddImage, vfILInvNonAddImage>;
+
 inline std::unique_ptr<vfILImgProc> MakeProcessor(int kind, bool simd)
 {
-    static constexpr std::unique_ptr<vfILImgProc> (*kMakers[kKinds])(bool) = {
-        Make<vfILInvertImg>,      Make<vfILCopyImg>,      Make<vfILGrayscaleImg>, Make<ProbeMonadic>,
-        Make<ProbeDyadic>,        Make<vfILCompositeImg>, Make<vfILOverImage>,    Make<vfILInImage>,
-        Make<vfILOutImage>,       Make<vfILAtopImage>,    Make<vfILXorImage>,     Make<vfILAddImage>,
-        Make<vfILAddNoClipImage>, Make<vfILDiffImage>,    Make<vfILMultImage>,    Make<vfILLighterImage>,
-        Make<vfILDarkerImage>,    Make<vfILLumImage>,     Make<vfILColImage>,     Make<vfILNonAddImage>,
-        Make<vfILInvNonAddImage>};
-    return kMakers[kind](simd);
+    return kOperators[static_cast<std::size_t>(kind)].make(simd);
 }
 
 /// Connects one input or two, the first of them dominant.

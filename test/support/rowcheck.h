@@ -98,4 +98,46 @@ inline Level Below(Level level)
     return static_cast<Level>(static_cast<int>(level) - 1);
 }
 
+/// The samples of a pixel on both sides of a kernel.
+struct Shape {
+    std::size_t in, out;
+    bool mayBeInPlace = true;
+};
+
+/// Compares a kernel's entries in the table of each level, kernels(level), with the plain form, in rows of no
+/// pixel to more than two blocks and over every alignment of the output. Equal shapes are tried in place too.
+template <class In, class Out, class Kernels>
+void CheckShapedRow(const char* name, Shape shape, Level lowest, Kernels kernels)
+{
+    constexpr std::size_t kMost = 2 * 64 + 3;
+    std::mt19937 random(11);
+    const auto plain = kernels(Level::Plain)[0];
+    for (const Level level : VectorLevels()) {
+        if (level < lowest) continue;
+        const auto check = [&](auto kernel, std::size_t pixels, std::size_t offset) {
+            const auto samples = EndRichSamples<In>(pixels * shape.in, random);
+            PlacedRow<In> in(samples, (64 - offset) % 64 / sizeof(In) * sizeof(In), false);
+            PlacedRow<Out> out(std::vector<Out>(pixels * shape.out, Out{0x5B}), offset, true);
+            PlacedRow<Out> expected = out;
+            kernel(in.Data(), out.Data(), pixels);
+            plain(in.Data(), expected.Data(), pixels);
+            ASSERT_TRUE(out == expected) << name << ", level " << static_cast<int>(level) << ", pixels "
+                                         << pixels << ", at " << offset;
+            if constexpr (std::is_same_v<In, Out>) {
+                if (shape.in != shape.out || !shape.mayBeInPlace) return;
+                PlacedRow<In> place(samples, offset, true);
+                kernel(place.Data(), place.Data(), pixels);
+                ASSERT_TRUE(place == expected) << name << " in place, pixels " << pixels << ", at " << offset;
+            }
+        };
+        for (const auto kernel : kernels(level)) {
+            for (std::size_t pixels = 0; pixels <= kMost; ++pixels)
+                check(kernel, pixels, 0);
+            for (std::size_t offset = 0; offset < 64; offset += sizeof(Out))
+                check(kernel, kMost - offset / 8, offset);
+        }
+        EXPECT_NE(kernels(level)[1], kernels(Below(level))[1]) << name;
+    }
+}
+
 } // namespace vfil

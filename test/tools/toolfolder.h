@@ -2,7 +2,7 @@
 /// A folder in which tests run the tool as a process.
 #pragma once
 
-#include "host/picturefile.h"
+#include <vfil/host/picturefile.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

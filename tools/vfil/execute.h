@@ -3,9 +3,9 @@
 #pragma once
 
 #include "catalogue/catalogue.h"
-#include "host/picture.h"
 #include "tools/vfil/conversion.h"
 #include "tools/vfil/job.h"
+#include <vfil/host/picture.h>
 
 #include <memory>
 #include <vector>

@@ -4,7 +4,7 @@
 #pragma once
 
 #include "catalogue/catalogue.h"
-#include "host/video/video.h"
+#include <vfil/host/video.h>
 
 #include <vfil/color.h>
 #include <vfil/geometry.h>

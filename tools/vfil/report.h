@@ -3,7 +3,7 @@
 #pragma once
 
 #include "catalogue/catalogue.h"
-#include "host/video/video.h"
+#include <vfil/host/video.h>
 
 #include <nlohmann/json_fwd.hpp>
 

@@ -1,7 +1,6 @@
 /// \file
 /// RunJob: pictures once, frames by workers, and what is said of it all.
 #include "catalogue/names.h"
-#include "host/picturefactory.h"
 #include "host/pixelrows.h"
 #include "tools/vfil/failure.h"
 #include "tools/vfil/feed.h"
@@ -11,6 +10,7 @@
 #include "tools/vfil/progress.h"
 #include "tools/vfil/stage.h"
 #include "tools/vfil/workers.h"
+#include <vfil/host/picturefactory.h>
 
 #include <algorithm>
 #include <thread>

@@ -2,9 +2,9 @@
 /// Values of options.
 #include "tools/vfil/values.h"
 #include "catalogue/names.h"
-#include "host/picturefile.h"
 #include "tools/vfil/failure.h"
 #include "tools/vfil/text.h"
+#include <vfil/host/picturefile.h>
 
 #include <algorithm>
 #include <filesystem>

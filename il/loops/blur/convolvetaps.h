@@ -3,22 +3,17 @@
 /// of a separable kernel.
 #pragma once
 
+#include "il/loops/blur/fixedweights.h"
+#include "il/loops/blur/interruptpoll.h"
 #include "il/loops/frame/runarray.h"
 #include "il/loops/frame/windowloop.h"
 #include "il/rows/blur/convparams.h"
-#include "il/rows/pixarith.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <limits>
 
 namespace vfil {
-
-/// 15 fraction bits, rounded half away from zero. Weights just below 1 would round to it.
-inline std::int16_t FixedWeight(float weight)
-{
-    return RoundSaturated<std::int16_t>(double{weight} * 32768);
-}
 
 /// Weights that count, and where the samples of each are.
 template <class In, class Weight>
@@ -152,7 +147,7 @@ public:
     /// Samples of a row that are treated before the next row's.
     static constexpr std::size_t kPiece = 1024;
 
-    explicit TwoPasses(const vfILWindowRun& run) : m_run(run) {}
+    TwoPasses(const vfILProcessor& processor, const vfILWindowRun& run) : m_run(run), m_poll(processor) {}
     /// False when memory is short.
     bool SetUp(long channels)
     {
@@ -167,7 +162,7 @@ public:
     /// From a row of results to the next, which leaves room for whole grains.
     std::size_t ResultStep() const { return (m_samples + kGrain - 1) / kGrain * kGrain; }
 
-    /// The results of a treated row; rows come in their order.
+    /// The results of a treated row; rows come in their order. Null when the run was interrupted.
     ///
     /// \param across  across(from, to, samples) makes sums along a row, whose first window begins at `from`.
     /// \param down    down(sums, to, samples) makes tileRows rows of results. sums(i) is row i of the first
@@ -175,7 +170,7 @@ public:
     template <class AcrossRow, class DownRows>
     const Sample* Row(long row, AcrossRow across, DownRows down)
     {
-        if (row >= m_endOfBlock) MakeBlock(row, across, down);
+        if (row >= m_endOfBlock && !MakeBlock(row, across, down)) return nullptr;
         return m_results.Data() +
                static_cast<std::size_t>((row - m_firstOfBlock) / m_run.rowStep) * ResultStep();
     }
@@ -187,8 +182,9 @@ private:
     /// same sets of it.
     static constexpr std::size_t kPieceStep = kPiece + 64 / sizeof(Temporary);
 
+    /// False when the run was interrupted.
     template <class AcrossRow, class DownRows>
-    void MakeBlock(long first, AcrossRow across, DownRows down)
+    bool MakeBlock(long first, AcrossRow across, DownRows down)
     {
         const long step = m_run.rowStep;
         const long rows = std::min(kBlockRows, m_run.rows - (first - m_run.firstRow) / step);
@@ -199,12 +195,22 @@ private:
         m_endOfSums = last + m_run.kernelHeight;
         for (std::size_t at = 0; at < m_samples; at += kPiece) {
             const std::size_t samples = std::min(kPiece, m_samples - at);
-            for (long row = firstSums; row < m_endOfSums; ++row)
+            for (long row = firstSums; row < m_endOfSums; ++row) {
                 across(RowOf<const Sample>(m_run.windows, row) + at, Sums(at, row % m_keptRows), samples);
-            for (long i = 0; i < rows; i += tileRows)
+                if (MustStop(samples, m_run.kernelWidth)) return false;
+            }
+            for (long i = 0; i < rows; i += tileRows) {
                 down(SumsFrom(at, first + i * step),
                      m_results.Data() + static_cast<std::size_t>(i) * ResultStep() + at, samples);
+                if (MustStop(samples * tileRows, m_run.kernelHeight)) return false;
+            }
         }
+        return true;
+    }
+    /// A weight takes a small part of what a step of another filter takes.
+    bool MustStop(std::size_t samples, long weights)
+    {
+        return m_poll.MustStop(samples * static_cast<std::size_t>(weights) / 8);
     }
     /// Where the sums are of a distance below a row, in the piece that begins with a sample.
     auto SumsFrom(std::size_t at, long row) const
@@ -221,6 +227,7 @@ private:
     }
 
     const vfILWindowRun& m_run;
+    InterruptPoll m_poll;
     std::size_t m_samples = 0; ///< of a row
     long m_keptRows = 0;
     RunArray<Temporary> m_sums;

@@ -26,7 +26,7 @@ struct EdgeOps {
 /// The compass responses of a set of directions.
 ///
 /// \param directions  Bits of vfILDirection; others are ignored.
-EdgeOps CompassOps(std::uint32_t directions);
+EdgeOps CompassOps(unsigned long directions);
 
 /// The windows of a row of results, the first of which has its corner where the walk's row starts.
 template <class Format>
@@ -47,5 +47,10 @@ EdgeParams<Sample> ThresholdOf(double sensitivity, double bias)
 
 vfILStatus RunEdges(const EdgeRun& run, const EdgeOps& ops, double sensitivity, double bias);
 vfILStatus RunAngle(const EdgeRun& run, AngleOp op);
+/// Writes sharpened samples where the input has an edge, and the input elsewhere. The windows are at least 3
+/// x 3.
+///
+/// \param sharpened  The effect box in rows of its own.
+void SelectAtEdges(const EdgeRun& run, const vfILRowWalk& sharpened, double sensitivity);
 
 } // namespace vfil

@@ -31,9 +31,12 @@ public:
     /// with the distance from the middle.
     long HalfWidth(long y, long most) const
     {
-        while (most >= 0 && !Holds(most, y))
-            --most;
-        return most;
+        long held = -1;
+        for (long beyond = most + 1; beyond - held > 1;) {
+            const long between = held + (beyond - held) / 2;
+            (Holds(between, y) ? held : beyond) = between;
+        }
+        return held;
     }
 
 private:

@@ -66,8 +66,21 @@ void WriteResults(const vfILWindowRun& run, long row, const typename Format::Sam
     }
 }
 
+/// makeRow(row, results), which may have no result: then it made the row.
+template <class MakeResults, class Sample>
+bool MakesRow(MakeResults& makeRow, long row, Sample* results)
+{
+    if constexpr (std::is_void_v<decltype(makeRow(row, results))>) {
+        makeRow(row, results);
+        return true;
+    } else {
+        return makeRow(row, results);
+    }
+}
+
 /// Runs over the treated rows: \p makeRow(row, results) gives the results of effect row `row`, whose windows
-/// are the rows `row`, row + 1 ... of run.windows. The processor tells when to stop. makeRow may write them
+/// are the rows `row`, row + 1 ... of run.windows. The processor tells when to stop; so does makeRow if it
+/// returns false, and that row is not written. makeRow may write results
 /// in any order, and read them back: they are the output's own row when nothing has to be mixed.
 template <class Format, class MakeRow>
 void RunWindowRows(const vfILProcessor& processor, vfILWindowRun& run, MakeRow makeRow)
@@ -78,7 +91,10 @@ void RunWindowRows(const vfILProcessor& processor, vfILWindowRun& run, MakeRow m
     for (long i = 0; i < run.rows && !run.stopped; ++i) {
         const long row = run.firstRow + i * run.rowStep;
         auto* results = direct ? RowOf<Sample>(run.output, row) : reinterpret_cast<Sample*>(run.resultRow);
-        makeRow(row, results);
+        if (!MakesRow(makeRow, row, results)) {
+            run.stopped = true;
+            return;
+        }
         if (!direct) WriteResults<Format>(run, row, results, channels);
         run.stopped = processor.MustInterrupt() != 0;
     }

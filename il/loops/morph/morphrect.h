@@ -3,7 +3,9 @@
 /// rows of these.
 #pragma once
 
-#include "il/loops/morph/morphfold.h"
+#include "il/loops/rank/sampleextremes.h"
+
+#include <algorithm>
 
 namespace vfil {
 
@@ -14,10 +16,14 @@ public:
 
     RectangleFold(const vfILWindowRun& run, const ExtremeKernels<Sample>& kernels)
         : m_run(run), m_kernels(kernels), m_width(run.processBox.GetSizeX()),
-          m_rowSamples(Samples(m_width + run.kernelWidth - 1)), m_tall(run.kernelHeight > kMostRowsAtOnce),
-          m_columns(Rows(kAtOnce)), m_tails(Rows(m_tall ? run.kernelHeight : 0)),
-          m_head(Rows(m_tall ? 1 : 0)), m_pieces{Rows(1), Rows(1)}
+          m_rowSamples(Samples(m_width + run.kernelWidth - 1)), m_tall(run.kernelHeight > kMostRowsAtOnce)
     {}
+    /// False when memory is short.
+    bool Allocate()
+    {
+        return Allocate(m_columns, kAtOnce) && Allocate(m_tails, m_tall ? m_run.kernelHeight : 0) &&
+               Allocate(m_head, m_tall ? 1 : 0) && Allocate(m_pieces[0], 1) && Allocate(m_pieces[1], 1);
+    }
 
     /// The results of one row's windows. Rows come in ascending order.
     void operator()(long row, Sample* results) { CombineRow(ColumnsOf(row), results); }
@@ -30,13 +36,13 @@ private:
     static constexpr long kMostPixelsAtOnce = 6;
 
     static std::size_t Samples(long pixels) { return static_cast<std::size_t>(pixels * Format::kChannels); }
-    std::unique_ptr<Sample[]> Rows(long count) const
+    bool Allocate(RunArray<Sample>& rows, long count) const
     {
-        return MakeBuffer<Sample>(static_cast<std::size_t>(count) * m_rowSamples);
+        return rows.Allocate(static_cast<std::size_t>(count) * m_rowSamples);
     }
     const Sample* Input(long row) const { return RowOf<const Sample>(m_run.windows, row); }
-    Sample* Tail(long row) { return m_tails.get() + static_cast<std::size_t>(row - m_block) * m_rowSamples; }
-    Sample* Columns(long i) { return m_columns.get() + static_cast<std::size_t>(i) * m_rowSamples; }
+    Sample* Tail(long row) { return m_tails.Data() + static_cast<std::size_t>(row - m_block) * m_rowSamples; }
+    Sample* Columns(long i) { return m_columns.Data() + static_cast<std::size_t>(i) * m_rowSamples; }
 
     /// The extremes of the columns of a row of windows.
     const Sample* ColumnsOf(long row)
@@ -77,11 +83,11 @@ private:
         const long end = row + height; // of the window
         for (; m_headEnd < end; ++m_headEnd) {
             const bool first = m_headEnd == m_block + height;
-            const Sample* const rows[] = {Input(m_headEnd), m_head.get()};
-            m_kernels.inner(rows, first ? 1 : 2, m_head.get(), m_rowSamples);
+            const Sample* const rows[] = {Input(m_headEnd), m_head.Data()};
+            m_kernels.inner(rows, first ? 1 : 2, m_head.Data(), m_rowSamples);
         }
         const bool hasHead = end > m_block + height;
-        const Sample* const rows[] = {Tail(row), m_head.get()};
+        const Sample* const rows[] = {Tail(row), m_head.Data()};
         m_kernels.inner(rows, hasHead ? 2 : 1, Columns(0), m_rowSamples);
     }
 
@@ -104,8 +110,8 @@ private:
         for (int turn = 0; kMostPixelsAtOnce * length < whole; length *= 4, turn ^= 1) {
             const Sample* const rows[] = {pieces, pieces + Samples(length), pieces + Samples(2 * length),
                                           pieces + Samples(3 * length)};
-            m_kernels.inner(rows, 4, m_pieces[turn].get(), Samples(m_width + whole - 4 * length));
-            pieces = m_pieces[turn].get();
+            m_kernels.inner(rows, 4, m_pieces[turn].Data(), Samples(m_width + whole - 4 * length));
+            pieces = m_pieces[turn].Data();
         }
         const Sample* rows[kMostPixelsAtOnce];
         std::size_t count = 0;
@@ -122,10 +128,10 @@ private:
     long m_block = -1; ///< first row of the block, or of the columns
     long m_blockRows = 0;
     long m_headEnd = 0;
-    std::unique_ptr<Sample[]> m_columns;
-    std::unique_ptr<Sample[]> m_tails; ///< of the block, by their first rows
-    std::unique_ptr<Sample[]> m_head;  ///< rows from the block's end to m_headEnd
-    std::unique_ptr<Sample[]> m_pieces[2];
+    RunArray<Sample> m_columns;
+    RunArray<Sample> m_tails; ///< of the block, by their first rows
+    RunArray<Sample> m_head;  ///< rows from the block's end to m_headEnd
+    RunArray<Sample> m_pieces[2];
 };
 
 } // namespace vfil

@@ -4,6 +4,7 @@
 
 #include "il/loops/frame/imageview.h"
 #include "il/loops/frame/windowloop.h"
+#include "il/loops/frame/windowshape.h"
 
 namespace vfil {
 

@@ -2,9 +2,9 @@
 /// The loop of the filters that take the pixel of middle brightness.
 #pragma once
 
-#include "il/loops/morph/morphfold.h"
 #include "il/loops/rank/rankloop.h"
 #include "il/loops/rank/rankties.h"
+#include "il/rows/rank/rankrows.h"
 
 #include <cstdlib>
 #include <cstring>
@@ -20,16 +20,22 @@ public:
     WindowKeys(const vfILWindowRun& run, bool useVectors)
         : m_run(run), m_kernel(FindRankCases<Sample>(useVectors).key),
           m_width(static_cast<std::size_t>(run.processBox.GetSizeX() + run.kernelWidth - 1)),
-          m_slots(Format::kChannels == 1 ? 0 : static_cast<std::size_t>(run.kernelHeight)),
-          m_rowInSlot(m_slots, -1), m_keys(MakeBuffer<Sample>(m_slots * m_width))
+          m_slots(Format::kChannels == 1 ? 0 : static_cast<std::size_t>(run.kernelHeight))
     {}
+    /// False when memory is short.
+    bool Allocate()
+    {
+        if (!m_rowInSlot.Allocate(m_slots) || !m_keys.Allocate(m_slots * m_width)) return false;
+        std::fill_n(m_rowInSlot.Data(), m_slots, -1L);
+        return true;
+    }
 
     const Sample* Row(long row)
     {
         const auto* pixels = RowOf<const Sample>(m_run.windows, row);
         if constexpr (Format::kChannels == 1) return pixels;
         const std::size_t slot = static_cast<std::size_t>(row) % m_slots;
-        Sample* const keys = m_keys.get() + slot * m_width;
+        Sample* const keys = m_keys.Data() + slot * m_width;
         if (m_rowInSlot[slot] != row) m_kernel(pixels, keys, m_width);
         m_rowInSlot[slot] = row;
         return keys;
@@ -39,8 +45,8 @@ private:
     const vfILWindowRun& m_run;
     BrightnessRow<Sample> m_kernel;
     std::size_t m_width, m_slots;
-    std::vector<long> m_rowInSlot;
-    std::unique_ptr<Sample[]> m_keys;
+    RunArray<long> m_rowInSlot;
+    RunArray<Sample> m_keys;
 };
 
 /// What a median filter is told beside its window.
@@ -55,17 +61,25 @@ class MedianWindow {
 public:
     using Sample = typename Format::Sample;
 
-    MedianWindow(const vfILWindowRun& run, const ElementRuns& runs, const MedianRule& rule)
-        : m_run(run), m_tolerance(rule.tolerance), m_keys(run, rule.useVectors)
+    MedianWindow(const vfILWindowRun& run, const WindowShape& shape, const MedianRule& rule)
+        : m_run(run), m_shape(shape), m_count(shape.Entries()), m_tolerance(rule.tolerance),
+          m_keys(run, rule.useVectors)
+    {}
+    /// False when memory is short.
+    bool Allocate()
     {
-        for (const ElementRun& r : runs)
+        if (!m_keys.Allocate() || !m_offsets.Allocate(m_count)) return false;
+        std::ptrdiff_t* offset = m_offsets.Data();
+        for (const ShapeRun& r : m_shape)
             for (long x = r.first; x < r.first + r.length; ++x)
-                m_offsets.push_back(r.row * run.windows.step + x * std::ptrdiff_t{kPixelBytes});
+                *offset++ = r.row * m_run.windows.step + x * std::ptrdiff_t{kPixelBytes};
+        return true;
     }
 
-    std::size_t Count() const { return m_offsets.size(); }
+    const WindowShape& Shape() const { return m_shape; }
+    std::size_t Count() const { return m_count; }
     /// The place of the median in ascending order, and of the pixel that may stay.
-    std::size_t Middle() const { return m_offsets.size() >> 1; }
+    std::size_t Middle() const { return m_count >> 1; }
     bool Stays(int key, int median) const { return std::abs(key - median) <= m_tolerance; }
     /// The keys that are x pixels into an input row.
     const Sample* Keys(long row, long x) { return m_keys.Row(row) + x; }
@@ -79,9 +93,11 @@ private:
     static constexpr std::size_t kPixelBytes = sizeof(typename Format::Sample) * Format::kChannels;
 
     const vfILWindowRun& m_run;
+    const WindowShape& m_shape;
+    std::size_t m_count;
     int m_tolerance;
     WindowKeys<Format> m_keys;
-    std::vector<std::ptrdiff_t> m_offsets; ///< bytes from a window's corner to its pixels
+    RunArray<std::ptrdiff_t> m_offsets; ///< bytes from a window's corner to its pixels
 };
 
 /// The rows of a filter of windows that the row kernel takes.
@@ -90,33 +106,34 @@ class SmallMedians {
 public:
     using Sample = typename Format::Sample;
 
-    SmallMedians(MedianWindow<Format>& window, const ElementRuns& runs, long width, bool useVectors)
-        : m_window(window), m_runs(runs), m_width(static_cast<std::size_t>(width)),
-          m_kernel(FindRankCases<Sample>(useVectors).middle), m_chosen(MakeBuffer<Sample>(m_width))
+    SmallMedians(MedianWindow<Format>& window, long width, bool useVectors)
+        : m_window(window), m_width(static_cast<std::size_t>(width)),
+          m_kernel(FindRankCases<Sample>(useVectors).middle)
     {}
+    /// False when memory is short.
+    bool Allocate() { return m_chosen.Allocate(m_width); }
 
     void operator()(long row, Sample* results)
     {
-        m_keys.clear();
-        for (const ElementRun& r : m_runs)
+        const Sample* keys[kMostMiddleRows]; // by places
+        std::size_t count = 0;
+        for (const ShapeRun& r : m_window.Shape())
             for (long x = r.first; x < r.first + r.length; ++x)
-                m_keys.push_back(m_window.Keys(row + r.row, x));
-        m_kernel(m_keys.data(), m_keys.size(), m_chosen.get(), m_width);
+                keys[count++] = m_window.Keys(row + r.row, x);
+        m_kernel(keys, count, m_chosen.Data(), m_width);
         const std::size_t middle = m_window.Middle();
         for (std::size_t x = 0; x < m_width; ++x) {
             const std::size_t place = m_chosen[x];
-            const bool stays = m_window.Stays(m_keys[middle][x], m_keys[place][x]);
+            const bool stays = m_window.Stays(keys[middle][x], keys[place][x]);
             m_window.CopyPixel(row, x, stays ? middle : place, results);
         }
     }
 
 private:
     MedianWindow<Format>& m_window;
-    const ElementRuns& m_runs;
     std::size_t m_width;
     MiddleRow<Sample> m_kernel;
-    std::unique_ptr<Sample[]> m_chosen; ///< places
-    std::vector<const Sample*> m_keys;  ///< by places
+    RunArray<Sample> m_chosen; ///< places
 };
 
 /// The rows of a filter of windows of any size.
@@ -125,17 +142,23 @@ class LargeMedians {
 public:
     using Sample = typename Format::Sample;
 
-    LargeMedians(MedianWindow<Format>& window, const ElementRuns& runs, long width)
-        : m_window(window), m_runs(runs), m_width(width)
+    LargeMedians(MedianWindow<Format>& window, long width)
+        : m_window(window), m_shape(window.Shape()), m_width(width)
     {}
+    /// False when memory is short.
+    bool Allocate()
+    {
+        const std::size_t count = m_window.Count();
+        return m_keys.Allocate(m_shape.Count()) && m_counts.Allocate() && m_list.Allocate(count) &&
+               m_middlePlace.Allocate(count);
+    }
 
     void operator()(long row, Sample* results)
     {
-        m_keys.clear();
         m_counts.Clear();
-        for (const ElementRun& r : m_runs) {
-            m_keys.push_back(m_window.Keys(row + r.row, r.first));
-            std::for_each_n(m_keys.back(), r.length, [this](Sample key) { m_counts.Add(key); });
+        for (std::size_t r = 0; r < m_shape.Count(); ++r) {
+            m_keys[r] = m_window.Keys(row + m_shape[r].row, m_shape[r].first);
+            std::for_each_n(m_keys[r], m_shape[r].length, [this](Sample key) { m_counts.Add(key); });
         }
         for (long x = 0; x < m_width; ++x) {
             if (x > 0) SlideTo(x);
@@ -153,9 +176,9 @@ private:
     /// Moves the counted window by one pixel.
     void SlideTo(long x)
     {
-        for (std::size_t r = 0; r < m_runs.size(); ++r) {
+        for (std::size_t r = 0; r < m_shape.Count(); ++r) {
             m_counts.Remove(m_keys[r][x - 1]);
-            m_counts.Add(m_keys[r][x - 1 + m_runs[r].length]);
+            m_counts.Add(m_keys[r][x - 1 + m_shape[r].length]);
         }
     }
 
@@ -163,49 +186,58 @@ private:
     {
         auto before = static_cast<long>(m_window.Middle());
         std::size_t r = 0;
-        for (; before >= m_runs[r].length; ++r)
-            before -= m_runs[r].length;
+        for (; before >= m_shape[r].length; ++r)
+            before -= m_shape[r].length;
         return m_keys[r][x + before];
     }
 
     std::size_t PlaceOf(const MiddleKey<Sample>& median, long x)
     {
         if (m_window.Stays(KeyOfMiddle(x), median.key)) return m_window.Middle();
-        m_list.clear();
-        for (std::size_t r = 0; r < m_runs.size(); ++r)
-            m_list.insert(m_list.end(), m_keys[r] + x, m_keys[r] + x + m_runs[r].length);
-        return m_middlePlace(m_list, m_counts, median);
+        Sample* end = m_list.Data();
+        for (std::size_t r = 0; r < m_shape.Count(); ++r)
+            end = std::copy_n(m_keys[r] + x, m_shape[r].length, end);
+        return m_middlePlace(m_list.Data(), m_window.Count(), m_counts, median);
     }
 
     MedianWindow<Format>& m_window;
-    const ElementRuns& m_runs;
+    const WindowShape& m_shape;
     long m_width;
-    std::vector<const Sample*> m_keys; ///< by runs
+    RunArray<const Sample*> m_keys; ///< by runs
     KeyCounts<Sample> m_counts;
-    std::vector<Sample> m_list;
+    RunArray<Sample> m_list;
     MiddlePlace<Sample> m_middlePlace;
 };
 
-/// Does nothing for an output format that is not in the list.
+/// Does nothing for an output format that is not in the list. False when memory is short.
 template <class Formats>
-void RunMedians(const vfILMonadicSpatialProc& processor, vfILWindowRun& run, const MedianRule& rule)
+bool RunMedians(const vfILMonadicSpatialProc& filter, vfILWindowRun& run, const MedianRule& rule)
 {
-    const ElementRuns runs = EllipseRuns(double{processor.GetRadiusX()}, double{processor.GetRadiusY()});
-    Formats::Visit(FormatOf(processor.GetOutputImg()), [&](auto format) {
+    WindowShape shape;
+    if (!shape.SetEllipse(double{filter.GetRadiusX()}, double{filter.GetRadiusY()},
+                          {run.radiusX, run.radiusY}))
+        return false;
+    bool done = true;
+    Formats::Visit(FormatOf(filter.GetOutputImg()), [&](auto format) {
         using Format = decltype(format);
-        if (runs.empty()) return CopyCentres<Format>(processor, run);
-        MedianWindow<Format> window(run, runs, rule);
+        if (shape.IsEmpty()) return CopyCentres<Format>(filter, run);
+        MedianWindow<Format> window(run, shape, rule);
+        done = window.Allocate();
+        if (!done) return;
         const long width = run.processBox.GetSizeX();
-        const auto runRows = [&](auto writeRow) {
-            RunWindowRows<Format>(processor, run,
-                                  [&writeRow](long row, auto* results) { writeRow(row, results); });
+        const auto runRows = [&](auto medians) {
+            done = medians.Allocate();
+            if (!done) return;
+            RunWindowRows<Format>(filter, run,
+                                  [&medians](long row, auto* results) { medians(row, results); });
         };
         if (window.Count() <= kMostMiddleRows) {
-            runRows(SmallMedians<Format>(window, runs, width, rule.useVectors));
+            runRows(SmallMedians<Format>(window, width, rule.useVectors));
         } else {
-            runRows(LargeMedians<Format>(window, runs, width));
+            runRows(LargeMedians<Format>(window, width));
         }
     });
+    return done;
 }
 
 } // namespace vfil

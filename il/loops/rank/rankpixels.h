@@ -2,7 +2,11 @@
 /// The brightest or darkest pixels of rows, for RunFold: the first by rows of several.
 #pragma once
 
-#include "il/loops/morph/morphfold.h"
+#include "il/loops/frame/runarray.h"
+#include "il/rows/pixarith.h"
+#include "il/rows/rank/rankrows.h"
+
+#include <vfil/spatial.h>
 
 namespace vfil {
 
@@ -24,34 +28,36 @@ public:
           m_pick(FindPickRow(useVectors))
     {}
 
-    void Allocate(std::size_t slots, std::size_t rows, long pixels)
+    /// False when memory is short.
+    bool Allocate(std::size_t slots, std::size_t rows, long pixels)
     {
         m_pixels = static_cast<std::size_t>(pixels);
         m_rowWords = m_pixels * kWords;
-        m_brightness = MakeBuffer<Sample>(m_pixels);
         // One row more for the keys of a result, which nobody reads.
-        m_inputKeys = MakeBuffer<std::uint32_t>((slots + 1) * m_rowWords);
-        m_resultKeys = m_inputKeys.get() + slots * m_rowWords;
-        m_buffer = MakeBuffer<std::uint32_t>(2 * rows * m_rowWords);
+        if (!m_brightness.Allocate(m_pixels) || !m_inputKeys.Allocate((slots + 1) * m_rowWords) ||
+            !m_buffer.Allocate(2 * rows * m_rowWords))
+            return false;
+        m_resultKeys = m_inputKeys.Data() + slots * m_rowWords;
+        return true;
     }
     Target Buffer(std::size_t index)
     {
-        std::uint32_t* const keys = m_buffer.get() + 2 * index * m_rowWords;
+        std::uint32_t* const keys = m_buffer.Data() + 2 * index * m_rowWords;
         return {keys, reinterpret_cast<std::uint8_t*>(keys + m_rowWords)};
     }
 
     void Enter(long row, std::size_t slot)
     {
-        m_keyRow(RowOf<const Sample>(m_run.windows, row), m_brightness.get(), m_pixels);
+        m_keyRow(RowOf<const Sample>(m_run.windows, row), m_brightness.Data(), m_pixels);
         const auto flip = m_brightest ? Sample{0} : Arith<Sample>::kFull;
-        std::uint32_t* keys = m_inputKeys.get() + slot * m_rowWords;
+        std::uint32_t* keys = m_inputKeys.Data() + slot * m_rowWords;
         for (std::size_t i = 0; i < m_pixels; ++i)
             for (std::size_t word = 0; word < kWords; ++word)
                 keys[i * kWords + word] = static_cast<std::uint32_t>(m_brightness[i] ^ flip);
     }
     Row Input(long row, std::size_t slot) const
     {
-        return {m_inputKeys.get() + slot * m_rowWords, RowOf<const std::uint8_t>(m_run.windows, row)};
+        return {m_inputKeys.Data() + slot * m_rowWords, RowOf<const std::uint8_t>(m_run.windows, row)};
     }
     static Row Shift(Row row, long pixels)
     {
@@ -75,10 +81,10 @@ private:
     BrightnessRow<Sample> m_keyRow;
     PickRow m_pick;
     std::size_t m_pixels = 0, m_rowWords = 0;
-    std::unique_ptr<Sample[]> m_brightness;
-    std::unique_ptr<std::uint32_t[]> m_inputKeys; ///< by slots
+    RunArray<Sample> m_brightness;
+    RunArray<std::uint32_t> m_inputKeys; ///< by slots
     std::uint32_t* m_resultKeys = nullptr;
-    std::unique_ptr<std::uint32_t[]> m_buffer;
+    RunArray<std::uint32_t> m_buffer;
 };
 
 } // namespace vfil

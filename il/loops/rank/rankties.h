@@ -3,6 +3,8 @@
 /// row, their places among equal keys by following the exchanges of FindMedian.
 #pragma once
 
+#include "il/loops/frame/runarray.h"
+
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -10,7 +12,6 @@
 #include <cstdint>
 #include <functional>
 #include <numeric>
-#include <vector>
 
 namespace vfil {
 
@@ -25,9 +26,11 @@ struct MiddleKey {
 template <class Sample>
 class KeyCounts {
 public:
+    /// False when memory is short. Clear comes before all else.
+    bool Allocate() { return m_counts.Allocate(kHalves * kHalves); }
     void Clear()
     {
-        std::ranges::fill(m_counts, 0U);
+        std::fill_n(m_counts.Data(), kHalves * kHalves, 0U);
         std::ranges::fill(m_sums, 0U);
     }
     void Add(Sample key)
@@ -69,7 +72,7 @@ private:
     static constexpr std::size_t kHalfBits = 4 * sizeof(Sample);
     static constexpr std::size_t kHalves = std::size_t{1} << kHalfBits;
 
-    std::vector<std::uint32_t> m_counts = std::vector<std::uint32_t>(kHalves * kHalves);
+    RunArray<std::uint32_t> m_counts;
     std::array<std::uint32_t, kHalves> m_sums{};
 };
 
@@ -82,68 +85,75 @@ private:
 template <class Sample>
 class MiddlePlace {
 public:
+    /// Makes room for windows of so many keys. False when memory is short.
+    bool Allocate(std::size_t count)
+    {
+        return m_sorted.Allocate(count + 1) && m_standing.Allocate(count) && m_position.Allocate(count) &&
+               m_marks.Allocate((count + 63) / 64);
+    }
     /// \param keys    of the window, in row order
     /// \param counts  of these keys
-    std::size_t operator()(const std::vector<Sample>& keys, const KeyCounts<Sample>& counts,
+    std::size_t operator()(const Sample* keys, std::size_t count, const KeyCounts<Sample>& counts,
                            const MiddleKey<Sample>& middle)
     {
-        SortFromLargest(keys, counts, middle.key);
-        m_standing.resize(keys.size());
-        std::iota(m_standing.begin(), m_standing.end(), 0U);
-        m_position = m_standing;
-        m_marks.assign((keys.size() + 63) / 64, 0);
-        std::size_t end = keys.size();
-        auto group = m_sorted.begin();
+        const Place* const sortedEnd = SortFromLargest(keys, count, counts, middle.key);
+        std::iota(m_standing.Data(), m_standing.Data() + count, 0U);
+        std::copy_n(m_standing.Data(), count, m_position.Data());
+        std::fill_n(m_marks.Data(), (count + 63) / 64, std::uint64_t{0});
+        std::size_t end = count;
+        const Place* group = m_sorted.Data();
         while (keys[*group] != middle.key) {
-            const auto next = std::find_if(group, m_sorted.end(),
-                                           [&keys, key = keys[*group]](auto i) { return keys[i] != key; });
+            const Place* const next = std::find_if(
+                group, sortedEnd, [keys, key = keys[*group]](Place i) { return keys[i] != key; });
             MoveToEnd(group, next, end);
             group = next;
         }
-        Mark(group, m_sorted.end());
-        return m_standing[PositionOfMark((keys.size() >> 1) - middle.below)];
+        Mark(group, sortedEnd);
+        return m_standing[PositionOfMark((count >> 1) - middle.below)];
     }
 
 private:
-    using Places = std::vector<std::uint32_t>;
+    using Place = std::uint32_t;
 
-    /// The places of keys that are not below the middle, the largest first.
-    void SortFromLargest(const std::vector<Sample>& keys, const KeyCounts<Sample>& counts, Sample middle)
+    /// Puts the places of keys that are not below the middle into m_sorted, the largest first. Their end.
+    const Place* SortFromLargest(const Sample* keys, std::size_t count, const KeyCounts<Sample>& counts,
+                                 Sample middle)
     {
-        m_sorted.clear();
+        Place* const sorted = m_sorted.Data();
         if constexpr (sizeof(Sample) == 1) {
-            std::array<std::uint32_t, 256> starts;
-            std::uint32_t larger = 0;
+            std::array<Place, 256> starts;
+            Place larger = 0;
             for (std::size_t key = counts.Largest(); key >= middle; --key) {
                 starts[key] = larger;
-                larger += static_cast<std::uint32_t>(counts[key]);
+                larger += static_cast<Place>(counts[key]);
                 if (key == 0) break;
             }
             // Which keys are smaller is hard to foresee: they are written too, to one place at the end.
             std::fill_n(starts.begin(), middle, larger);
-            m_sorted.resize(larger + 1);
-            for (std::uint32_t i = 0; i < keys.size(); ++i) {
-                std::uint32_t& place = starts[keys[i]];
-                m_sorted[place] = i;
+            for (Place i = 0; i < count; ++i) {
+                Place& place = starts[keys[i]];
+                sorted[place] = i;
                 place += keys[i] >= middle ? 1U : 0U;
             }
-            m_sorted.pop_back();
+            return sorted + larger;
         } else {
-            for (std::uint32_t i = 0; i < keys.size(); ++i)
-                if (keys[i] >= middle) m_sorted.push_back(i);
-            std::ranges::sort(m_sorted, std::greater{}, [&keys](std::uint32_t i) { return keys[i]; });
+            Place* end = sorted;
+            for (Place i = 0; i < count; ++i)
+                if (keys[i] >= middle) *end++ = i;
+            std::ranges::sort(sorted, end, std::greater{}, [keys](Place i) { return keys[i]; });
+            return end;
         }
     }
 
     /// Marks the positions of some places.
-    void Mark(Places::const_iterator first, Places::const_iterator last)
+    void Mark(const Place* first, const Place* last)
     {
         for (; first != last; ++first)
             m_marks[m_position[*first] / 64] |= std::uint64_t{1} << m_position[*first] % 64;
     }
 
     /// Takes places of equal keys, in the range, out of what stands before `end`.
-    void MoveToEnd(Places::const_iterator first, Places::const_iterator last, std::size_t& end)
+    void MoveToEnd(const Place* first, const Place* last, std::size_t& end)
     {
         const auto exchange = [this, &end](std::uint32_t position) {
             const std::uint32_t moved = m_standing[--end];
@@ -172,10 +182,10 @@ private:
         return 64 * word + static_cast<std::size_t>(std::countr_zero(marks));
     }
 
-    Places m_sorted;
-    Places m_standing;                  ///< places by the positions where they stand
-    Places m_position;                  ///< the reverse
-    std::vector<std::uint64_t> m_marks; ///< a bit a position
+    RunArray<Place> m_sorted;
+    RunArray<Place> m_standing;      ///< places by the positions where they stand
+    RunArray<Place> m_position;      ///< the reverse
+    RunArray<std::uint64_t> m_marks; ///< a bit a position
 };
 
 } // namespace vfil

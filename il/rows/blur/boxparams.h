@@ -19,10 +19,11 @@ using MoveColumns = void (*)(const std::uint8_t* gained, const std::uint8_t* los
 
 /// Sums of `width` neighbouring columns each, times scale / 2 to the power of 32, rounded to nearest.
 ///
-/// \param columns  pixels + width - 1 of them, after a pixel of zeros and before the slack.
+/// \param columns  pixels + width - 1 of them, after any pixel and before the slack.
+/// \param beyond   What each sum has beside them, of each channel.
 template <class Sum>
-using BoxRow = void (*)(const Sum* columns, std::size_t width, std::uint32_t scale, std::uint8_t* out,
-                        std::size_t pixels);
+using BoxRow = void (*)(const Sum* columns, std::size_t width, const Sum* beyond, std::uint32_t scale,
+                        std::uint8_t* out, std::size_t pixels);
 
 /// The kernels of the box blur, for one level. Sums of a window fit 32 bits.
 struct BoxRows {

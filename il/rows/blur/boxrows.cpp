@@ -14,17 +14,17 @@ void PlainMove(const std::uint8_t* gained, const std::uint8_t* lost, Sum* column
 }
 
 template <std::size_t channels, class Sum>
-void PlainBox(const Sum* columns, std::size_t width, std::uint32_t scale, std::uint8_t* out,
-              std::size_t pixels)
+void PlainBox(const Sum* columns, std::size_t width, const Sum* beyond, std::uint32_t scale,
+              std::uint8_t* out, std::size_t pixels)
 {
     const std::size_t reach = (width - 1) * channels;
     for (std::size_t c = 0; c < channels; ++c) {
-        std::uint64_t sum = 0;
+        Sum sum = beyond[c];
         for (std::size_t i = c; i < reach; i += channels)
             sum += columns[i];
         for (std::size_t i = c; i < pixels * channels; i += channels) {
             sum += columns[i + reach];
-            out[i] = static_cast<std::uint8_t>((sum * scale + 0x80000000U) >> 32);
+            out[i] = static_cast<std::uint8_t>((std::uint64_t{sum} * scale + 0x80000000U) >> 32);
             sum -= columns[i];
         }
     }

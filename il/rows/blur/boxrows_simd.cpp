@@ -28,9 +28,9 @@ void Move(const std::uint8_t* gained, const std::uint8_t* lost, std::uint32_t* c
     MoveChunk(parts[0], parts[1], columns + at);
 }
 
-/// The sum of so many pixels, in each pixel's place.
+/// The sum of so many pixels and another one, in each pixel's place.
 template <int channels>
-S32 SumPixels(const std::uint32_t* columns, std::size_t pixels)
+S32 SumPixels(const std::uint32_t* columns, std::size_t pixels, const std::uint32_t* another)
 {
     const std::size_t samples = pixels * channels;
     S32 sums = Splat32(0);
@@ -39,6 +39,7 @@ S32 SumPixels(const std::uint32_t* columns, std::size_t pixels)
         sums = sums + LoadLanes(columns + at);
     std::uint32_t lanes[kLanes32];
     std::uint32_t totals[kLanes32] = {};
+    std::memcpy(totals, another, channels * sizeof *another);
     StoreLanes(lanes, sums);
     for (std::size_t i = 0; i < kLanes32; ++i)
         totals[i % channels] += lanes[i];
@@ -63,14 +64,14 @@ S32 RunningSums(S32 v)
 }
 
 template <int channels>
-void Box(const std::uint32_t* columns, std::size_t width, std::uint32_t scale, std::uint8_t* out,
-         std::size_t pixels)
+void Box(const std::uint32_t* columns, std::size_t width, const std::uint32_t* beyond, std::uint32_t scale,
+         std::uint8_t* out, std::size_t pixels)
 {
     const std::size_t samples = pixels * channels;
     const std::uint32_t* gained = columns + (width - 1) * channels;
     const std::uint32_t* lost = columns - channels;
     const S32 scales = Splat32(static_cast<std::int32_t>(scale));
-    S32 carried = SumPixels<channels>(columns, width - 1);
+    S32 carried = SumPixels<channels>(lost, width, beyond); // of the window before the first
     const auto next = [&](std::size_t at) {
         const S32 change = RunningSums<channels>(LoadLanes(gained + at) - LoadLanes(lost + at));
         const S32 sums = carried + change;

@@ -8,7 +8,8 @@
 /// array and nothing else.
 #pragma once
 
-#include "host/picture.h"
+#include <vfil/host/export.h>
+#include <vfil/host/picture.h>
 
 #include <filesystem>
 #include <optional>
@@ -19,7 +20,7 @@ namespace vfil::host {
 
 /// A picture file that cannot be read or written. what() is one line: the file's name, and what would be
 /// right.
-class FileError : public std::runtime_error {
+class VFIL_HOST_API FileError : public std::runtime_error {
 public:
     FileError(const std::filesystem::path& path, const std::string& text)
         : std::runtime_error(path.string() + ": " + text)
@@ -31,7 +32,7 @@ struct ReadOptions {
     /// The format of the result; for raw files, that of the file, and needed. From the other files, one of
     /// RGBA32, RGBA64, Mono8 and Mono16: a byte becomes a word by v * 257, a word becomes its high byte, gray
     /// becomes opaque RGBA; RGBA never becomes gray.
-    std::optional<GUID> format;
+    std::optional<vfILGuid> format;
     /// Size of a raw picture in pixels. Other files say their own size.
     long width = 0;
     long height = 0;
@@ -53,7 +54,7 @@ struct PictureInfo {
     int depth = 0;    ///< bits of a sample in the file; 8 for a palette
     int channels = 0; ///< channels of a pixel in the file, alpha included; a palette counts as colour
     AlphaState alpha = AlphaState::None;
-    GUID format{}; ///< what ReadPicture makes of it when no format is asked for
+    vfILGuid format{}; ///< what ReadPicture makes of it when no format is asked for
 };
 
 /// Pictures of files have at most this many pixels a side ...
@@ -67,13 +68,13 @@ inline constexpr std::uint64_t kMaxFileBytes = std::uint64_t{1} << 31;
 /// \throws FileError  The file is missing, unreadable, truncated, damaged, too large or of no known kind, or
 /// holds what
 ///                    cannot be turned into the wanted format.
-PicturePtr ReadPicture(const std::filesystem::path& path, const ReadOptions& options = {});
+VFIL_HOST_API PicturePtr ReadPicture(const std::filesystem::path& path, const ReadOptions& options = {});
 
 /// Reads no more than a file's header.
 ///
 /// \param options Format and size of a raw file.
 /// \throws FileError as ReadPicture does. A file that is damaged behind its header may pass.
-PictureInfo InspectPicture(const std::filesystem::path& path, const ReadOptions& options = {});
+VFIL_HOST_API PictureInfo InspectPicture(const std::filesystem::path& path, const ReadOptions& options = {});
 
 /// Writes a picture, in the kind of file that the name's ending says: .png, .jpg, .jpeg, .tif, .tiff or .raw.
 ///
@@ -83,17 +84,17 @@ PictureInfo InspectPicture(const std::filesystem::path& path, const ReadOptions&
 /// after a failure, a file that had that name is untouched, and nothing else is left behind.
 ///
 /// \throws FileError  The picture does not go into that kind of file, or the file cannot be written in full.
-void WritePicture(const std::filesystem::path& path, const Picture& picture,
-                  const WriteOptions& options = {});
+VFIL_HOST_API void WritePicture(const std::filesystem::path& path, const Picture& picture,
+                                const WriteOptions& options = {});
 
 /// Refuses, as WritePicture would, a name whose ending is of no known kind or whose folder does not exist. To
 /// be called before long work.
-void CheckWritable(const std::filesystem::path& path);
+VFIL_HOST_API void CheckWritable(const std::filesystem::path& path);
 
 /// Whether a path names a picture file: by its ending, and an existing file by its first bytes too.
-bool IsPictureFile(const std::filesystem::path& path);
+VFIL_HOST_API bool IsPictureFile(const std::filesystem::path& path);
 
 /// Whether both names lead to the same existing file.
-bool SamePath(const std::filesystem::path& a, const std::filesystem::path& b);
+VFIL_HOST_API bool SamePath(const std::filesystem::path& a, const std::filesystem::path& b);
 
 } // namespace vfil::host

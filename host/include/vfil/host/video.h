@@ -9,8 +9,9 @@
 /// written.
 #pragma once
 
-#include "host/picture.h"
-#include "host/picturefile.h"
+#include <vfil/host/export.h>
+#include <vfil/host/picture.h>
+#include <vfil/host/picturefile.h>
 
 #include <filesystem>
 #include <memory>
@@ -68,7 +69,7 @@ struct VideoInfo {
     Stated<Range> range;
     Stated<FieldOrder> fieldOrder;
     Stated<AlphaState> alpha;
-    GUID format{};                         ///< of the frames that VideoReader::Read gives
+    vfILGuid format{};                     ///< of the frames that VideoReader::Read gives
     std::vector<std::string> otherStreams; ///< "audio aac 48000 Hz stereo"
     std::vector<std::string> remarks;      ///< what was contradictory or lost, a line each, with the remedy
 };
@@ -76,7 +77,7 @@ struct VideoInfo {
 /// Reads a clip in order.
 ///
 /// An object is for one thread at a time; different objects are independent.
-class VideoReader {
+class VFIL_HOST_API VideoReader {
 public:
     /// \param path "-" is standard input.
     /// \throws FileError  There is no such file, it holds no video, its codec is unknown, it is damaged.
@@ -92,7 +93,7 @@ public:
     /// Passes over one frame without converting it. False behind the last. Throws as Read does.
     bool Skip();
 
-    class Impl;
+    class VFIL_LOCAL Impl;
     /// For the writer that is to make a clip like this one.
     const Impl& Inside() const { return *m_impl; }
 
@@ -102,7 +103,7 @@ private:
 
 /// What a clip is to be.
 struct VideoSettings {
-    GUID format{}; ///< of the frames that Write takes
+    vfILGuid format{}; ///< of the frames that Write takes
     long width = 0;
     long height = 0;
     Ratio rate{25, 1};
@@ -129,7 +130,7 @@ struct VideoSettings {
 /// failure, a file that had that name is untouched, and nothing else is left behind.
 ///
 /// An object is for one thread at a time.
-class VideoWriter {
+class VFIL_HOST_API VideoWriter {
 public:
     /// \param path "-" is standard output.
     /// \throws FileError  No such container or codec, a codec that cannot hold alpha where there is alpha, an
@@ -150,21 +151,22 @@ public:
     void Finish();
 
 private:
-    class Impl;
+    class VFIL_LOCAL Impl;
     std::unique_ptr<Impl> m_impl;
 };
 
 /// The reader of standard output went away: no fault of ours.
-class PipeClosed : public std::runtime_error {
+class VFIL_HOST_API PipeClosed : public std::runtime_error {
 public:
     PipeClosed() : std::runtime_error("standard output was closed") {}
 };
 
 /// The formats that frames may have so that \p path (with codec and container of \p settings) holds them
 /// without a change of colour model, best first for frames of \p settings.format. Empty for an unknown kind.
-std::vector<GUID> FormatsOfVideo(const std::filesystem::path& path, const VideoSettings& settings);
+VFIL_HOST_API std::vector<vfILGuid> FormatsOfVideo(const std::filesystem::path& path,
+                                                   const VideoSettings& settings);
 
 /// Whether a path names a clip rather than a picture: "-", or a file that is none of the picture files.
-bool IsVideo(const std::filesystem::path& path);
+VFIL_HOST_API bool IsVideo(const std::filesystem::path& path);
 
 } // namespace vfil::host

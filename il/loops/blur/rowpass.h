@@ -1,72 +1,15 @@
 /// \file
-/// The blurs whose cost does not depend on the radius: recursive filters down and up the columns, then along
-/// the rows both ways.
+/// The recursive blurs along the rows, and what they write.
+#pragma once
 
-#include "il/loops/blur/blurcolumns.h"
-#include "il/loops/frame/regions.h"
+#include "il/loops/blur/paddedinput.h"
+#include "il/loops/blur/recursion.h"
 #include "il/loops/frame/windowloop.h"
 
-#include <vfil/blur.h>
-
-#include <numeric>
-
-using namespace vfil;
+#include <algorithm>
+#include <cstring>
 
 namespace vfil {
-
-bool PaddedInput::Prepare()
-{
-    if (!FindColumns()) return false;
-    const auto rowBytes = static_cast<std::size_t>(m_columns * m_input.RowPixelBytes());
-    return m_rows.Allocate(kRowsAtOnce * rowBytes);
-}
-
-/// Columns beyond an edge are those of the picture again, or one of the edge colour. Which ones they are the
-/// edge rule tells by itself, of a row of numbers.
-bool PaddedInput::FindColumns()
-{
-    const auto picture = static_cast<std::size_t>(m_input.width);
-    const auto width = static_cast<std::size_t>(Width());
-    RunArray<std::int32_t> numbers;
-    if (!numbers.Allocate(picture) || !m_columnOf.Allocate(width)) return false;
-    std::iota(numbers.Data(), numbers.Data() + picture, 0);
-    const long left = m_window.GetOffsetX();
-    const long right = left + Width();
-    m_firstColumn = std::max(left, -1L);
-    m_columns = std::min(right, m_input.width + 1) - m_firstColumn;
-
-    ImageView line = m_input;
-    line.pixels = reinterpret_cast<unsigned char*>(numbers.Data());
-    line.height = 1;
-    line.pixelBytes = sizeof(std::int32_t);
-    EdgeRule edge{m_edge.mode, {}};
-    const auto outside = static_cast<std::int32_t>(left < 0 ? -1 : m_input.width);
-    std::memcpy(edge.colour.bytes, &outside, sizeof outside);
-    ReadWindow(line, {left, 0, Width(), 1}, edge, m_useVectors,
-               reinterpret_cast<unsigned char*>(m_columnOf.Data()));
-    std::int32_t* const columns = m_columnOf.Data();
-    std::for_each_n(columns, width,
-                    [this](std::int32_t& number) { number -= static_cast<std::int32_t>(m_firstColumn); });
-    if (std::all_of(columns, columns + width,
-                    [this](long column) { return column >= 0 && column < m_columns; }))
-        return true;
-    m_firstColumn = left; // some repeat columns that the window does not reach
-    m_columns = Width();
-    std::iota(columns, columns + width, 0);
-    return true;
-}
-
-vfILRowWalk PaddedInput::Rows(long first, long count) const
-{
-    const vfILRowWalk rows{m_rows.Data(), std::ptrdiff_t{m_columns} * m_input.RowPixelBytes(), nullptr, 0};
-    ReadWindow(m_input, {m_firstColumn, m_window.GetOffsetY() + first, m_columns, count}, m_edge,
-               m_useVectors, m_rows.Data());
-    return rows;
-}
-
-} // namespace vfil
-
-namespace {
 
 /// The filter along the rows, for as many rows at once as a group of sequences holds: sample x of all of them
 /// lies together. Then the results go to the output.
@@ -79,8 +22,7 @@ public:
     RowPass(const vfILProcessor& processor, const PaddedInput& input)
         : m_processor(processor), m_run(input.Run()), m_columns(static_cast<std::size_t>(input.Width())),
           m_width(static_cast<std::size_t>(m_run.processBox.GetSizeX())),
-          m_channels(Format::Channels(processor)),
-          m_isDirect(m_run.mask.first == nullptr && m_channels == (1U << kChannels) - 1),
+          m_channels(SelectedChannels<Format>(m_run)), m_isDirect(WritesToOutput<Format>(m_run)),
           m_row(FindRecursionRows(input.UsesVectors()))
     {}
     bool SetUp(const RecursionDesign& design, const PaddedInput& input, std::size_t groups)
@@ -184,50 +126,4 @@ private:
     std::size_t m_taken = 0;
 };
 
-/// The filters of both axes.
-struct BlurDesign {
-    RecursionDesign x, y;
-};
-
-/// Filters the whole effect box. False when memory is short.
-template <class Form, class Format>
-bool Convolve2Pass(const vfILProcessor& processor, const PaddedInput& input, const BlurDesign& design)
-{
-    ColumnPass<Form, typename Format::Sample> down(input, Format::kChannels);
-    RowPass<Form, Format> across(processor, input);
-    if (!down.SetUp(design.y) || !across.SetUp(design.x, input, down.Groups())) return false;
-    down.Run(across);
-    across.Finish();
-    return true;
-}
-
-} // namespace
-
-/// What a row becomes depends on all rows, by the filter's roundings: bands would not do, and the columns are
-/// read where the input has them.
-vfILStatus vfILBlurImg::BlurRecursively()
-{
-    const vfILWindowRun& run = Run();
-    const ImageView input = InputOf(*this, run);
-    PaddedInput padded(run, input, run.windowBox, EdgeRuleOf(*this), m_simdAvailable != 0);
-    if (run.rows == 0) return VFIL_SUCCESS;
-
-    const bool isGauss = m_type >= VFIL_BLUR_FAST_GAUSS;
-    const auto design = isGauss ? DesignFastGauss : DesignExponential;
-    const BlurDesign both{design(double{GetRadiusX()} * m_degree, run.radiusX),
-                          design(double{GetRadiusY()} * m_degree, run.radiusY)};
-    const bool isFixed = m_type == VFIL_BLUR_EXPONENTIAL || m_type == VFIL_BLUR_FAST_GAUSS;
-    bool done = padded.Prepare();
-    PointFormats::Visit(OutputFormat(), [&](auto format) {
-        using Format = decltype(format);
-        if constexpr (sizeof(typename Format::Sample) == 1) {
-            if (isFixed) {
-                done = done && Convolve2Pass<FixedRecursion, Format>(*this, padded, both);
-                return;
-            }
-        }
-        done = done && Convolve2Pass<FloatRecursion, Format>(*this, padded, both);
-    });
-    if (done) return VFIL_SUCCESS;
-    return Fail(0x10001, "%s ERROR DoEffect: insufficient memory space\n", GetClassNameW());
-}
+} // namespace vfil

@@ -6,84 +6,18 @@
 /// them.
 #pragma once
 
+#include "il/loops/blur/groupring.h"
+#include "il/loops/blur/interruptpoll.h"
+#include "il/loops/blur/paddedinput.h"
 #include "il/loops/blur/recursion.h"
-#include "il/loops/frame/padding.h"
 #include "il/loops/frame/rowloop.h"
 
-#include <vfil/spatial.h>
-
+#include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <limits>
 
 namespace vfil {
-
-/// The padded input's rows, without the columns that repeat others beyond an edge.
-class PaddedInput {
-public:
-    /// \param window  All that the windows cover, in the input's coordinates.
-    PaddedInput(const vfILWindowRun& run, const ImageView& input, const vfILBbox2l& window,
-                const EdgeRule& edge, bool useVectors)
-        : m_run(run), m_input(input), m_window(window), m_edge(edge), m_useVectors(useVectors)
-    {}
-    /// False when memory is short.
-    bool Prepare();
-    const vfILWindowRun& Run() const { return m_run; }
-    bool UsesVectors() const { return m_useVectors; }
-    long Width() const { return m_window.GetSizeX(); }
-    long Height() const { return m_window.GetSizeY(); }
-    /// Columns that rows have.
-    long Columns() const { return m_columns; }
-    /// Which of them column \p x of the padded input is.
-    long ColumnOf(long x) const { return m_columnOf[static_cast<std::size_t>(x)]; }
-    /// Some rows, at most kRowsAtOnce, until the next call.
-    vfILRowWalk Rows(long first, long count) const;
-    static constexpr long kRowsAtOnce = 16;
-
-private:
-    bool FindColumns();
-
-    const vfILWindowRun& m_run;
-    const ImageView& m_input;
-    const vfILBbox2l m_window;
-    const EdgeRule m_edge;
-    const bool m_useVectors;
-    long m_firstColumn = 0; ///< in input coordinates
-    long m_columns = 0;
-    RunArray<std::int32_t> m_columnOf;
-    RunArray<unsigned char> m_rows;
-};
-
-/// Rows of a longer sequence, each in the place of one that is no longer needed. What a group of sequences
-/// has in all rows lies together, so that the steps of a recursion go on through memory.
-template <class Element, std::size_t group>
-class GroupRing {
-public:
-    /// \param elements  Room for the rows of all groups.
-    void Place(Element* elements, long rows)
-    {
-        m_elements = elements;
-        m_rows = rows;
-    }
-    Element* Row(long index) const { return m_elements + index % m_rows * kStep; }
-    /// Elements from a group to the next.
-    std::ptrdiff_t Across() const { return m_rows * kStep; }
-    /// The rows from one on; before it for a direction of -1.
-    SequenceRow<Element> From(long index, int direction) const
-    {
-        return {Row(index), direction * kStep, Across()};
-    }
-    long Rows() const { return m_rows; }
-    /// Rows from one on that lie one behind the other.
-    long RowsOnwards(long index) const { return m_rows - index % m_rows; }
-    /// Rows from one back that lie one before the other.
-    long RowsBackwards(long index) const { return index % m_rows + 1; }
-
-private:
-    static constexpr auto kStep = static_cast<std::ptrdiff_t>(group);
-
-    Element* m_elements = nullptr;
-    long m_rows = 0;
-};
 
 /// The filter down and up the columns. It gives the rows from the last one up.
 template <class Form, class Sample>
@@ -91,15 +25,18 @@ class ColumnPass {
 public:
     using Value = typename Form::Value;
 
-    ColumnPass(const PaddedInput& input, long channels)
-        : m_input(input), m_samples(static_cast<std::size_t>(input.Columns() * channels)),
-          m_groups((m_samples + kGroup - 1) / kGroup), m_length(input.Height()), m_block(BlockRows(m_length))
+    ColumnPass(const vfILProcessor& processor, const PaddedInput& input, long channels)
+        : m_poll(processor), m_input(input), m_samples(static_cast<std::size_t>(input.Columns() * channels)),
+          m_groups((m_samples + kGroup - 1) / kGroup), m_length(input.Height()), m_block(BlockRows(m_length)),
+          m_mostSteps(
+              static_cast<long>(std::max(InterruptPoll::kSteps / (m_groups * kGroup), std::size_t{1})))
     {}
     bool SetUp(const RecursionDesign& design);
     std::size_t Groups() const { return m_groups; }
-    /// Gives the rows to a taker with Place(), Room() and Take(row, rows), until Take returns false.
+    /// Gives the rows to a taker with Place(), Room() and Take(row, rows). False when the run was
+    /// interrupted, by itself or, as Take tells, by the taker.
     template <class Taker>
-    void Run(Taker& taker);
+    bool Run(Taker& taker);
 
 private:
     using Number = typename Form::Number;
@@ -115,21 +52,28 @@ private:
         return m_states + static_cast<std::size_t>(block - m_firstBlock) * m_down.StateNumbers();
     }
     bool Allocate(long rows);
-    void Read(long first, long last) const;
-    void HoldRows(long first, long last);
-    void KeepStates();
-    void GoDown(long block, Number* states, bool areWanted);
     template <class Taker>
-    bool GoUp(long block, Taker& taker) const;
+    bool CopyRows(Taker& taker) const;
+    // Each returns false when the run was interrupted.
+    bool Read(long first, long last);
+    bool HoldRows(long first, long last);
+    bool KeepStates();
+    bool GoDown(long block, Number* states, bool areWanted);
     template <class Taker>
-    void CopyRows(Taker& taker) const;
+    bool GoUp(long block, Taker& taker);
+    bool GoesOnAfter(long steps)
+    {
+        return !m_poll.MustStop(static_cast<std::size_t>(steps) * m_groups * kGroup);
+    }
 
+    InterruptPoll m_poll;
     const PaddedInput& m_input;
     const std::size_t m_samples; ///< of a row
     const std::size_t m_groups;
     const long m_length;
-    const long m_block;    ///< rows between kept states
-    long m_firstBlock = 0; ///< that has rows which the way up needs
+    const long m_block;     ///< rows between kept states
+    const long m_mostSteps; ///< of a recursion between two questions for the interruption
+    long m_firstBlock = 0;  ///< that has rows which the way up needs
     RecursionDesign m_design;
     RecursionPass<Form, Sample> m_down;
     RecursionPass<Form, Value> m_up;
@@ -178,7 +122,7 @@ bool ColumnPass<Form, Sample>::Allocate(long rows)
 
 /// Reads the rows first .. last - 1, group by group.
 template <class Form, class Sample>
-void ColumnPass<Form, Sample>::Read(long first, long last) const
+bool ColumnPass<Form, Sample>::Read(long first, long last)
 {
     for (long row = first; row < last; row += PaddedInput::kRowsAtOnce) {
         const long rows = std::min(PaddedInput::kRowsAtOnce, last - row);
@@ -197,30 +141,33 @@ void ColumnPass<Form, Sample>::Read(long first, long last) const
                 }
             }
         }
+        if (!GoesOnAfter(rows)) return false;
     }
+    return true;
 }
 
 /// Reads what is missing of the rows first .. last - 1.
 template <class Form, class Sample>
-void ColumnPass<Form, Sample>::HoldRows(long first, long last)
+bool ColumnPass<Form, Sample>::HoldRows(long first, long last)
 {
-    Read(m_lastInput, last);
+    if (!Read(m_lastInput, last)) return false;
     m_lastInput = std::max(m_lastInput, last);
     m_firstInput = std::max(m_firstInput, m_lastInput - m_inputs.Rows());
-    Read(first, m_firstInput);
+    if (!Read(first, m_firstInput)) return false;
     m_firstInput = std::min(m_firstInput, first);
     m_lastInput = std::min(m_lastInput, m_firstInput + m_inputs.Rows());
+    return true;
 }
 
 /// The way down through a block. Rows before the first are 0.
 template <class Form, class Sample>
-void ColumnPass<Form, Sample>::GoDown(long block, Number* states, bool areWanted)
+bool ColumnPass<Form, Sample>::GoDown(long block, Number* states, bool areWanted)
 {
     const long first = block * m_block;
     const long last = std::min(first + m_block, m_length);
-    HoldRows(std::max(0L, first - m_design.reach - 1), last);
+    if (!HoldRows(std::max(0L, first - m_design.reach - 1), last)) return false;
     for (long row = first; row < last;) {
-        long steps = last - row;
+        long steps = std::min(last - row, m_mostSteps);
         const auto delayed = [&](long delay) {
             const long at = row - delay;
             steps = std::min(steps, at < 0 ? -at : m_inputs.RowsOnwards(at));
@@ -235,12 +182,14 @@ void ColumnPass<Form, Sample>::GoDown(long block, Number* states, bool areWanted
         const auto result = areWanted ? m_downs.From(row, 1) : SequenceRow<Value>{};
         m_down.Advance({current, flat, tail, result}, states, steps);
         row += steps;
+        if (!GoesOnAfter(steps)) return false;
     }
+    return true;
 }
 
 /// The first way down: leaves the states before each block in their place.
 template <class Form, class Sample>
-void ColumnPass<Form, Sample>::KeepStates()
+bool ColumnPass<Form, Sample>::KeepStates()
 {
     Number* states = StatesOf(m_firstBlock);
     m_down.Start(states);
@@ -249,20 +198,21 @@ void ColumnPass<Form, Sample>::KeepStates()
             states = StatesOf(block + 1);
             std::copy_n(StatesOf(block), m_down.StateNumbers(), states);
         }
-        GoDown(block, states, false);
+        if (!GoDown(block, states, false)) return false;
     }
+    return true;
 }
 
 /// The way up through a block. Rows after the last are 0, and the results begin after a warm-up of as many
 /// rows as the filter reaches.
 template <class Form, class Sample>
 template <class Taker>
-bool ColumnPass<Form, Sample>::GoUp(long block, Taker& taker) const
+bool ColumnPass<Form, Sample>::GoUp(long block, Taker& taker)
 {
     const long first = std::max(block * m_block, m_design.reach);
     const long results = m_length - 2 * m_design.reach;
     for (long row = std::min((block + 1) * m_block, m_length) - 1; row >= first;) {
-        long steps = row - first + 1;
+        long steps = std::min(row - first + 1, m_mostSteps);
         const auto delayed = [&](long delay) {
             const long at = row + delay;
             steps = std::min(steps, at < m_length ? m_downs.RowsBackwards(at) : at - m_length + 1);
@@ -280,13 +230,14 @@ bool ColumnPass<Form, Sample>::GoUp(long block, Taker& taker) const
                      steps);
         if (isWanted && !taker.Take(result, steps)) return false;
         row -= steps;
+        if (!GoesOnAfter(steps)) return false;
     }
     return true;
 }
 
 template <class Form, class Sample>
 template <class Taker>
-void ColumnPass<Form, Sample>::CopyRows(Taker& taker) const
+bool ColumnPass<Form, Sample>::CopyRows(Taker& taker) const
 {
     bool goesOn = true;
     for (long row = m_length - 1 - m_design.reach; row >= m_design.reach && goesOn; --row) {
@@ -299,20 +250,20 @@ void ColumnPass<Form, Sample>::CopyRows(Taker& taker) const
                 static_cast<Value>(samples[i] * Form::kSampleUnit);
         goesOn = taker.Take(row - m_design.reach, 1);
     }
+    return goesOn;
 }
 
 template <class Form, class Sample>
 template <class Taker>
-void ColumnPass<Form, Sample>::Run(Taker& taker)
+bool ColumnPass<Form, Sample>::Run(Taker& taker)
 {
     if (m_design.isIdentity) return CopyRows(taker);
-    KeepStates();
+    if (!KeepStates()) return false;
     m_up.Start(m_upStates);
     bool goesOn = true;
-    for (long block = (m_length - 1) / m_block; block >= m_firstBlock && goesOn; --block) {
-        GoDown(block, StatesOf(block), true);
-        goesOn = GoUp(block, taker);
-    }
+    for (long block = (m_length - 1) / m_block; block >= m_firstBlock && goesOn; --block)
+        goesOn = GoDown(block, StatesOf(block), true) && GoUp(block, taker);
+    return goesOn;
 }
 
 } // namespace vfil

@@ -2,6 +2,7 @@
 /// The picture of the embedded host: an IPXImage of any format, and a pointer that counts its references.
 #pragma once
 
+#include <vfil/host/export.h>
 #include <vfil/image.h>
 #include <vfil/pxformat.h>
 
@@ -25,7 +26,7 @@ class PicturePtr;
 /// thread at a time, but several may read a picture that nobody changes.
 ///
 /// All operations check their pointers (E_POINTER) and leave the picture as it was when they fail.
-class Picture final : public IPXImage, public IPXImageOps {
+class VFIL_HOST_API Picture final : public IPXImage, public IPXImageOps {
 public:
     /// Width and height are at most this.
     static constexpr long kMaxSide = 0x7FFFFFFF;
@@ -36,14 +37,14 @@ public:
     ///
     /// \throws std::invalid_argument  The format is none of the 27, or a side is negative or beyond kMaxSide.
     /// \throws std::bad_alloc         Memory is short, or the size overflows.
-    static PicturePtr Create(const GUID& format, long width, long height);
+    static PicturePtr Create(const vfILGuid& format, long width, long height);
     /// A picture without a size, as the class factory makes it. Null when memory is short.
     static PicturePtr CreateEmpty() noexcept;
 
     Picture(const Picture&) = delete;
     Picture& operator=(const Picture&) = delete;
 
-    const GUID& Format() const { return m_content.format->id; }
+    const vfILGuid& Format() const { return m_content.format->id; }
     const vfILFormatInfo& FormatInfo() const { return *m_content.format; }
     long Width() const { return m_content.width; }
     long Height() const { return m_content.height; }
@@ -70,55 +71,55 @@ public:
     }
 
     /// Answers IID_IUnknown, IID_IPXImage and IID_IPXImageOps.
-    HRESULT QueryInterface(const IID& riid, void** object) override;
+    vfILResult QueryInterface(const vfILGuid& riid, void** object) override;
     unsigned long AddRef() override;
     unsigned long Release() override;
 
-    HRESULT GetFormat(GUID* format) override;
+    vfILResult GetFormat(vfILGuid* format) override;
     /// A format other than the present one drops the pixels and makes the size 0 by 0. E_INVALIDARG for an
     /// identifier that is none of the 27 formats.
-    HRESULT SetFormat(const GUID* format) override;
-    HRESULT GetDimensions(long* width, long* height) override;
+    vfILResult SetFormat(const vfILGuid* format) override;
+    vfILResult GetDimensions(long* width, long* height) override;
     /// The size in pixels until SetExtent says otherwise.
-    HRESULT GetExtent(double* width, double* height) override;
-    HRESULT SetExtent(double width, double height) override;
-    HRESULT GetOrigin(double* x, double* y) override;
-    HRESULT SetOrigin(double x, double y) override;
-    HRESULT GetChannelCount(long* count) override;
-    HRESULT GetSampleBytes(long* bytes) override;
-    HRESULT GetChannelBytes(long* bytes) override;
-    HRESULT GetPixelBytes(long* bytes) override;
-    HRESULT GetPixelArray(void** pixels) override;
-    HRESULT GetPixelArraySize(unsigned long* bytes) override;
+    vfILResult GetExtent(double* width, double* height) override;
+    vfILResult SetExtent(double width, double height) override;
+    vfILResult GetOrigin(double* x, double* y) override;
+    vfILResult SetOrigin(double x, double y) override;
+    vfILResult GetChannelCount(long* count) override;
+    vfILResult GetSampleBytes(long* bytes) override;
+    vfILResult GetChannelBytes(long* bytes) override;
+    vfILResult GetPixelBytes(long* bytes) override;
+    vfILResult GetPixelArray(void** pixels) override;
+    vfILResult GetPixelArraySize(unsigned long* bytes) override;
     /// New pixels are 0; a size with a side of 0 leaves the picture without pixels. E_INVALIDARG for a side
     /// that is negative or beyond kMaxSide, E_OUTOFMEMORY for what memory cannot hold.
-    HRESULT SetDimensions(long width, long height) override;
+    vfILResult SetDimensions(long width, long height) override;
     /// Rows arrive lowest y first; in 4:2:2 with an alpha plane the rectangle's plane follows its 4:2:2 rows.
     /// E_INVALIDARG unless the rectangle is inside the picture; an empty one inside copies nothing.
-    HRESULT ReadRegion(void* destination, long x, long y, long width, long height) override;
+    vfILResult ReadRegion(void* destination, long x, long y, long width, long height) override;
     /// In 4:2:2 formats \p pixel is the group of two pixels, 4 bytes: even columns take its first two bytes,
     /// odd ones its last two; with an alpha plane a fifth byte is alpha. Rectangles as for ReadRegion.
-    HRESULT FillRegion(const void* pixel, long x, long y, long width, long height) override;
+    vfILResult FillRegion(const void* pixel, long x, long y, long width, long height) override;
     /// Takes format, size and pixels, and the state flags, which describe those. Any host's picture will do,
     /// as long as its pixel array has the size that follows from format and dimensions (else E_INVALIDARG).
     /// Extent, origin and tag stay.
-    HRESULT CopyFrom(IPXImage* source) override;
+    vfILResult CopyFrom(IPXImage* source) override;
     /// 0 for a flag that was never set. E_INVALIDARG for an id outside 0 .. kStates - 1, here and in
     /// SetImageState.
-    HRESULT GetImageState(long id, long* value) override;
-    HRESULT SetImageState(long id, long value) override;
-    HRESULT GetTag(unsigned long* value) override;
-    HRESULT SetTag(unsigned long value) override;
+    vfILResult GetImageState(long id, long* value) override;
+    vfILResult SetImageState(long id, long value) override;
+    vfILResult GetTag(unsigned long* value) override;
+    vfILResult SetTag(unsigned long value) override;
 
     /// The copy has extent, origin and tag of this picture too.
-    HRESULT CloneImage(const IID& riid, void** out) override;
+    vfILResult CloneImage(const vfILGuid& riid, void** out) override;
     /// The same without pixels, size and state flags.
-    HRESULT CloneImageNoData(const IID& riid, void** out) override;
+    vfILResult CloneImageNoData(const vfILGuid& riid, void** out) override;
     /// Exchanges everything but the references. E_INVALIDARG unless \p other is a Picture, here and in
     /// SwapImageData.
-    HRESULT SwapImage(IPXImage* other) override;
+    vfILResult SwapImage(IPXImage* other) override;
     /// E_INVALIDARG unless the two arrays have the same number of bytes.
-    HRESULT SwapImageData(IPXImage* other) override;
+    vfILResult SwapImageData(IPXImage* other) override;
 
 private:
     struct Free {
@@ -147,7 +148,7 @@ private:
     ~Picture() = default;
 
     PicturePtr CloneHeader() const noexcept;
-    HRESULT Allocate(const vfILFormatInfo& format, long width, long height);
+    vfILResult Allocate(const vfILFormatInfo& format, long width, long height);
     bool Contains(long x, long y, long width, long height) const;
     std::size_t RowOffset(long y) const;
     std::size_t AlphaRowOffset(long y) const;

@@ -20,10 +20,12 @@ struct Layers {
     PicturePtr Frame::*back;
     PicturePtr Frame::*front;
     PicturePtr Frame::*out;
+    int fullScale = 0;
 };
 constexpr Layers kApart = {&Frame::back, &Frame::front, &Frame::out};
 constexpr Layers kOverBack = {&Frame::back, &Frame::front, &Frame::back};
 constexpr Layers kApart16 = {&Frame::back16, &Frame::front16, &Frame::out16};
+constexpr Layers kFullScale16 = {&Frame::back16, &Frame::front16, &Frame::out16, 1};
 
 template <class Processor>
 void RunLayer(const Frame& frame, Layers layers, bool frontPremultiplied, bool backPremultiplied)
@@ -36,6 +38,7 @@ void RunLayer(const Frame& frame, Layers layers, bool frontPremultiplied, bool b
     processor.SetImgAPremultiplied(backPremultiplied);
     processor.SetImgBPremultiplied(frontPremultiplied);
     processor.SetProcessingMode(15);
+    processor.SetFullScale16(layers.fullScale);
     Execute(processor);
 }
 
@@ -102,6 +105,12 @@ void AddLayers()
     AddMix(std::string("masked mix") + kInPlace, kOverBack);
     AddLayer<vfILOverImage>("over, 16 bits", kApart16);
     AddLayer<vfILOverImage>("over, both straight, 16 bits", kApart16, false, false);
+    AddLayer<vfILOverImage>("over, 16 bits, full scale", kFullScale16);
+    AddLayer<vfILAtopImage>("atop, 16 bits", kApart16);
+    AddLayer<vfILAtopImage>("atop, 16 bits, full scale", kFullScale16);
+    AddLayer<vfILAddImage>("add, 16 bits", kApart16);
+    AddLayer<vfILMultImage>("mult, 16 bits", kApart16);
+    AddLayer<vfILLighterImage>("lighter, 16 bits", kApart16);
     AddLayerRows("over", LayerOp::Over, true);
     AddLayerRows("over, front straight", LayerOp::Over, false);
     AddLayerRows("xor", LayerOp::Xor, true);

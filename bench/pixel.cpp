@@ -26,7 +26,7 @@ void AddRows()
 {
     for (const bool streaming : {true, false}) {
         Add("invert", RowsName(streaming),
-            [kernel = vfil::FindInvertRow8(true, streaming)](const Frame& frame) {
+            [kernel = vfil::FindInvertRow<std::uint8_t>(true, streaming)](const Frame& frame) {
                 for (std::size_t y = 0; y < kHeight; ++y)
                     kernel(Row<std::uint8_t>(frame.back, y), Row<std::uint8_t>(frame.out, y), kWidth,
                            0xFFFFFFFF);

@@ -1,7 +1,7 @@
 /// \file
 /// The layer family: two pictures, a front and a back.
+#include <catalogue/entry.h>
 #include <catalogue/families.h>
-#include <catalogue/names.h>
 #include <catalogue/parameters.h>
 
 #include <vfil/composite.h>
@@ -25,7 +25,7 @@ template <class P>
 Parameter AlphaMode()
 {
     return ChoiceParameter<&P::SetAlphaMode, &P::GetAlphaMode>(
-        "SetAlphaMode", VFIL_ALPHA_COMPUTED, "what becomes of the output's alpha",
+        VFIL_ALPHA_COMPUTED, "what becomes of the output's alpha",
         {{"zero", VFIL_ALPHA_ZERO, "clear"},
          {"full", VFIL_ALPHA_FULL, "opaque"},
          {"computed", VFIL_ALPHA_COMPUTED, "by the operator's rule"}},
@@ -53,7 +53,8 @@ Parameter InputOffset()
             [](const vfILProcessor& p) {
                 const vfILVector2l& offset = As<vfILDyadicImgProc>(p).GetInputOffset();
                 return Value{static_cast<double>(offset[0]), static_cast<double>(offset[1])};
-            }};
+            },
+        .role = ParameterRole::InputOffset};
 }
 
 Parameter DominantInput()
@@ -79,38 +80,69 @@ Parameter DominantInput()
                     const auto& dyadic = As<vfILDyadicImgProc>(p);
                     const bool isA = dyadic.GetDominantInput() == dyadic.GetInputImgA();
                     return Value{isA ? kDominantA : kDominantB};
-                }};
+                },
+            .role = ParameterRole::DominantInput};
 }
 
 Parameter ExtraTransparency()
 {
     return ShareParameter<&vfILCompImg::SetExtraTransparency, &vfILCompImg::GetExtraTransparency>(
-        "SetExtraTransparency", 1, "strength of the front; 1 is full strength, 0 leaves nothing of it",
-        0x10012);
+        1, "strength of the front; 1 is full strength, 0 leaves nothing of it", 0x10012);
 }
 
 Parameter MixAmount()
 {
     return ShareParameter<&vfILCompositeImg::SetAlpha, &vfILCompositeImg::GetAlpha>(
-        "SetAlpha", 1, "amount of the mix, multiplied with the mask; 0 leaves the back's colour", 0x10012);
+        1, "amount of the mix, multiplied with the mask; 0 leaves the back's colour", 0x10012);
+}
+
+// How the colour of an input is taken, whatever the picture says.
+template <auto kSet, auto kGet>
+Parameter Premultiplication(const std::optional<Value>& fallback, const char* summary)
+{
+    Parameter parameter = FlagParameter<kSet, kGet>(fallback, summary);
+    parameter.role = ParameterRole::Premultiplication;
+    return parameter;
 }
 
 Parameter ImgAPremultiplied()
 {
-    return FlagParameter<&vfILCompImg::SetImgAPremultiplied, &vfILCompImg::GetImgAPremultiplied>(
-        "SetImgAPremultiplied", std::nullopt, "take the back's colour as already multiplied by its alpha");
+    return Premultiplication<&vfILCompImg::SetImgAPremultiplied, &vfILCompImg::GetImgAPremultiplied>(
+        std::nullopt, "take the back's colour as already multiplied by its alpha");
 }
 
 Parameter ImgBPremultiplied()
 {
-    return FlagParameter<&vfILCompImg::SetImgBPremultiplied, &vfILCompImg::GetImgBPremultiplied>(
-        "SetImgBPremultiplied", std::nullopt, "take the front's colour as already multiplied by its alpha");
+    return Premultiplication<&vfILCompImg::SetImgBPremultiplied, &vfILCompImg::GetImgBPremultiplied>(
+        std::nullopt, "take the front's colour as already multiplied by its alpha");
 }
 
 Parameter NeverPremultiplyBackImage()
 {
-    return FlagParameter<&vfILCompImg::NeverPremultiplyBackImage, &vfILCompImg::IsNeverPremultiplyBackImage>(
-        "NeverPremultiplyBackImage", Value{0}, "take the back's colour as it stands, whatever its alpha");
+    return Premultiplication<&vfILCompImg::NeverPremultiplyBackImage,
+                             &vfILCompImg::IsNeverPremultiplyBackImage>(
+        Value{0}, "take the back's colour as it stands, whatever its alpha");
+}
+
+// The rules of 8 bits are what people expect of 16, too.
+void UseFullScale16(vfILCompImg& layer)
+{
+    layer.SetFullScale16(1);
+}
+
+Parameter Legacy16()
+{
+    Parameter parameter = FlagParameter<&vfILCompImg::SetFullScale16, &vfILCompImg::GetFullScale16>(
+        Value{0}, "at 16 bits divide a sum of products once, with its lone terms as 65535ths, instead of "
+                  "following the rules of 8 bits");
+    parameter.name = "legacy-16";
+    parameter.apply = [](vfILProcessor& p, const Value& v) {
+        As<vfILCompImg>(p).SetFullScale16(v.x == 0 ? 1 : 0);
+    };
+    parameter.read = [](const vfILProcessor& p) {
+        return Value{As<vfILCompImg>(p).GetFullScale16() != 0 ? 0.0 : 1.0};
+    };
+    return parameter;
 }
 
 std::vector<Parameter> LayerParameters()
@@ -122,29 +154,26 @@ std::vector<Parameter> LayerParameters()
 template <class P>
 Entry Layer(const char* className, const char* summary)
 {
-    return {
-        .name = CommandName(className),
-        .className = className,
-        .family = "layer",
-        .summary = summary,
-        .inputs = {{"back", "input A, the lower picture"}, {"front", "input B, the upper picture"}},
-        .formats = {PXFormat_RGBA32, PXFormat_RGBA64},
-        .parameters = LayerParameters(),
-        .channels = VFIL_MODE_RGBA,
-        .fixedChannels = 0,
-        .mask = MaskUse::BoxOnly,
-        .multiplied = false,
-        .spatialReach = 0,
-        .temporalReach = 0,
-        .bands = true,
-        .make = [](bool simd) -> std::unique_ptr<Operator> { return std::make_unique<OperatorOf<P>>(simd); }};
+    Entry entry = EntryOf<P>(className, "layer", summary);
+    entry.inputs = {{"back", "input A, the lower picture"}, {"front", "input B, the upper picture"}};
+    entry.formats = {PXFormat_RGBA32, PXFormat_RGBA64};
+    entry.parameters = LayerParameters();
+    entry.mask = MaskUse::BoxOnly;
+    return entry;
+}
+
+// Has two arithmetics at 16 bits.
+template <class P>
+Entry FullScaleLayer(const char* className, const char* summary)
+{
+    Entry entry = Layer<SetUp<P, UseFullScale16>>(className, summary);
+    entry.parameters.push_back(Legacy16());
+    return entry;
 }
 
 // Weighs colour by coverage.
-template <class P>
-Entry CoverageLayer(const char* className, const char* summary)
+Entry Weighing(Entry entry)
 {
-    Entry entry = Layer<P>(className, summary);
     entry.multiplied = true;
     return entry;
 }
@@ -160,21 +189,10 @@ Entry WholeColourLayer(const char* className, const char* summary)
 
 Entry Over()
 {
-    Entry entry = CoverageLayer<vfILOverImage>("vfILOverImage", "put the front over the back");
+    Entry entry = Weighing(FullScaleLayer<vfILOverImage>("vfILOverImage", "put the front over the back"));
     entry.formats.push_back(PXFormat_YCCA422_601);
     entry.formats.push_back(PXFormat_YCCA422_709);
     entry.parameters.push_back(NeverPremultiplyBackImage());
-    entry.note = "at 16 bits the front's colour and alpha enter the sum as 65535ths of themselves: the front "
-                 "only cuts "
-                 "itself out of the back; --format rgba32 shows it";
-    return entry;
-}
-
-Entry AddNoClip()
-{
-    Entry entry =
-        Layer<vfILAddNoClipImage>("vfILAddNoClipImage", "add the pictures softly, so that nothing clips");
-    entry.note = "at 16 bits the back enters the sum as a 65535th of itself; --format rgba32 shows it";
     return entry;
 }
 
@@ -194,15 +212,17 @@ std::vector<Entry> LayerEntries()
 {
     std::vector<Entry> entries;
     entries.push_back(Over());
-    entries.push_back(CoverageLayer<vfILInImage>("vfILInImage", "keep the front where the back is"));
-    entries.push_back(CoverageLayer<vfILOutImage>("vfILOutImage", "keep the front where the back is not"));
+    entries.push_back(Weighing(Layer<vfILInImage>("vfILInImage", "keep the front where the back is")));
+    entries.push_back(Weighing(Layer<vfILOutImage>("vfILOutImage", "keep the front where the back is not")));
+    entries.push_back(Weighing(
+        FullScaleLayer<vfILAtopImage>("vfILAtopImage", "put the front, where the back is, over the back")));
     entries.push_back(
-        CoverageLayer<vfILAtopImage>("vfILAtopImage", "put the front, where the back is, over the back"));
-    entries.push_back(
-        CoverageLayer<vfILXorImage>("vfILXorImage", "keep either picture where the other is not"));
+        Weighing(FullScaleLayer<vfILXorImage>("vfILXorImage", "keep either picture where the other is not")));
     entries.push_back(Layer<vfILAddImage>("vfILAddImage", "add the pictures, clipped at full"));
-    entries.push_back(AddNoClip());
-    entries.push_back(Layer<vfILDiffImage>("vfILDiffImage", "take the distance between the pictures"));
+    entries.push_back(FullScaleLayer<vfILAddNoClipImage>("vfILAddNoClipImage",
+                                                         "add the pictures softly, so that nothing clips"));
+    entries.push_back(
+        FullScaleLayer<vfILDiffImage>("vfILDiffImage", "take the distance between the pictures"));
     entries.push_back(Layer<vfILMultImage>("vfILMultImage", "multiply the pictures"));
     entries.push_back(Layer<vfILLighterImage>("vfILLighterImage", "take the larger value of each channel"));
     entries.push_back(Layer<vfILDarkerImage>("vfILDarkerImage", "take the smaller value of each channel"));

@@ -63,14 +63,6 @@ HRESULT Answer(const PicturePtr& picture, const IID& riid, void** out)
 
 } // namespace
 
-long MemoryRow(const vfILFormatInfo& format, long height, long y)
-{
-    const long row = format.topDown ? height - 1 - y : y;
-    if (!format.splitField) return row;
-    if (format.evenFieldFirst) return (row >> 1) + ((height + 1) >> 1) * (y & 1);
-    return (row >> 1) + (height >> 1) * (1 - (y & 1));
-}
-
 PicturePtr Picture::Create(const GUID& format, long width, long height)
 {
     const vfILFormatInfo* info = vfILFindFormat(format);
@@ -93,12 +85,12 @@ std::size_t Picture::RowBytes() const
 
 std::size_t Picture::RowOffset(long y) const
 {
-    return static_cast<std::size_t>(MemoryRow(FormatInfo(), Height(), y)) * RowBytes();
+    return static_cast<std::size_t>(FormatInfo().MemoryRow(Height(), y)) * RowBytes();
 }
 
 std::size_t Picture::AlphaRowOffset(long y) const
 {
-    const auto row = static_cast<std::size_t>(MemoryRow(FormatInfo(), Height(), y));
+    const auto row = static_cast<std::size_t>(FormatInfo().MemoryRow(Height(), y));
     return RowBytes() * static_cast<std::size_t>(Height()) + row * static_cast<std::size_t>(Width());
 }
 

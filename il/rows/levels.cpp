@@ -2,12 +2,10 @@
 /// What the levels ask of the machine.
 #include "il/rows/levels.h"
 
+#include "il/rows/vecfence.h"
+
 #include <cstdlib>
 #include <cstring>
-
-#if defined(__x86_64__)
-#include <xmmintrin.h>
-#endif
 
 namespace vfil {
 
@@ -30,9 +28,7 @@ Level FindBestLevel()
 
 void FinishStreaming()
 {
-#if defined(__x86_64__)
-    _mm_sfence();
-#endif
+    FenceStores();
 }
 
 void RefuseNull(const void* pointers, std::size_t count)

@@ -10,60 +10,65 @@
 
 namespace vfil {
 
-/// The arithmetic of samples in which the full value stands for 1. F is a front sample, B a back sample,
-/// A the front's alpha, C the back's alpha, M an amount.
-template <class Sample>
-struct Arith;
+/// The arithmetic of samples in which the full value stands for 1: every product is rounded to nearest by
+/// itself (the full value is odd, so there are no ties), and a sum is clipped. F is a front sample, B a back
+/// sample, A the front's alpha, C the back's alpha, M an amount.
+template <class SampleType>
+struct FullScale {
+    using Sample = SampleType;
+    static constexpr Sample kFull = std::numeric_limits<Sample>::max();
 
-/// 8 bits: every product is rounded to nearest by itself (255 is odd, so there are no ties), and a sum of two
-/// products is clipped.
-template <>
-struct Arith<std::uint8_t> {
-    using Sample = std::uint8_t;
-    static constexpr Sample kFull = 255;
-
-    static constexpr Sample Mult(Sample a, Sample b) { return static_cast<Sample>((a * b + 127) / 255); }
-
-    /// Needs no clip: the two weights sum to full, and so the two rounded products to 255 at most.
+    static constexpr Sample Mult(Sample a, Sample b)
+    {
+        // Unsigned: two samples promote to int, in which 65535 * 65535 would overflow.
+        return static_cast<Sample>((std::uint32_t{a} * b + kFull / 2) / kFull);
+    }
+    /// Needs no clip: the two weights sum to full, and so the two rounded products to full at most.
     static constexpr Sample Blend(Sample F, Sample B, Sample M)
     {
         return static_cast<Sample>(Mult(M, F) + Mult(Rest(M), B));
     }
-    static constexpr Sample FrontOverBack(Sample F, Sample B, Sample A) { return Clip(F + Mult(Rest(A), B)); }
+    static constexpr Sample FrontOverBack(Sample F, Sample B, Sample A) { return Add(F, Mult(Rest(A), B)); }
     static constexpr Sample FrontInBack(Sample F, Sample C) { return Mult(C, F); }
     static constexpr Sample FrontOutBack(Sample F, Sample C) { return Mult(Rest(C), F); }
     static constexpr Sample FrontAtopBack(Sample F, Sample B, Sample A, Sample C)
     {
-        return Clip(Mult(Rest(A), B) + Mult(C, F));
+        return Add(Mult(Rest(A), B), Mult(C, F));
     }
     static constexpr Sample FrontXorBack(Sample F, Sample B, Sample A, Sample C)
     {
-        return Clip(Mult(Rest(A), B) + Mult(Rest(C), F));
+        return Add(Mult(Rest(A), B), Mult(Rest(C), F));
     }
-    static constexpr Sample Add(Sample a, Sample b) { return Clip(a + b); }
-    static constexpr Sample AddNoClip(Sample a, Sample b) { return Clip(Mult(a, Rest(b)) + b); }
+    static constexpr Sample Add(Sample a, Sample b)
+    {
+        return static_cast<Sample>(std::min<std::uint32_t>(std::uint32_t{a} + b, kFull));
+    }
+    static constexpr Sample AddNoClip(Sample a, Sample b) { return Add(Mult(a, Rest(b)), b); }
     static constexpr Sample Diff(Sample a, Sample b) { return static_cast<Sample>(a > b ? a - b : b - a); }
 
-    /// Luma weights of 97ths; all of them fit 8 bits again.
+    /// Luma weights of 97ths; all of them fit the sample again.
     static constexpr std::uint32_t Brightness(Sample r, Sample g, Sample b)
     {
         return (29u * r + 57u * g + 11u * b) / 97u;
     }
 
-private:
-    static constexpr Sample Rest(Sample a) { return static_cast<Sample>(255 - a); }
-    static constexpr Sample Clip(int sum) { return static_cast<Sample>(std::min(sum, 255)); }
+protected:
+    static constexpr Sample Rest(Sample a) { return static_cast<Sample>(kFull - a); }
 };
 
-/// 16 bits: the numerator is summed in 32 unsigned bits, where two products may wrap, and divided once.
-/// Three rules are unlike those of 8 bits and meant so: the front of FrontOverBack and the second term of
-/// AddNoClip enter the numerator unscaled, and Diff keeps the low byte only.
-template <>
-struct Arith<std::uint16_t> {
-    using Sample = std::uint16_t;
-    static constexpr Sample kFull = 65535;
+/// The arithmetic of the library's channels.
+template <class Sample>
+struct Arith;
 
-    static constexpr Sample Mult(Sample a, Sample b) { return Ratio(Product(a, b)); }
+template <>
+struct Arith<std::uint8_t> : FullScale<std::uint8_t> {};
+
+/// At 16 bits a sum of products is made in 32 unsigned bits, where two of them may wrap, and divided once.
+/// Three rules are unlike those of 8 bits and meant so: the front of FrontOverBack and the second term of
+/// AddNoClip enter the numerator unscaled, and Diff keeps the low byte only. Operators that are told to use
+/// the full scale take FullScale instead.
+template <>
+struct Arith<std::uint16_t> : FullScale<std::uint16_t> {
     static constexpr Sample Blend(Sample F, Sample B, Sample M)
     {
         return Ratio(Product(F, M) + Product(Rest(M), B));
@@ -72,8 +77,6 @@ struct Arith<std::uint16_t> {
     {
         return Ratio(F + Product(Rest(A), B));
     }
-    static constexpr Sample FrontInBack(Sample F, Sample C) { return Mult(C, F); }
-    static constexpr Sample FrontOutBack(Sample F, Sample C) { return Mult(Rest(C), F); }
     static constexpr Sample FrontAtopBack(Sample F, Sample B, Sample A, Sample C)
     {
         return Ratio(Product(Rest(A), B) + Product(C, F));
@@ -82,15 +85,10 @@ struct Arith<std::uint16_t> {
     {
         return Ratio(Product(Rest(A), B) + Product(Rest(C), F));
     }
-    static constexpr Sample Add(Sample a, Sample b) { return static_cast<Sample>(std::min(a + b, 65535)); }
     static constexpr Sample AddNoClip(Sample a, Sample b) { return Ratio(Product(Rest(b), a) + b); }
     static constexpr Sample Diff(Sample a, Sample b)
     {
-        return static_cast<Sample>((a > b ? a - b : b - a) & 0xFF);
-    }
-    static constexpr std::uint32_t Brightness(Sample r, Sample g, Sample b)
-    {
-        return (29u * r + 57u * g + 11u * b) / 97u;
+        return static_cast<Sample>(FullScale::Diff(a, b) & 0xFF);
     }
 
     /// numerator / 65535 rounded to nearest, at most 65535. 65535 is odd, so there are no ties, and the
@@ -103,8 +101,6 @@ struct Arith<std::uint16_t> {
     }
 
 private:
-    static constexpr Sample Rest(Sample a) { return static_cast<Sample>(65535 - a); }
-    /// Two samples promote to int, in which 65535 * 65535 would overflow.
     static constexpr std::uint32_t Product(Sample a, Sample b) { return std::uint32_t{a} * b; }
 };
 

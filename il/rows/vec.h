@@ -71,6 +71,12 @@ inline void StoreStreaming(std::uint8_t* p, U8 v)
     VFIL_BITS(stream)(reinterpret_cast<Register*>(p), v.bits);
 }
 
+/// Asks for the line of the cache that holds p.
+inline void Prefetch(const std::uint8_t* p)
+{
+    _mm_prefetch(reinterpret_cast<const char*>(p), _MM_HINT_T0);
+}
+
 inline U8 SplatU32(std::uint32_t v)
 {
     return {VFIL_MM(set1_epi32)(static_cast<int>(v))};
@@ -144,6 +150,19 @@ inline U8 Max(U8 a, U8 b)
 inline U8 Min(U8 a, U8 b)
 {
     return {VFIL_MM(min_epu8)(a.bits, b.bits)};
+}
+
+/// (a + b + 1) / 2.
+inline U8 Average(U8 a, U8 b)
+{
+    return {VFIL_MM(avg_epu8)(a.bits, b.bits)};
+}
+
+/// Moves each 64 bits up.
+template <int count>
+inline U8 ShiftLeft64(U8 v)
+{
+    return {VFIL_MM(slli_epi64)(v.bits, count)};
 }
 
 /// Moves each 32 bits up.
@@ -237,10 +256,22 @@ inline U16 MulHigh(U16 a, U16 b)
     return {VFIL_MM(mulhi_epu16)(a.bits, b.bits)};
 }
 
-/// The sum, limited to 65535.
-inline U16 AddFull(U16 a, U16 b)
+/// The sum of unsigned lanes, limited to 65535.
+inline U16 AddClip(U16 a, U16 b)
 {
     return {VFIL_MM(adds_epu16)(a.bits, b.bits)};
+}
+
+/// The distance of unsigned lanes.
+inline U16 AbsDiff(U16 a, U16 b)
+{
+    return {VFIL_BITS(or)(VFIL_MM(subs_epu16)(a.bits, b.bits), VFIL_MM(subs_epu16)(b.bits, a.bits))};
+}
+
+/// (a + b + 1) / 2 of unsigned lanes.
+inline U16 Average(U16 a, U16 b)
+{
+    return {VFIL_MM(avg_epu16)(a.bits, b.bits)};
 }
 
 inline U16 MaxSigned(U16 a, U16 b)
@@ -300,33 +331,69 @@ inline U16 SignedNormMult(U16 alpha, U16 value)
 /// h and l carry where (h & l) + ((h ^ l) >> 1), half their sum, reaches 32768.
 inline U16 Ratio(U16 high, U16 low)
 {
-    const U16 h = AddFull(high, ShiftRight<15>(low));
+    const U16 h = AddClip(high, ShiftRight<15>(low));
     const U16 l = low ^ Splat(0x8000);
-    return AddFull(h, ShiftRight<15>((h & l) + ShiftRight<1>(h ^ l)));
+    return AddClip(h, ShiftRight<15>((h & l) + ShiftRight<1>(h ^ l)));
 }
 
-/// a * b / 65535 rounded to nearest.
+/// a * b / 65535 rounded to nearest. With halves h and l of x = a * b + 32767, x / 65535 is h, and one more
+/// where h + l reaches 65535: where half of h + l + 1 reaches 32768.
 inline U16 NormMultFull(U16 a, U16 b)
 {
-    return Ratio(MulHigh(a, b), a * b);
+    const U16 low = a * b;
+    const U16 h = MulHigh(a, b) + ShiftRight<15>(Average(low, Splat(0x7FFE)));
+    const U16 l = low + Splat(0x7FFF);
+    return h + ShiftRight<15>(Average(h, l));
+}
+
+/// A number of 32 bits a lane.
+struct U32Halves {
+    U16 high, low;
+};
+
+/// The sum, wrapped to 32 bits.
+inline U32Halves operator+(U32Halves a, U32Halves b)
+{
+    const U16 carry = ShiftRight<15>((a.low & b.low) + ShiftRight<1>(a.low ^ b.low));
+    return {a.high + b.high + carry, a.low + b.low};
+}
+
+inline U32Halves Product(U16 a, U16 b)
+{
+    return {MulHigh(a, b), a * b};
 }
 
 /// (f + a * b) / 65535 rounded to nearest, at most 65535. f + a * b fits 32 bits.
 inline U16 AddNormMultFull(U16 f, U16 a, U16 b)
 {
-    const U16 product = a * b;
-    const U16 low = product + f;
-    const U16 carry = ShiftRight<15>((product & f) + ShiftRight<1>(product ^ f));
-    return Ratio(MulHigh(a, b) + carry, low);
+    const U32Halves sum = Product(a, b) + U32Halves{Splat(0), f};
+    return Ratio(sum.high, sum.low);
+}
+
+/// (a * b + c * d) / 65535 rounded to nearest, at most 65535; the sum wraps to 32 bits.
+inline U16 NormMultFull(U16 a, U16 b, U16 c, U16 d)
+{
+    const U32Halves sum = Product(a, b) + Product(c, d);
+    return Ratio(sum.high, sum.low);
 }
 
 /// The larger of unsigned lanes.
-inline U16 MaxFull(U16 a, U16 b)
+inline U16 Max(U16 a, U16 b)
 {
 #if defined(__AVX2__)
     return {VFIL_MM(max_epu16)(a.bits, b.bits)};
 #else
-    return AddFull({_mm_subs_epu16(a.bits, b.bits)}, b);
+    return AddClip({_mm_subs_epu16(a.bits, b.bits)}, b);
+#endif
+}
+
+/// The smaller of unsigned lanes.
+inline U16 Min(U16 a, U16 b)
+{
+#if defined(__AVX2__)
+    return {VFIL_MM(min_epu16)(a.bits, b.bits)};
+#else
+    return a - U16{_mm_subs_epu16(a.bits, b.bits)};
 #endif
 }
 

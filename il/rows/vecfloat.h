@@ -64,12 +64,6 @@ inline S32 ToWhole(F32 v, float full)
     return {VFIL_MM(cvttps_epi32)(VFIL_MM(min_ps)(positive, SplatFloat(full).v))};
 }
 
-/// Lanes of 0 .. 65535 to 16 bits, in their order.
-inline U8 NarrowPairs(S32 a, S32 b)
-{
-    return OrderNarrowed({NarrowFull({a, b}).bits});
-}
-
 inline F64 LoadDoubles(const double* p)
 {
     return {VFIL_MM(loadu_pd)(p)};

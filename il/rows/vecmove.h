@@ -20,6 +20,12 @@ inline U8 OrderNarrowed(U8 v)
 #endif
 }
 
+/// Lanes of 0 .. 65535 to 16 bits, in their order.
+inline U8 NarrowPairs(S32 a, S32 b)
+{
+    return OrderNarrowed({NarrowFull({a, b}).bits});
+}
+
 /// Each byte twice, in the order of the bytes.
 struct U8Pair {
     U8 lo, hi;
@@ -50,6 +56,46 @@ inline U8 NarrowLanes(S32 a, S32 b, S32 c, S32 d)
 }
 
 #if defined(__AVX2__)
+/// Pixels of 3 bytes in the lower bytes of 32 bits each, whose top byte is undefined. Four pixels, 12 bytes,
+/// fill each 128 bits; the highest of these loads starts 4 bytes early, so that none reads behind the last.
+inline S32 LoadTriples(const std::uint8_t* p)
+{
+    constexpr std::uint64_t kLow = 0x8005'0403'8002'0100;
+    constexpr std::uint64_t kHigh = 0x800B'0A09'8008'0706;
+#if defined(__AVX512BW__)
+    const __m512i indices = _mm512_setr_epi32(0, 1, 2, 3, 3, 4, 5, 6, 6, 7, 8, 9, 9, 10, 11, 12);
+    return {Shuffle16(_mm512_permutexvar_epi32(indices, _mm512_maskz_loadu_epi32(0x0FFF, p)), kLow, kHigh)};
+#else
+    const __m128i first = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+    const __m128i second = _mm_srli_si128(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 8)), 4);
+    return {Shuffle16(_mm256_set_m128i(second, first), kLow, kHigh)};
+#endif
+}
+
+/// Stores the lower 12 bytes of each 128 bits, one behind the other.
+inline void StoreTwelves(std::uint8_t* p, U8 v)
+{
+#if defined(__AVX512BW__)
+    const __m512i order = _mm512_setr_epi32(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, 0, 0, 0, 0);
+    _mm512_mask_storeu_epi32(p, 0x0FFF, _mm512_permutexvar_epi32(order, v.bits));
+#else
+    const __m256i order = _mm256_setr_epi32(0, 1, 2, 4, 5, 6, 0, 0);
+    const __m256i packed = _mm256_permutevar8x32_epi32(v.bits, order);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(p), _mm256_castsi256_si128(packed));
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(p + 16), _mm256_extracti128_si256(packed, 1));
+#endif
+}
+
+/// Each 4 of kBytes / 2 bytes in the lower half of 64 bits, the rest of which are zero.
+inline U8 LoadEachAs64(const std::uint8_t* p)
+{
+#if defined(__AVX512BW__)
+    return {_mm512_cvtepu32_epi64(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)))};
+#else
+    return {_mm256_cvtepu32_epi64(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)))};
+#endif
+}
+
 /// Where each 32-bit lane comes from.
 struct LaneOrder {
     std::uint32_t from[kLanes32];

@@ -82,15 +82,5 @@ V Select(Where where, V there, V elsewhere)
 }
 #endif
 
-/// The smaller of unsigned lanes.
-inline U16 MinFull(U16 a, U16 b)
-{
-#if defined(__AVX2__)
-    return {VFIL_MM(min_epu16)(a.bits, b.bits)};
-#else
-    return a - U16{_mm_subs_epu16(a.bits, b.bits)};
-#endif
-}
-
 } // namespace
 } // namespace vfil

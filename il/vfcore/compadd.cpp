@@ -16,10 +16,10 @@ const wchar_t* vfILAddImage::GetClassNameW() const
 
 vfILStatus vfILAddImage::Process8()
 {
-    return RunLayerOp<std::uint8_t>(*this, Layers(), LayerOp::Add);
+    return RunLayerOp<std::uint8_t, LayerOp::Add>(*this, Layers());
 }
 
 vfILStatus vfILAddImage::Process16()
 {
-    return RunLayerOp<std::uint16_t>(*this, Layers(), LayerOp::Add);
+    return RunLayerOp<std::uint16_t, LayerOp::Add>(*this, Layers());
 }

@@ -16,10 +16,10 @@ const wchar_t* vfILAddNoClipImage::GetClassNameW() const
 
 vfILStatus vfILAddNoClipImage::Process8()
 {
-    return RunLayerOp<std::uint8_t>(*this, Layers(), LayerOp::AddNoClip);
+    return RunLayerOp<std::uint8_t, LayerOp::AddNoClip>(*this, Layers());
 }
 
 vfILStatus vfILAddNoClipImage::Process16()
 {
-    return RunLayerOp<std::uint16_t>(*this, Layers(), LayerOp::AddNoClip);
+    return RunLayerOp<std::uint16_t, LayerOp::AddNoClip>(*this, Layers());
 }

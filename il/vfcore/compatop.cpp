@@ -16,10 +16,10 @@ const wchar_t* vfILAtopImage::GetClassNameW() const
 
 vfILStatus vfILAtopImage::Process8()
 {
-    return RunLayerOp<std::uint8_t>(*this, Layers(), LayerOp::Atop);
+    return RunLayerOp<std::uint8_t, LayerOp::Atop>(*this, Layers());
 }
 
 vfILStatus vfILAtopImage::Process16()
 {
-    return RunLayerOp<std::uint16_t>(*this, Layers(), LayerOp::Atop);
+    return RunLayerOp<std::uint16_t, LayerOp::Atop>(*this, Layers());
 }

@@ -16,10 +16,10 @@ const wchar_t* vfILDarkerImage::GetClassNameW() const
 
 vfILStatus vfILDarkerImage::Process8()
 {
-    return RunLayerOp<std::uint8_t>(*this, Layers(), LayerOp::Darker);
+    return RunLayerOp<std::uint8_t, LayerOp::Darker>(*this, Layers());
 }
 
 vfILStatus vfILDarkerImage::Process16()
 {
-    return RunLayerOp<std::uint16_t>(*this, Layers(), LayerOp::Darker);
+    return RunLayerOp<std::uint16_t, LayerOp::Darker>(*this, Layers());
 }

@@ -16,10 +16,10 @@ const wchar_t* vfILDiffImage::GetClassNameW() const
 
 vfILStatus vfILDiffImage::Process8()
 {
-    return RunLayerOp<std::uint8_t>(*this, Layers(), LayerOp::Diff);
+    return RunLayerOp<std::uint8_t, LayerOp::Diff>(*this, Layers());
 }
 
 vfILStatus vfILDiffImage::Process16()
 {
-    return RunLayerOp<std::uint16_t>(*this, Layers(), LayerOp::Diff);
+    return RunLayerOp<std::uint16_t, LayerOp::Diff>(*this, Layers());
 }

@@ -39,6 +39,7 @@ void vfILCompImg::Init()
     m_neverPremultiplyBack = 0;
     m_imgAPremultiplied = 0;
     m_imgBPremultiplied = 0;
+    m_fullScale16 = 0;
 }
 
 void vfILCompImg::Trash()
@@ -66,10 +67,8 @@ vfILStatus vfILCompImg::Verify()
 
 vfILStatus vfILCompImg::DoEffect()
 {
-    const GUID format = OutputFormat();
-    if (format == PXFormat_RGBA32) return Process8();
-    if (format == PXFormat_RGBA64) return Process16();
-    return VFIL_SUCCESS;
+    return RgbaFormats::RunByDepth(
+        FormatOf(Run()), [this] { return Process8(); }, [this] { return Process16(); });
 }
 
 void vfILCompImg::SetInputImgA(IPXImage* image)
@@ -150,4 +149,14 @@ double vfILCompImg::GetExtraTransparency() const
 void vfILCompImg::SetExtraTransparency(double strength)
 {
     m_extraTransparency = strength;
+}
+
+int vfILCompImg::GetFullScale16() const
+{
+    return m_fullScale16;
+}
+
+void vfILCompImg::SetFullScale16(int fullScale)
+{
+    m_fullScale16 = fullScale;
 }

@@ -16,10 +16,10 @@ const wchar_t* vfILInImage::GetClassNameW() const
 
 vfILStatus vfILInImage::Process8()
 {
-    return RunLayerOp<std::uint8_t>(*this, Layers(), LayerOp::In);
+    return RunLayerOp<std::uint8_t, LayerOp::In>(*this, Layers());
 }
 
 vfILStatus vfILInImage::Process16()
 {
-    return RunLayerOp<std::uint16_t>(*this, Layers(), LayerOp::In);
+    return RunLayerOp<std::uint16_t, LayerOp::In>(*this, Layers());
 }

@@ -16,10 +16,10 @@ const wchar_t* vfILLighterImage::GetClassNameW() const
 
 vfILStatus vfILLighterImage::Process8()
 {
-    return RunLayerOp<std::uint8_t>(*this, Layers(), LayerOp::Lighter);
+    return RunLayerOp<std::uint8_t, LayerOp::Lighter>(*this, Layers());
 }
 
 vfILStatus vfILLighterImage::Process16()
 {
-    return RunLayerOp<std::uint16_t>(*this, Layers(), LayerOp::Lighter);
+    return RunLayerOp<std::uint16_t, LayerOp::Lighter>(*this, Layers());
 }

@@ -16,10 +16,10 @@ const wchar_t* vfILMultImage::GetClassNameW() const
 
 vfILStatus vfILMultImage::Process8()
 {
-    return RunLayerOp<std::uint8_t>(*this, Layers(), LayerOp::Mult);
+    return RunLayerOp<std::uint8_t, LayerOp::Mult>(*this, Layers());
 }
 
 vfILStatus vfILMultImage::Process16()
 {
-    return RunLayerOp<std::uint16_t>(*this, Layers(), LayerOp::Mult);
+    return RunLayerOp<std::uint16_t, LayerOp::Mult>(*this, Layers());
 }

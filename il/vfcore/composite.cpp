@@ -90,11 +90,10 @@ vfILStatus RunMix(const vfILProcessor& processor, const vfILLayerRun& layers, do
 vfILStatus vfILCompositeImg::DoEffect()
 {
     if (GetMaskImg() == nullptr) return VFIL_SUCCESS;
-    const GUID format = OutputFormat();
     const bool joinAlphas = m_alphaMode == VFIL_ALPHA_COMPUTED;
-    if (format == PXFormat_RGBA32) return joinAlphas ? Over32OrWithMask() : Over32FillWithMask();
-    if (format == PXFormat_RGBA64) return joinAlphas ? Over64OrWithMask() : Over64FillWithMask();
-    return VFIL_SUCCESS;
+    return RgbaFormats::RunByDepth(
+        FormatOf(Run()), [&] { return joinAlphas ? Over32OrWithMask() : Over32FillWithMask(); },
+        [&] { return joinAlphas ? Over64OrWithMask() : Over64FillWithMask(); });
 }
 
 vfILStatus vfILCompositeImg::Over32OrWithMask()

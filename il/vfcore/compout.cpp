@@ -16,10 +16,10 @@ const wchar_t* vfILOutImage::GetClassNameW() const
 
 vfILStatus vfILOutImage::Process8()
 {
-    return RunLayerOp<std::uint8_t>(*this, Layers(), LayerOp::Out);
+    return RunLayerOp<std::uint8_t, LayerOp::Out>(*this, Layers());
 }
 
 vfILStatus vfILOutImage::Process16()
 {
-    return RunLayerOp<std::uint16_t>(*this, Layers(), LayerOp::Out);
+    return RunLayerOp<std::uint16_t, LayerOp::Out>(*this, Layers());
 }

@@ -5,7 +5,22 @@
 
 #include <vfil/composite.h>
 
+#include <type_traits>
+
 using namespace vfil;
+
+namespace {
+
+/// 4:2:2 with an alpha plane.
+template <const GUID& kFormat>
+struct YuvaFormat {
+    static constexpr const GUID& kId = kFormat;
+};
+
+using OverFormats =
+    FormatList<Rgba8, Rgba16, YuvaFormat<PXFormat_YCCA422_601>, YuvaFormat<PXFormat_YCCA422_709>>;
+
+} // namespace
 
 const wchar_t* const vfILOverImage::m_ClassName = L"vfILOverImage";
 
@@ -19,7 +34,7 @@ vfILStatus vfILOverImage::Verify()
     if (vfILCompImg::Verify() == VFIL_SUCCESS) return VFIL_SUCCESS;
     // The one refusal that this operator takes back: it knows the 4:2:2 formats with alpha too.
     const bool refusedFormat = GetLastError().GetErrorCode() == 0x1000D;
-    return refusedFormat && IsFormatYCCA(OutputFormat()) != 0 ? VFIL_SUCCESS : VFIL_FAILURE;
+    return refusedFormat && OverFormats::Contains(OutputFormat()) ? VFIL_SUCCESS : VFIL_FAILURE;
 }
 
 bool vfILOverImage::IsBackPremultiplied() const
@@ -29,18 +44,18 @@ bool vfILOverImage::IsBackPremultiplied() const
 
 vfILStatus vfILOverImage::DoEffect()
 {
-    const GUID format = OutputFormat();
     vfILStatus status = VFIL_SUCCESS;
-    if (format == PXFormat_RGBA32) {
-        status = DoEffect8();
-    } else if (format == PXFormat_RGBA64) {
-        status = Process16();
-    } else if (IsFormatYCCA(format) != 0) {
-        status = DoEffectYUVA422();
-    } else {
-        return VFIL_SUCCESS;
-    }
-    SetOutputPremultiplied(IsNeverPremultiplyBackImage() != 0 ? GetImgAPremultiplied() : 1);
+    OverFormats::Visit(FormatOf(Run()), [&](auto format) {
+        using Format = decltype(format);
+        if constexpr (std::is_same_v<Format, Rgba8>) {
+            status = DoEffect8();
+        } else if constexpr (std::is_same_v<Format, Rgba16>) {
+            status = Process16();
+        } else {
+            status = DoEffectYUVA422();
+        }
+        SetOutputPremultiplied(IsNeverPremultiplyBackImage() != 0 ? GetImgAPremultiplied() : 1);
+    });
     return status;
 }
 
@@ -73,15 +88,21 @@ vfILStatus RunOver(const vfILCompImg& processor, const vfILLayerRun& layers, Ove
     LayerParams<Sample> params = LayerParamsOf<Sample>(processor, layers);
     params.frontPremultiplied = premultiplied.frontPremultiplied;
     params.backPremultiplied = premultiplied.backPremultiplied;
-    RunLayerRows<Sample>(processor, layers, LayerOp::Over, params, poll);
+    RunLayerRows<LayerOp::Over>(processor, layers, params, poll);
     return VFIL_SUCCESS;
 }
 
 /// All channels of premultiplied pictures at full strength.
 vfILStatus RunWholeOver8(const vfILCompImg& processor, const vfILLayerRun& layers, AlphaRule alpha)
 {
-    const LayerParams<std::uint8_t> params{255, true, true, alpha, kAllChannels, false, layers.run.streaming};
-    RunLayerRows<std::uint8_t>(processor, layers, LayerOp::Over, params);
+    RunLayerRows<LayerOp::Over, std::uint8_t>(processor, layers,
+                                              {.strength = 255,
+                                               .frontPremultiplied = true,
+                                               .backPremultiplied = true,
+                                               .alpha = alpha,
+                                               .channels = kAllChannels,
+                                               .dominantIsFront = false,
+                                               .streaming = layers.run.streaming});
     return VFIL_SUCCESS;
 }
 

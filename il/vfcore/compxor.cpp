@@ -16,10 +16,10 @@ const wchar_t* vfILXorImage::GetClassNameW() const
 
 vfILStatus vfILXorImage::Process8()
 {
-    return RunLayerOp<std::uint8_t>(*this, Layers(), LayerOp::Xor);
+    return RunLayerOp<std::uint8_t, LayerOp::Xor>(*this, Layers());
 }
 
 vfILStatus vfILXorImage::Process16()
 {
-    return RunLayerOp<std::uint16_t>(*this, Layers(), LayerOp::Xor);
+    return RunLayerOp<std::uint16_t, LayerOp::Xor>(*this, Layers());
 }

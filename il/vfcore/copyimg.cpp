@@ -13,7 +13,7 @@ vfILStatus vfILCopyImg::PrepareData()
 {
     if (vfILMonadicPixelProc::PrepareData() != VFIL_SUCCESS) return VFIL_FAILURE;
     const auto width = static_cast<std::size_t>(Run().processBox.GetSizeX());
-    m_rowBytes = width * static_cast<std::size_t>(ImageView(GetOutputImg()).RowPixelBytes());
+    m_rowBytes = width * static_cast<std::size_t>(ImageView(Run().picture).RowPixelBytes());
     m_planeRowBytes = Run().output.plane == nullptr ? 0 : width;
     return VFIL_SUCCESS;
 }

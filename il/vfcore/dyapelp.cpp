@@ -42,50 +42,57 @@ vfILLayerRun vfILDyadicPixelProc::Layers() const
 
 vfILStatus vfILDyadicPixelProc::PrepareData()
 {
-    if (!AreConnected(GetInputImgA(), GetOutputImg()))
-        return Fail(WhyUnconnected(GetInputImgA(), GetOutputImg(), 0x10013, 0x10015), GetClassNameW());
-    if (!AreConnected(GetInputImgB(), GetOutputImg()))
-        return Fail(WhyUnconnected(GetInputImgB(), GetOutputImg(), 0x10014, 0x10016), GetClassNameW());
+    const ImageView output(GetOutputImg());
+    const ImageView inputA = ViewOf(GetInputImgA(), {output});
+    const ImageView inputB = ViewOf(GetInputImgB(), {output, inputA});
+    if (!AreConnected(inputA, output))
+        return Fail(WhyUnconnected(inputA, output, 0x10013, 0x10015), GetClassNameW());
+    if (!AreConnected(inputB, output))
+        return Fail(WhyUnconnected(inputB, output, 0x10014, 0x10016), GetClassNameW());
     const bool dominantB = IsDominantB();
     const vfILVector2l& offset = GetInputOffset();
-    const vfILBbox2l boxA = ImageView(GetInputImgA()).Box();
-    const vfILBbox2l boxB = Moved(ImageView(GetInputImgB()).Box(), offset[0], offset[1]);
+    const vfILBbox2l boxA = inputA.Box();
+    const vfILBbox2l boxB = Moved(inputB.Box(), offset[0], offset[1]);
     PXImageChannel channel{};
     const vfILBbox2l& maskBox = GetMask(nullptr, &channel);
     ComputeRegions(m_run, dominantB ? boxB : boxA, dominantB ? boxA : boxB, GetROI(), maskBox,
                    GetOutputOffset());
-    if (!PrepareMaskAndOutput(m_run, GetOutputImg(), GetMaskImg(), maskBox, channel))
-        return Fail(WhyUnprepared(m_run, GetOutputImg(), GetMaskImg()), GetClassNameW());
+    const ImageView mask = ViewOf(GetMaskImg(), {output, inputA, inputB});
+    if (!PrepareMaskAndOutput(m_run, output, mask, maskBox, channel))
+        return Fail(WhyUnprepared(m_run, mask), GetClassNameW());
 
     // Each input sees the plane's boxes in coordinates of its own: B's are moved back by its offset.
     const bool showsOutside = !(m_run.processBox == m_run.shiftedValidBox);
-    const auto prepare = [&](IPXImage* image, bool dominant, std::int64_t dx, std::int64_t dy,
+    const auto prepare = [&](const ImageView& input, bool dominant, std::int64_t dx, std::int64_t dy,
                              vfILRowWalk& walk, vfILRunBuffer& buffer) {
-        const bool isOutput = image == GetOutputImg();
+        const bool isOutput = input.image == output.image;
         const bool hazard = isOutput && IsHazard(m_run.targetBox, Moved(GetROI(), dx, dy));
-        const InputPart part{image,  Moved(m_run.validBox, dx, dy), Moved(m_run.maskedBox, dx, dy), isOutput,
+        const InputPart part{input,  Moved(m_run.validBox, dx, dy), Moved(m_run.maskedBox, dx, dy), isOutput,
                              hazard, dominant && showsOutside};
         return PrepareInput(part, m_run, walk, buffer);
     };
-    if (!prepare(GetInputImgA(), !dominantB, 0, 0, m_inputA, m_bufferA) ||
-        !prepare(GetInputImgB(), dominantB, -std::int64_t{offset[0]}, -std::int64_t{offset[1]}, m_inputB,
-                 m_bufferB)) {
+    const InputState stateA = prepare(inputA, !dominantB, 0, 0, m_inputA, m_bufferA);
+    const InputState stateB =
+        prepare(inputB, dominantB, -std::int64_t{offset[0]}, -std::int64_t{offset[1]}, m_inputB, m_bufferB);
+    if (stateA == InputState::OutOfMemory || stateB == InputState::OutOfMemory)
         return Fail(0x10001, "%s ERROR PrepareData: insufficient memory space\n", GetClassNameW());
-    }
+    if (stateA == InputState::Unreadable)
+        return Fail(0x10015, "%s ERROR PrepareData: Input image A cannot be read\n", GetClassNameW());
+    if (stateB == InputState::Unreadable)
+        return Fail(0x10016, "%s ERROR PrepareData: Input image B cannot be read\n", GetClassNameW());
     m_firstRowEven = (m_run.processBox.GetOffsetY() & 1) == 0 ? 1 : 0;
     return m_run.processBox.IsNull() ? VFIL_SUCCESS : AdjustJumps();
 }
 
 vfILStatus vfILDyadicPixelProc::AdjustJumps()
 {
-    SelectRows(m_run, GetProcessingMode(), GetOutputImg(), {&m_inputA, &m_inputB});
+    SelectRows(m_run, GetProcessingMode(), {&m_inputA, &m_inputB});
     return VFIL_SUCCESS;
 }
 
 vfILStatus vfILDyadicPixelProc::ProcessData()
 {
-    FillOutput(m_run.shiftedValidBox, m_run.targetBox, GetDefaultColor());
-    FillOutput(m_run.processBox, m_run.shiftedValidBox, m_run.source, m_run.sourceStride);
+    FillUntreated(m_run, GetDefaultColor(), {GetProcessingMode(), m_simdAvailable != 0});
     return m_run.processBox.IsNull() ? VFIL_SUCCESS : DoEffect();
 }
 
@@ -102,7 +109,7 @@ vfILStatus vfILDyadicPixelProc::CleanData()
 
 vfILStatus vfILDyadicPixelProc::DoEffect()
 {
-    PointFormats::Visit(OutputFormat(), [this](auto format) {
+    PointFormats::Visit(m_run.picture.format->id, [this](auto format) {
         using Sample = typename decltype(format)::Sample;
         RunPairOp<decltype(format)>(*this, m_run, m_inputA, m_inputB, [this](Sample a, Sample b) -> Sample {
             if constexpr (sizeof(Sample) == 1) {

@@ -44,10 +44,8 @@ vfILStatus RunGrayscale(const vfILProcessor& processor, const vfILPixelRun& run,
 
 vfILStatus vfILGrayscaleImg::DoEffect()
 {
-    const GUID format = OutputFormat();
-    if (format == PXFormat_RGBA32) return Grayscale8();
-    if (format == PXFormat_RGBA64) return Grayscale16();
-    return VFIL_SUCCESS;
+    return RgbaFormats::RunByDepth(
+        FormatOf(Run()), [this] { return Grayscale8(); }, [this] { return Grayscale16(); });
 }
 
 vfILStatus vfILGrayscaleImg::Grayscale8()

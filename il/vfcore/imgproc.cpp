@@ -1,10 +1,9 @@
 /// \file
 /// The frame of every operator with an output picture.
 
-#include "il/loops/frame/colourpixel.h"
-#include "il/loops/frame/imageview.h"
+#include "il/loops/frame/fills.h"
 #include "il/loops/frame/regions.h"
-#include "il/loops/frame/rowcopy.h"
+#include "il/loops/frame/rowloop.h"
 
 #include <vfil/frame.h>
 
@@ -89,8 +88,8 @@ vfILStatus vfILImgProc::VerifyMask()
                     GetClassNameW());
     }
     const GUID format = FormatOf(m_maskImg);
-    const bool mono = format == PXFormat_Mono8 || format == PXFormat_Mono16;
-    if (!mono && !(format == PXFormat_RGBA32 || format == PXFormat_RGBA64)) {
+    const bool mono = MonoFormats::Contains(format);
+    if (!mono && !RgbaFormats::Contains(format)) {
         return Fail(0x10007, "%s ERROR Verify: Invalid mask image format\n", GetClassNameW());
     }
     const bool oneOfFour = m_maskChannel == PXImageChannel_RED || m_maskChannel == PXImageChannel_GREEN ||
@@ -208,42 +207,23 @@ vfILStatus vfILImgProc::FillOutputImage(const vfILColor& color)
 
 void vfILImgProc::FillOutput(const vfILBbox2l& excluded, const vfILBbox2l& whole, const vfILColor& color)
 {
-    ColourPixel pixel;
-    if (!pixel.Set(*ImageView(m_outputImg).format, color)) return;
-    FillOutput(excluded, whole, static_cast<void*>(pixel.bytes));
+    FillAround(m_outputImg, excluded, whole, color, {GetProcessingMode(), m_simdAvailable != 0});
 }
 
 void vfILImgProc::FillOutput(const vfILBbox2l& excluded, const vfILBbox2l& whole, void* const pixel)
 {
-    for (const vfILBbox2l& band : BandsAround(excluded, whole).band)
-        FillRegion(m_outputImg, band, pixel);
+    FillAround(m_outputImg, excluded, whole, pixel, {GetProcessingMode(), m_simdAvailable != 0});
 }
 
 void vfILImgProc::FillOutput(const vfILBbox2l& excluded, const vfILBbox2l& whole, void* const source,
                              unsigned long stride)
 {
-    const ImageView output(m_outputImg);
-    if (source == nullptr || !output.HasPixels() || !Covers(output.Box(), whole)) return;
-    for (const vfILBbox2l& band : BandsAround(excluded, whole).band) {
-        if (band.IsNull()) continue;
-        const std::ptrdiff_t pixelBytes = output.RowPixelBytes();
-        const auto bytes = static_cast<std::size_t>(band.GetSizeX() * pixelBytes);
-        const auto* from =
-            static_cast<const unsigned char*>(source) + (band.GetOffsetX() - whole.GetOffsetX()) * pixelBytes;
-        const RowSelection rows = SelectField(GetProcessingMode(), band.GetOffsetY(), band.GetSizeY());
-        for (long i = 0; i < rows.count; ++i) {
-            const long y = band.GetOffsetY() + rows.skip + i * rows.step;
-            MoveRow(m_simdAvailable != 0,
-                    from + (y - whole.GetOffsetY()) * static_cast<std::ptrdiff_t>(stride),
-                    output.Pixel(band.GetOffsetX(), output.MemoryRow(y)), bytes);
-        }
-    }
+    FillAround(m_outputImg, excluded, whole, source, stride, {GetProcessingMode(), m_simdAvailable != 0});
 }
 
 void vfILImgProc::FillOutput(const vfILBbox2l& excluded, const vfILBbox2l& whole, IPXImage* const sourceImage,
                              const void* pixels, int premultiply, const vfILVector2l& offset)
 {
-    for (const vfILBbox2l& band : BandsAround(excluded, whole).band) {
+    for (const vfILBbox2l& band : BandsAround(excluded, whole).band)
         FillRegionWithImage(m_outputImg, band, sourceImage, pixels, premultiply, offset);
-    }
 }

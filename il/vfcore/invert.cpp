@@ -6,6 +6,8 @@
 
 #include <vfil/pixel.h>
 
+#include <type_traits>
+
 using namespace vfil;
 
 const wchar_t* const vfILInvertImg::m_ClassName = L"vfILInvertImg";
@@ -36,33 +38,52 @@ unsigned short vfILInvertImg::InvertChannel16(unsigned short c)
 
 vfILStatus vfILInvertImg::DoEffect()
 {
-    const GUID format = OutputFormat();
-    if (format == PXFormat_RGBA32 || format == PXFormat_Mono8) return Process8();
-    if (format == PXFormat_RGBA64 || format == PXFormat_Mono16) return Process16();
-    return VFIL_SUCCESS;
+    return PointFormats::RunByDepth(
+        FormatOf(Run()), [this] { return Process8(); }, [this] { return Process16(); });
 }
 
 namespace {
 
 /// All bits of the selected channels of a pixel, the first channel lowest.
-template <class Pixel, class Sample>
-Pixel SelectBits(unsigned channels)
+template <class Sample>
+PixelBits<Sample> SelectBits(unsigned channels)
 {
-    Pixel bits = 0;
+    PixelBits<Sample> bits = 0;
     for (unsigned c = 0; c < 4; ++c) {
-        if ((channels >> c & 1U) != 0) bits |= Pixel{Arith<Sample>::kFull} << (c * 8 * sizeof(Sample));
+        if ((channels >> c & 1U) != 0)
+            bits |= PixelBits<Sample>{Arith<Sample>::kFull} << (c * 8 * sizeof(Sample));
     }
     return bits;
 }
 
 /// Runs a row kernel over the process box; what follows the pixel count is passed on.
 template <class Sample, class Kernel, class... Parameters>
-vfILStatus RunRows(const vfILProcessor& processor, const vfILPixelRun& run, const vfILRowWalk& input,
-                   Kernel kernel, Parameters... parameters)
+void RunRows(const vfILProcessor& processor, const vfILPixelRun& run, const vfILRowWalk& input, Kernel kernel,
+             Parameters... parameters)
 {
     const auto pixels = static_cast<std::size_t>(run.processBox.GetSizeX());
     ForEachRow(processor, run.rows, [&](long row) {
         kernel(RowOf<const Sample>(input, row), RowOf<Sample>(run.output, row), pixels, parameters...);
+    });
+}
+
+/// Samples of one width: by whole rows, or under a mask one by one.
+template <class Sample, class InvertChannel>
+vfILStatus RunInvert(const vfILProcessor& processor, const vfILPixelRun& run, const vfILRowWalk& input,
+                     bool vectors, InvertChannel invertChannel)
+{
+    PointFormats::Visit(FormatOf(run), [&](auto format) {
+        using Format = decltype(format);
+        if constexpr (std::is_same_v<typename Format::Sample, Sample>) {
+            if (run.mask.first != nullptr) {
+                RunPointOp<Format>(processor, run, input, invertChannel);
+            } else if constexpr (Format::kChannels == 1) {
+                RunRows<Sample>(processor, run, input, FindInvertMono<Sample>(vectors, run.streaming));
+            } else {
+                RunRows<Sample>(processor, run, input, FindInvertRow<Sample>(vectors, run.streaming),
+                                SelectBits<Sample>(Format::Channels(processor)));
+            }
+        }
     });
     return VFIL_SUCCESS;
 }
@@ -71,30 +92,10 @@ vfILStatus RunRows(const vfILProcessor& processor, const vfILPixelRun& run, cons
 
 vfILStatus vfILInvertImg::Process8()
 {
-    const bool mono = OutputFormat() == PXFormat_Mono8;
-    if (GetMaskImg() != nullptr) {
-        return mono ? RunPointOp<Mono8>(*this, Run(), InputWalk(), InvertChannel8)
-                    : RunPointOp<Rgba8>(*this, Run(), InputWalk(), InvertChannel8);
-    }
-    const bool vectors = m_simdAvailable != 0;
-    if (mono) {
-        return RunRows<std::uint8_t>(*this, Run(), InputWalk(), FindInvertMono8(vectors, Run().streaming));
-    }
-    return RunRows<std::uint8_t>(*this, Run(), InputWalk(), FindInvertRow8(vectors, Run().streaming),
-                                 SelectBits<std::uint32_t, std::uint8_t>(Rgba8::Channels(*this)));
+    return RunInvert<std::uint8_t>(*this, Run(), InputWalk(), m_simdAvailable != 0, InvertChannel8);
 }
 
 vfILStatus vfILInvertImg::Process16()
 {
-    const bool mono = OutputFormat() == PXFormat_Mono16;
-    if (GetMaskImg() != nullptr) {
-        return mono ? RunPointOp<Mono16>(*this, Run(), InputWalk(), InvertChannel16)
-                    : RunPointOp<Rgba16>(*this, Run(), InputWalk(), InvertChannel16);
-    }
-    const bool vectors = m_simdAvailable != 0;
-    if (mono) {
-        return RunRows<std::uint16_t>(*this, Run(), InputWalk(), FindInvertMono16(vectors, Run().streaming));
-    }
-    return RunRows<std::uint16_t>(*this, Run(), InputWalk(), FindInvertRow16(vectors, Run().streaming),
-                                  SelectBits<std::uint64_t, std::uint16_t>(Rgba16::Channels(*this)));
+    return RunInvert<std::uint16_t>(*this, Run(), InputWalk(), m_simdAvailable != 0, InvertChannel16);
 }

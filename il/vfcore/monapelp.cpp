@@ -31,20 +31,27 @@ vfILStatus vfILMonadicPixelProc::Verify()
 
 vfILStatus vfILMonadicPixelProc::PrepareData()
 {
-    if (!AreConnected(GetInputImg(), GetOutputImg()))
-        return Fail(WhyUnconnected(GetInputImg(), GetOutputImg()), GetClassNameW());
+    const ImageView output(GetOutputImg());
+    const ImageView input = ViewOf(GetInputImg(), {output});
+    if (!AreConnected(input, output)) return Fail(WhyUnconnected(input, output), GetClassNameW());
     PXImageChannel channel{};
     const vfILBbox2l& maskBox = GetMask(nullptr, &channel);
-    ComputeRegions(m_run, ImageView(GetInputImg()).Box(), GetROI(), maskBox, GetOutputOffset());
-    if (!PrepareMaskAndOutput(m_run, GetOutputImg(), GetMaskImg(), maskBox, channel))
-        return Fail(WhyUnprepared(m_run, GetOutputImg(), GetMaskImg()), GetClassNameW());
+    const ImageView mask = ViewOf(GetMaskImg(), {output, input});
+    ComputeRegions(m_run, input.Box(), GetROI(), maskBox, GetOutputOffset());
+    if (!PrepareMaskAndOutput(m_run, output, mask, maskBox, channel))
+        return Fail(WhyUnprepared(m_run, mask), GetClassNameW());
 
-    const bool isOutput = GetInputImg() == GetOutputImg();
+    const bool isOutput = input.image == output.image;
     const bool hazard = isOutput && IsHazard(m_run.targetBox, GetROI());
     const bool showsOutside = !(m_run.maskedBox == m_run.validBox);
-    const InputPart part{GetInputImg(), m_run.validBox, m_run.maskedBox, isOutput, hazard, showsOutside};
-    if (!PrepareInput(part, m_run, m_input, m_buffer)) {
+    switch (PrepareInput({input, m_run.validBox, m_run.maskedBox, isOutput, hazard, showsOutside}, m_run,
+                         m_input, m_buffer)) {
+    case InputState::OutOfMemory:
         return Fail(0x10001, "%s ERROR PrepareData: insufficient memory space\n", GetClassNameW());
+    case InputState::Unreadable:
+        return Fail(0x1000C, "%s ERROR PrepareData: Input image cannot be read\n", GetClassNameW());
+    case InputState::Ready:
+        break;
     }
     m_firstRowEven = (m_run.processBox.GetOffsetY() & 1) == 0 ? 1 : 0;
     return m_run.processBox.IsNull() ? VFIL_SUCCESS : AdjustJumps();
@@ -52,14 +59,13 @@ vfILStatus vfILMonadicPixelProc::PrepareData()
 
 vfILStatus vfILMonadicPixelProc::AdjustJumps()
 {
-    SelectRows(m_run, GetProcessingMode(), GetOutputImg(), {&m_input});
+    SelectRows(m_run, GetProcessingMode(), {&m_input});
     return VFIL_SUCCESS;
 }
 
 vfILStatus vfILMonadicPixelProc::ProcessData()
 {
-    FillOutput(m_run.shiftedValidBox, m_run.targetBox, GetDefaultColor());
-    FillOutput(m_run.processBox, m_run.shiftedValidBox, m_run.source, m_run.sourceStride);
+    FillUntreated(m_run, GetDefaultColor(), {GetProcessingMode(), m_simdAvailable != 0});
     return m_run.processBox.IsNull() ? VFIL_SUCCESS : DoEffect();
 }
 
@@ -74,7 +80,7 @@ vfILStatus vfILMonadicPixelProc::CleanData()
 
 vfILStatus vfILMonadicPixelProc::DoEffect()
 {
-    PointFormats::Visit(OutputFormat(), [this](auto format) {
+    PointFormats::Visit(m_run.picture.format->id, [this](auto format) {
         using Sample = typename decltype(format)::Sample;
         RunPointOp<decltype(format)>(*this, m_run, m_input, [this](Sample value) -> Sample {
             if constexpr (sizeof(Sample) == 1) {

@@ -110,16 +110,17 @@ vfILStatus vfILMonadicSpatialProc::PrepareData()
 
 vfILStatus vfILMonadicSpatialProc::PrepareWindows(const vfILVector2l& radius)
 {
-    if (!AreConnected(GetInputImg(), GetOutputImg()))
-        return Fail(WhyUnconnected(GetInputImg(), GetOutputImg()), GetClassNameW());
+    const ImageView output(GetOutputImg());
+    if (!AreConnected(GetInputImg(), output))
+        return Fail(WhyUnconnected(GetInputImg(), output), GetClassNameW());
     if (radius[0] < 0 || radius[1] < 0) return Fail(0x10023, GetClassNameW());
-    const long pixelBytes = ImageView(GetOutputImg()).RowPixelBytes();
+    const long pixelBytes = output.RowPixelBytes();
     if (pixelBytes < 1 || pixelBytes > long{sizeof ColourPixel::bytes}) return Fail(0x1000D, GetClassNameW());
     PXImageChannel channel{};
     const vfILBbox2l& maskBox = GetMask(nullptr, &channel);
     ComputeRegions(m_run, ImageView(GetInputImg()).Box(), GetROI(), maskBox, GetOutputOffset());
     if (!PrepareMaskAndOutput(m_run, GetOutputImg(), GetMaskImg(), maskBox, channel))
-        return Fail(WhyUnprepared(m_run, GetOutputImg(), GetMaskImg()), GetClassNameW());
+        return Fail(WhyUnprepared(m_run, GetMaskImg()), GetClassNameW());
 
     m_validBox = m_run.shiftedValidBox;
     m_outputBox = m_run.targetBox;
@@ -127,7 +128,8 @@ vfILStatus vfILMonadicSpatialProc::PrepareWindows(const vfILVector2l& radius)
     m_validOutBox = m_run.shiftedValidBox;
     m_effectBox = m_run.maskedBox.IsNull() ? m_run.maskedBox : m_run.processBox;
     m_run.channels = GetProcessingMode() & VFIL_MODE_RGBA;
-    if (!PreparePassThrough() || !PrepareScratch(radius)) {
+    if (PreparePassThrough() != VFIL_SUCCESS) return VFIL_FAILURE;
+    if (!PrepareScratch(radius)) {
         return Fail(0x10001, "%s ERROR PrepareData: insufficient memory space\n", GetClassNameW());
     }
     SelectFieldRows();
@@ -135,14 +137,22 @@ vfILStatus vfILMonadicSpatialProc::PrepareWindows(const vfILVector2l& radius)
 }
 
 /// Keeps the pixels that are shown outside the mask's box, which a shifted run in place would overwrite.
-bool vfILMonadicSpatialProc::PreparePassThrough()
+vfILStatus vfILMonadicSpatialProc::PreparePassThrough()
 {
     const bool isOutput = GetInputImg() == GetOutputImg();
     const bool showsOutside = !(m_run.maskedBox == m_run.validBox);
     const bool hazard = isOutput && showsOutside && IsHazard(m_run.targetBox, GetROI());
     vfILRowWalk unpadded;
-    return PrepareInput({GetInputImg(), m_run.validBox, m_run.maskedBox, isOutput, hazard, showsOutside},
-                        m_run, unpadded, m_passThrough);
+    switch (PrepareInput({GetInputImg(), m_run.validBox, m_run.maskedBox, isOutput, hazard, showsOutside},
+                         m_run, unpadded, m_passThrough)) {
+    case InputState::OutOfMemory:
+        return Fail(0x10001, "%s ERROR PrepareData: insufficient memory space\n", GetClassNameW());
+    case InputState::Unreadable:
+        return Fail(0x1000C, "%s ERROR PrepareData: Input image cannot be read\n", GetClassNameW());
+    case InputState::Ready:
+        break;
+    }
+    return VFIL_SUCCESS;
 }
 
 bool vfILMonadicSpatialProc::PrepareScratch(const vfILVector2l& radius)

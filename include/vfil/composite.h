@@ -18,7 +18,8 @@ enum vfILAlphaMode : int {
 /// In the rules below, t is the extra transparency, a and b a colour channel of A and B, Aa and Ba their
 /// alphas, all normalised to 1. f = t b when B is premultiplied, else t Ba b; q = a when A is premultiplied,
 /// else Aa a; s = t b whatever the premultiplication; u = t Ba. 8-bit products round to nearest and sums
-/// clip; 16-bit results have the rounding of their own that vfILImgProc's channel arithmetic states.
+/// clip; 16-bit results have the rounding of their own that vfILImgProc's channel arithmetic states, unless
+/// SetFullScale16 asks for those of 8 bits.
 ///
 /// A channel that the processing mode does not select takes the dominant input's value. The samples of a mask
 /// have no effect; its box still bounds the operated region. RGBA, 8 and 16 bits.
@@ -72,6 +73,12 @@ public:
     double GetExtraTransparency() const;
     /// \param strength The front's strength, 0 .. 1; 1, the default, is full strength.
     void SetExtraTransparency(double strength);
+    int GetFullScale16() const;
+    /// \param fullScale Non-zero gives 16-bit pictures the rules of 8 bits with 65535 for 255: each product
+    /// rounds to nearest, and sums clip. By default, 0, they have those of vfILImgProc's channel arithmetic,
+    /// by which over shows next to nothing of an opaque front, the back next to nothing of itself in
+    /// add-no-clip, and diff only low bytes. 8-bit and 4:2:2 pictures are the same either way.
+    void SetFullScale16(int fullScale);
 
 private:
     double m_extraTransparency;
@@ -80,6 +87,7 @@ private:
     int m_imgBPremultiplied;
     int m_outputPremultiplied;
     int m_neverPremultiplyBack;
+    int m_fullScale16;
 };
 
 /// The front over the back: f + (1 - u) q, alpha u + (1 - u) Aa. Also takes the 4:2:2 formats with an alpha
@@ -180,7 +188,7 @@ private:
     static const wchar_t* const m_ClassName;
 };
 
-/// The distance: |s - a|; alpha likewise. At 16 bits only its low byte.
+/// The distance: |s - a|; alpha likewise. At 16 bits only its low byte, unless at full scale.
 class VFIL_API vfILDiffImage : public vfILCompImg {
 protected:
     vfILStatus Process8() override;

@@ -63,6 +63,8 @@ public:
     vfILStatus Verify() override;
 
 protected:
+    /// Fails, before anything is written, with 0x10001 (no memory for a copy of an input that the run would
+    /// overwrite) and 0x10015 or 0x10016 (A or B refuses ReadRegion).
     vfILStatus PrepareData() override;
     vfILStatus ProcessData() override;
     vfILStatus CleanData() override;

@@ -95,7 +95,8 @@ struct IPXImage : vfILUnknown {
     virtual vfILResult GetPixelArraySize(unsigned long* bytes) = 0;
     /// Allocates the pixel array for the current format. Fails for a negative size and when memory is short.
     virtual vfILResult SetDimensions(long width, long height) = 0;
-    /// Copies a rectangle, in image coordinates, to a buffer whose rows have no padding, lowest y first.
+    /// Copies a rectangle, in image coordinates, to a buffer whose rows have no padding, lowest y first. A
+    /// run whose input fails here fails, too.
     virtual vfILResult ReadRegion(void* destination, long x, long y, long width, long height) = 0;
     /// Writes one pixel value to a rectangle, in image coordinates.
     virtual vfILResult FillRegion(const void* pixel, long x, long y, long width, long height) = 0;

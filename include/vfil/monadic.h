@@ -42,6 +42,8 @@ public:
     vfILStatus Verify() override;
 
 protected:
+    /// Fails, before anything is written, with 0x10001 (no memory for a copy of an input that the run would
+    /// overwrite) and 0x1000C (the input refuses ReadRegion).
     vfILStatus PrepareData() override;
     vfILStatus ProcessData() override;
     vfILStatus CleanData() override;

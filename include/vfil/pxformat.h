@@ -136,6 +136,16 @@ struct vfILFormatInfo {
     bool chromaFirst;    ///< IsFormatAlternateYUV
     bool splitField;     ///< IsFormatSplitField
     bool evenFieldFirst; ///< IsFormatSplitFieldEven
+
+    /// The memory row of image row \p y, 0 <= y < height, of a picture: image rows count upward from the
+    /// bottom, memory rows follow the format.
+    long MemoryRow(long height, long y) const
+    {
+        const long row = topDown ? height - 1 - y : y;
+        if (!splitField) return row;
+        const long odd = y & 1;
+        return (row >> 1) + (evenFieldFirst ? ((height + 1) >> 1) * odd : (height >> 1) * (1 - odd));
+    }
 };
 
 /// The record of a format, or null for an identifier that is none of the 27 formats.

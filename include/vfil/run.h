@@ -1,12 +1,24 @@
 /// \file
-/// What the frames know of a run: where the rows of its pictures lie, its boxes, its memory.
+/// What the frames know of a run: its pictures, where their rows lie, its boxes, its memory.
 #pragma once
 
 #include <vfil/export.h>
 #include <vfil/geometry.h>
+#include <vfil/image.h>
+#include <vfil/pxformat.h>
 
 #include <cstddef>
-#include <memory>
+
+/// What a run knows of one host picture, which it asks once. Empty, without pixels, for a null picture.
+struct vfILPictureView {
+    IPXImage* image = nullptr;
+    const vfILFormatInfo* format = nullptr; ///< for a format of the host's own a record without properties
+    long width = 0;
+    long height = 0;
+    long pixelBytes = 0;
+    long channelBytes = 0;
+    unsigned char* pixels = nullptr;
+};
 
 /// Where the rows of one picture lie in a run.
 struct vfILRowWalk {
@@ -16,22 +28,26 @@ struct vfILRowWalk {
     std::ptrdiff_t planeStep = 0;
 };
 
-/// Memory of one run, owned by its processor. A copy is empty.
+/// Memory of one run, owned by its processor. A copy is empty, and so stays what is assigned to. When memory
+/// is short, Allocate says so and nothing is thrown.
 class VFIL_API vfILRunBuffer {
 public:
     vfILRunBuffer() = default;
-    vfILRunBuffer(const vfILRunBuffer&) {}
-    vfILRunBuffer& operator=(const vfILRunBuffer&) { return *this; }
-    /// Null when memory is short.
+    vfILRunBuffer(const vfILRunBuffer& other);
+    vfILRunBuffer& operator=(const vfILRunBuffer& other);
+    ~vfILRunBuffer();
+    /// Gives back what there was. The new memory is not set to anything, and begins with a line of the cache,
+    /// so that no vector of it lies across two. Null when memory is short.
     unsigned char* Allocate(std::size_t bytes);
-    void Free() { m_bytes.reset(); }
+    void Free();
 
 private:
-    std::unique_ptr<unsigned char[]> m_bytes;
+    unsigned char* m_memory = nullptr;
 };
 
 /// What both pixel frames know of a run, from PrepareData to CleanData.
 struct vfILPixelRun {
+    vfILPictureView picture;    ///< the output
     vfILBbox2l validBox;        ///< the part of the ROI that has a source, in input coordinates
     vfILBbox2l maskedBox;       ///< the part of it that gets the operation
     vfILBbox2l targetBox;       ///< the ROI's size at the output offset

@@ -57,7 +57,8 @@ public:
 protected:
     /// For the Verify of a leaf: that of this class, then 0x1000D (a format that is neither RGBA nor mono).
     vfILStatus VerifyFrame(const wchar_t* className);
-    /// Fails with 0x10001, before anything is written, when the padded copy is too large for the memory.
+    /// Fails with 0x10001, before anything is written, when the padded copy is too large for the memory, and
+    /// with 0x1000C when the input refuses ReadRegion.
     vfILStatus PrepareData() override;
     vfILStatus ProcessData() override;
     vfILStatus CleanData() override;
@@ -118,7 +119,7 @@ protected:
     vfILBbox2l m_effectBox;   ///< what the filter computes
 
 private:
-    bool PreparePassThrough();
+    vfILStatus PreparePassThrough();
     bool PrepareScratch(const vfILVector2l& radius);
     bool PrepareInputRows(bool shared);
     bool AllocateScratch(std::int64_t rowBytes, std::int64_t rows, std::int64_t resultBytes);

@@ -37,6 +37,31 @@ TEST(Failure, ShortMemoryLeavesTheOutputAlone)
     }
 }
 
+// A host picture may refuse to be read. What a shifted run in place then holds is nobody's pixels.
+TEST(Failure, UnreadablePictureLeavesTheOutputAlone)
+{
+    struct Case {
+        int kind;
+        bool intoFront;
+        unsigned long code;
+    };
+    for (const Case& c : {Case{kInvert, false, 0x1000C}, Case{kFirstLayer, false, 0x10015},
+                          Case{kFirstLayer, true, 0x10016}}) {
+        GuardedImage image(PXFormat_RGBA32, 9, 4), other(PXFormat_RGBA32, 9, 4);
+        std::mt19937 random(6);
+        image.Randomise(random);
+        const Snapshot before(image);
+        const auto processor = MakeProcessor(c.kind, true);
+        Connect(*processor, c.intoFront ? &other : &image, c.intoFront ? &image : &other, &image);
+        processor->SetROI({0, 0, 7, 4});
+        processor->SetOutputOffset({2, 0});
+        image.failReadRegion = true;
+        EXPECT_EQ(processor->Execute(), VFIL_FAILURE) << std::hex << c.code;
+        EXPECT_EQ(processor->GetLastError().GetErrorCode(), c.code);
+        EXPECT_EQ(Difference(before, image), "") << std::hex << c.code;
+    }
+}
+
 // Nobody called Verify: a missing picture is noticed before anything is touched.
 TEST(Failure, MissingPicturesAreNoticedWithoutVerify)
 {

@@ -237,6 +237,28 @@ TEST_P(EveryOperator, FollowsTheBoxesAndTheModel)
 
 INSTANTIATE_TEST_SUITE_P(Frame, EveryOperator, testing::Range(0, kKinds));
 
+// Asking may cost a host a lock or a look-up: a run, with all its fills, asks each picture once, and one that
+// is input, mask and output at a time as well.
+TEST_P(EveryOperator, AsksEachPictureOnce)
+{
+    for (const bool inPlace : {false, true}) {
+        GuardedImage a(PXFormat_RGBA64, 6, 4), b(PXFormat_RGBA64, 5, 4), out(PXFormat_RGBA64, 8, 6);
+        GuardedImage mask(PXFormat_Mono16, 4, 3);
+        const auto used = MakeProcessor(GetParam(), true);
+        Connect(*used, &a, &b, inPlace ? &a : &out);
+        used->SetMask({1, 1, 4, 3}, &mask, PXImageChannel_MONO);
+        ASSERT_EQ(used->Verify(), VFIL_SUCCESS);
+        for (GuardedImage* image : {&a, &b, &out, &mask})
+            image->asked = {};
+        ASSERT_EQ(used->Execute(), VFIL_SUCCESS);
+        const GuardedImage::Asked once{1, 1, 1, 1, 1}, never{};
+        EXPECT_EQ(a.asked, once);
+        EXPECT_EQ(b.asked, GetParam() <= kProbeMonadic ? never : once);
+        EXPECT_EQ(out.asked, inPlace ? never : once);
+        EXPECT_EQ(mask.asked, once);
+    }
+}
+
 // Without SetROI the region follows the output; once set it stays.
 TEST(Frame, RegionFollowsTheOutputUntilItIsSet)
 {

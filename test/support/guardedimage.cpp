@@ -87,12 +87,14 @@ HRESULT GuardedImage::SetFormat(const GUID* format)
 
 HRESULT GuardedImage::GetDimensions(long* width, long* height)
 {
+    ++asked.size;
     Give(m_width, width);
     return Give(m_height, height);
 }
 
 HRESULT GuardedImage::GetPixelArray(void** pixels)
 {
+    ++asked.pixels;
     return Give<void*>(m_storage.empty() ? nullptr : m_storage.data() + kGuard, pixels);
 }
 
@@ -109,6 +111,7 @@ HRESULT GuardedImage::SetDimensions(long width, long height)
 HRESULT GuardedImage::ReadRegion(void* destination, long x, long y, long width, long height)
 {
     ++readRegionCalls;
+    if (failReadRegion) return E_FAIL;
     if (!Contains(x, y) || !Contains(x + width - 1, y + height - 1)) return E_INVALIDARG;
     auto* to = static_cast<std::uint8_t*>(destination);
     const auto rowBytes = static_cast<std::size_t>(width * m_format->pixelBytes);

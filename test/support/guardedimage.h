@@ -41,12 +41,18 @@ public:
 
     bool failGetImageState = false;
     bool failSetImageState = false;
+    bool failReadRegion = false;
     int readRegionCalls = 0;
+    /// How often its format, size, pixels, bytes a pixel and a channel were asked for.
+    struct Asked {
+        int format = 0, size = 0, pixels = 0, pixelBytes = 0, channelBytes = 0;
+        bool operator==(const Asked&) const = default;
+    } asked;
 
     HRESULT QueryInterface(const IID&, void**) override { return E_NOINTERFACE; }
     unsigned long AddRef() override { return 1; }
     unsigned long Release() override { return 1; }
-    HRESULT GetFormat(GUID* format) override { return Give(m_format->id, format); }
+    HRESULT GetFormat(GUID* format) override { return ++asked.format, Give(m_format->id, format); }
     HRESULT SetFormat(const GUID* format) override;
     HRESULT GetDimensions(long* width, long* height) override;
     HRESULT GetExtent(double*, double*) override { return E_INVALIDARG; }
@@ -55,8 +61,14 @@ public:
     HRESULT SetOrigin(double, double) override { return E_INVALIDARG; }
     HRESULT GetChannelCount(long* count) override { return Give(m_format->channels, count); }
     HRESULT GetSampleBytes(long* bytes) override { return Give(m_format->sampleBytes, bytes); }
-    HRESULT GetChannelBytes(long* bytes) override { return Give(m_format->sampleBytes, bytes); }
-    HRESULT GetPixelBytes(long* bytes) override { return Give(m_format->pixelBytes, bytes); }
+    HRESULT GetChannelBytes(long* bytes) override
+    {
+        return ++asked.channelBytes, Give(m_format->sampleBytes, bytes);
+    }
+    HRESULT GetPixelBytes(long* bytes) override
+    {
+        return ++asked.pixelBytes, Give(m_format->pixelBytes, bytes);
+    }
     HRESULT GetPixelArray(void** pixels) override;
     HRESULT GetPixelArraySize(unsigned long*) override { return E_INVALIDARG; }
     HRESULT SetDimensions(long width, long height) override;

@@ -98,12 +98,14 @@ int LayerChannel(Layer layer, const Arithmetic& math, int f, int q, int s, int a
 
 int Arithmetic::Product(int a, int b) const
 {
-    return full == 255 ? (a * b + 127) / 255 : Quotient16(Times(a, b));
+    if (!fullScale) return Quotient16(Times(a, b));
+    const auto whole = static_cast<std::uint64_t>(full);
+    return static_cast<int>((Times(a, b) + whole / 2) / whole);
 }
 
 int Arithmetic::Sum(int a, int b, int c, int d) const
 {
-    return full == 255 ? std::min(255, Product(a, b) + Product(c, d)) : Quotient16(Times(a, b) + Times(c, d));
+    return fullScale ? std::min(full, Product(a, b) + Product(c, d)) : Quotient16(Times(a, b) + Times(c, d));
 }
 
 int Arithmetic::Strength(double strength) const
@@ -118,7 +120,7 @@ int Grey(const Pixel& pixel)
 
 Pixel LayerPixel(const LayerSetup& setup, const Pixel& a, const Pixel& b)
 {
-    const Arithmetic math{setup.full};
+    const Arithmetic math{setup.full, setup.full == 255 || setup.fullScale16};
     const int t = math.Strength(setup.strength);
     const int u = b[3] == setup.full ? t : math.Product(b[3], t);
     Pixel s;

@@ -9,16 +9,18 @@
 
 namespace vfil::test {
 
-/// The sample arithmetic: sums of products rounded one by one in 8 bits, one rounding of the whole in 16.
+/// The sample arithmetic: sums of products rounded one by one in 8 bits and at full scale, else one rounding
+/// of the whole.
 struct Arithmetic {
     int full;
+    bool fullScale = full == 255;
 
     /// a * b / full to nearest.
     int Product(int a, int b) const;
     /// (a * b + c * d) / full, clipped.
     int Sum(int a, int b, int c, int d) const;
-    /// The weight of a term that stands alone: 1, which in 16 bits is a 65535th.
-    int One() const { return full == 255 ? 255 : 1; }
+    /// The weight of a term that stands alone: 1, which in 16 bits is a 65535th unless at full scale.
+    int One() const { return fullScale ? full : 1; }
 
     int Blend(int f, int b, int m) const { return Sum(m, f, full - m, b); }
     int Over(int f, int b, int fAlpha) const { return Sum(One(), f, full - fAlpha, b); }
@@ -28,7 +30,7 @@ struct Arithmetic {
     int Xor(int f, int b, int fAlpha, int bAlpha) const { return Sum(full - fAlpha, b, full - bAlpha, f); }
     int Add(int a, int b) const { return a + b < full ? a + b : full; }
     int AddNoClip(int a, int b) const { return Sum(full - b, a, One(), b); }
-    int Difference(int a, int b) const { return (a < b ? b - a : a - b) & 0xFF; }
+    int Difference(int a, int b) const { return (a < b ? b - a : a - b) & (fullScale ? full : 0xFF); }
     /// A strength in 0 .. 1 as a sample.
     int Strength(double strength) const;
 };
@@ -55,6 +57,7 @@ inline constexpr int kLayers = 15;
 struct LayerSetup {
     Layer layer = Layer::Over;
     int full = 255;
+    bool fullScale16 = false;
     double strength = 1.0;
     vfILAlphaMode alphaMode = VFIL_ALPHA_COMPUTED;
     bool aPremultiplied = false;

@@ -111,6 +111,7 @@ inline void Configure(vfILCompImg& processor, const LayerSetup& setup)
     processor.NeverPremultiplyBackImage(setup.neverPremultiplyBack);
     processor.SetExtraTransparency(setup.strength);
     processor.SetAlphaMode(setup.alphaMode);
+    processor.SetFullScale16(setup.fullScale16);
     processor.SetProcessingMode(setup.mode);
     processor.SetDominantInput(setup.dominantB ? processor.GetInputImgB() : processor.GetInputImgA());
 }
@@ -135,6 +136,7 @@ inline LayerSetup RandomSetup(std::mt19937& random, Layer layer, int full)
     setup.bPremultiplied = random() % 2;
     setup.neverPremultiplyBack = random() % 4 == 0;
     setup.dominantB = random() % 2;
+    setup.fullScale16 = random() % 2;
     setup.mode = kModes[random() % kModes.size()];
     if (setup.mode == 0) setup.mode = random() % 16;
     return setup;

@@ -18,8 +18,10 @@ GUID FormatOf(IPXImage* image)
     return format;
 }
 
-ImageView::ImageView(IPXImage* image) : format(vfILFindFormat(FormatOf(image)))
+ImageView::ImageView(IPXImage* asked)
 {
+    image = asked;
+    format = vfILFindFormat(FormatOf(image));
     if (format == nullptr) format = &kUnknownFormat;
     if (image == nullptr) return;
     image->GetDimensions(&width, &height);
@@ -30,13 +32,16 @@ ImageView::ImageView(IPXImage* image) : format(vfILFindFormat(FormatOf(image)))
     pixels = static_cast<unsigned char*>(base);
 }
 
-long ImageView::MemoryRow(long y) const
+ImageView::ImageView(const vfILPictureView& view) : vfILPictureView(view)
 {
-    const long row = format->topDown ? height - 1 - y : y;
-    if (!format->splitField) return row;
-    const long odd = y & 1;
-    if (format->evenFieldFirst) return (row >> 1) + ((height + 1) >> 1) * odd;
-    return (row >> 1) + (height >> 1) * (1 - odd);
+    if (format == nullptr) format = &kUnknownFormat;
+}
+
+ImageView ViewOf(IPXImage* image, std::initializer_list<ImageView> known)
+{
+    for (const ImageView& view : known)
+        if (view.image == image) return view;
+    return image;
 }
 
 unsigned char* ImageView::Pixel(long x, long memoryRow) const

@@ -5,8 +5,6 @@
 
 #include "il/rows/levels.h"
 
-#include <new>
-
 namespace vfil {
 
 namespace {
@@ -26,15 +24,17 @@ long ChannelIndex(PXImageChannel channel)
     }
 }
 
-/// Reads a box of the input into the buffer. Null when memory is short.
-unsigned char* ReadToBuffer(IPXImage* image, const vfILBbox2l& box, long pixelBytes, vfILRunBuffer& buffer)
+/// Reads a box of the input into the buffer, of which \p bytes tells the place.
+InputState ReadToBuffer(const ImageView& view, const vfILBbox2l& box, vfILRunBuffer& buffer,
+                        unsigned char*& bytes)
 {
-    unsigned char* bytes =
-        buffer.Allocate(static_cast<std::size_t>(pixelBytes) * static_cast<std::size_t>(box.GetSizeX()) *
+    bytes =
+        buffer.Allocate(static_cast<std::size_t>(view.pixelBytes) * static_cast<std::size_t>(box.GetSizeX()) *
                         static_cast<std::size_t>(box.GetSizeY()));
-    if (bytes == nullptr) return nullptr;
-    image->ReadRegion(bytes, box.GetOffsetX(), box.GetOffsetY(), box.GetSizeX(), box.GetSizeY());
-    return bytes;
+    if (bytes == nullptr) return InputState::OutOfMemory;
+    const HRESULT result =
+        view.image->ReadRegion(bytes, box.GetOffsetX(), box.GetOffsetY(), box.GetSizeX(), box.GetSizeY());
+    return FAILED(result) ? InputState::Unreadable : InputState::Ready;
 }
 
 /// Moves a walk onto the selected rows.
@@ -48,19 +48,19 @@ void MoveOnto(vfILRowWalk& walk, const RowSelection& rows)
 
 } // namespace
 
-bool PrepareInput(const InputPart& input, vfILPixelRun& run, vfILRowWalk& walk, vfILRunBuffer& buffer)
+InputState PrepareInput(const InputPart& input, vfILPixelRun& run, vfILRowWalk& walk, vfILRunBuffer& buffer)
 {
-    const ImageView view(input.image);
+    const ImageView& view = input.picture;
     const vfILBbox2l& read = input.showsOutside ? input.valid : input.part;
-    if (read.IsNull()) return true;
+    if (read.IsNull()) return InputState::Ready;
 
     // The rows that hold `read`, in the picture or in a copy of just that box.
     vfILRowWalk rows = view.Walk(read.GetOffsetX(), read.GetOffsetY());
     if (input.isOutput && !input.hazard) run.streaming = false; // what is written has just been read
     if (input.hazard) {
-        rows.first = ReadToBuffer(input.image, read, view.pixelBytes, buffer);
+        const InputState state = ReadToBuffer(view, read, buffer, rows.first);
+        if (state != InputState::Ready) return state;
         rows.step = std::ptrdiff_t{view.RowPixelBytes()} * read.GetSizeX();
-        if (rows.first == nullptr) return false;
     }
     if (input.showsOutside) {
         run.source = rows.first;
@@ -68,65 +68,60 @@ bool PrepareInput(const InputPart& input, vfILPixelRun& run, vfILRowWalk& walk, 
     }
     const long dx = input.part.GetOffsetX() - read.GetOffsetX();
     const long dy = input.part.GetOffsetY() - read.GetOffsetY();
-    if (input.part.IsNull()) return true;
+    if (input.part.IsNull()) return InputState::Ready;
     walk = rows;
     walk.first += dy * rows.step + std::ptrdiff_t{dx} * view.RowPixelBytes();
     if (walk.plane != nullptr) walk.plane += dy * rows.planeStep + dx;
-    return true;
+    return InputState::Ready;
 }
 
-bool PrepareMaskAndOutput(vfILPixelRun& run, IPXImage* output, IPXImage* mask, const vfILBbox2l& maskBox,
-                          PXImageChannel channel)
+bool PrepareMaskAndOutput(vfILPixelRun& run, const ImageView& to, const ImageView& mask,
+                          const vfILBbox2l& maskBox, PXImageChannel channel)
 {
+    run.picture = to;
     run.rows = run.processBox.GetSizeY();
-    const ImageView to(output);
     if (!Covers(to.Box(), run.processBox)) return false;
     const std::int64_t bytes = std::int64_t{to.RowPixelBytes()} * run.processBox.GetSizeX() * run.rows;
     run.streaming = bytes >= static_cast<std::int64_t>(kStreamingBytes);
     run.output = to.Walk(run.processBox.GetOffsetX(), run.processBox.GetOffsetY());
-    if (mask == nullptr) return true;
+    if (mask.image == nullptr) return true;
 
-    const ImageView from(mask);
     const vfILBbox2l sampled = Moved(run.maskedBox, -maskBox.GetOffsetX(), -maskBox.GetOffsetY());
-    if (!from.HasPixels() || !Covers(from.Box(), sampled) || from.channelBytes != to.channelBytes)
+    if (!mask.HasPixels() || !Covers(mask.Box(), sampled) || mask.channelBytes != to.channelBytes)
         return false;
-    run.mask = from.Walk(sampled.GetOffsetX(), sampled.GetOffsetY());
-    run.mask.first += ChannelIndex(channel) * from.channelBytes;
-    run.maskPixelStep = from.pixelBytes;
+    run.mask = mask.Walk(sampled.GetOffsetX(), sampled.GetOffsetY());
+    run.mask.first += ChannelIndex(channel) * mask.channelBytes;
+    run.maskPixelStep = mask.pixelBytes;
     return true;
 }
 
-bool AreConnected(IPXImage* input, IPXImage* output)
+bool AreConnected(const ImageView& from, const ImageView& to)
 {
-    const ImageView from(input);
-    const ImageView to(output);
-    if (input == nullptr || !to.HasPixels()) return false;
+    if (from.image == nullptr || !to.HasPixels()) return false;
     return from.Box().IsNull() || (from.HasPixels() && from.RowPixelBytes() == to.RowPixelBytes());
 }
 
-unsigned long WhyUnconnected(IPXImage* input, IPXImage* output, unsigned long noInput, unsigned long noPixels)
+unsigned long WhyUnconnected(const ImageView& input, const ImageView& output, unsigned long noInput,
+                             unsigned long noPixels)
 {
-    if (output == nullptr) return 0x10002;
-    if (!ImageView(output).HasPixels()) return 0x10003;
-    if (input == nullptr) return noInput;
-    return ImageView(input).HasPixels() ? 0x1000E : noPixels;
+    if (output.image == nullptr) return 0x10002;
+    if (!output.HasPixels()) return 0x10003;
+    if (input.image == nullptr) return noInput;
+    return input.HasPixels() ? 0x1000E : noPixels;
 }
 
-unsigned long WhyUnprepared(const vfILPixelRun& run, IPXImage* output, IPXImage* mask)
+unsigned long WhyUnprepared(const vfILPixelRun& run, const ImageView& mask)
 {
-    const ImageView to(output);
-    const ImageView from(mask);
-    if (!Covers(to.Box(), run.processBox)) return 0x1000A;
-    if (!from.HasPixels()) return 0x10005;
-    return from.channelBytes != to.channelBytes ? 0x10009 : 0x10006;
+    const ImageView output(run.picture);
+    if (!Covers(output.Box(), run.processBox)) return 0x1000A;
+    if (!mask.HasPixels()) return 0x10005;
+    return mask.channelBytes != output.channelBytes ? 0x10009 : 0x10006;
 }
 
-void SelectRows(vfILPixelRun& run, unsigned long mode, IPXImage* output,
-                std::initializer_list<vfILRowWalk*> inputs)
+void SelectRows(vfILPixelRun& run, unsigned long mode, std::initializer_list<vfILRowWalk*> inputs)
 {
     const vfILBbox2l& box = run.processBox;
-    const vfILFormatInfo& format = *ImageView(output).format;
-    const RowSelection rows = SelectMemoryRows(mode, format, box.GetOffsetY(), box.GetSizeY());
+    const RowSelection rows = SelectMemoryRows(mode, *run.picture.format, box.GetOffsetY(), box.GetSizeY());
     run.rows = rows.count;
     for (vfILRowWalk* input : inputs)
         MoveOnto(*input, rows);
@@ -134,10 +129,10 @@ void SelectRows(vfILPixelRun& run, unsigned long mode, IPXImage* output,
     MoveOnto(run.output, rows);
 }
 
-} // namespace vfil
-
-unsigned char* vfILRunBuffer::Allocate(std::size_t bytes)
+void FillUntreated(const vfILPixelRun& run, const vfILColor& defaultColour, const FillRule& rule)
 {
-    m_bytes.reset(new (std::nothrow) unsigned char[bytes]);
-    return m_bytes.get();
+    FillAround(run.picture, run.shiftedValidBox, run.targetBox, defaultColour, rule);
+    FillAround(run.picture, run.processBox, run.shiftedValidBox, run.source, run.sourceStride, rule);
 }
+
+} // namespace vfil

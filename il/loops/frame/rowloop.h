@@ -42,10 +42,29 @@ struct FormatList {
     {
         ((format == Formats::kId ? effect(Formats{}) : void()), ...);
     }
+
+    /// Calls the one for the format's samples, of 8 or of 16 bits; succeeds with a format that is not in the
+    /// list.
+    template <class Effect8, class Effect16>
+    static vfILStatus RunByDepth(const GUID& format, Effect8 effect8, Effect16 effect16)
+    {
+        vfILStatus status = VFIL_SUCCESS;
+        Visit(format, [&](auto tag) {
+            status = sizeof(typename decltype(tag)::Sample) == 1 ? effect8() : effect16();
+        });
+        return status;
+    }
 };
 
 using PointFormats = FormatList<Rgba8, Rgba16, Mono8, Mono16>;
 using RgbaFormats = FormatList<Rgba8, Rgba16>;
+using MonoFormats = FormatList<Mono8, Mono16>;
+
+/// The format of a prepared run's output.
+inline const GUID& FormatOf(const vfILPixelRun& run)
+{
+    return run.picture.format->id;
+}
 
 /// Treats rows 0 .. rows - 1 in turn. Stops quietly after a row when the interrupt is set.
 template <class TreatRow>

@@ -1,37 +1,29 @@
 /// \file
-/// Arrays that live for a part of a run, and whose absence is no exception.
+/// Arrays that live for a part of a run: a run's memory by elements, with its policy for short memory.
 #pragma once
 
-#include <vfil/frame.h>
+#include <vfil/run.h>
 
 #include <limits>
-#include <memory>
 
 namespace vfil {
 
-/// An array of numbers or pointers, not set to anything. It begins with a line of the cache, so that no
-/// vector of it lies across two.
+/// An array of numbers or pointers, not set to anything.
 template <class Element>
 class RunArray {
 public:
     /// False when memory is short.
     bool Allocate(std::size_t count)
     {
-        constexpr std::size_t kMost = std::numeric_limits<std::ptrdiff_t>::max() - kLine;
-        m_first = nullptr;
-        if (count > kMost / sizeof(Element)) return false;
-        std::size_t bytes = count * sizeof(Element) + kLine;
-        void* memory = m_buffer.Allocate(bytes);
-        if (memory == nullptr) return false;
-        m_first = static_cast<Element*>(std::align(kLine, count * sizeof(Element), memory, bytes));
-        return true;
+        constexpr std::size_t kMost = std::numeric_limits<std::size_t>::max() / sizeof(Element);
+        m_first =
+            count > kMost ? nullptr : reinterpret_cast<Element*>(m_buffer.Allocate(count * sizeof(Element)));
+        return m_first != nullptr;
     }
     Element* Data() const { return m_first; }
     Element& operator[](std::size_t index) const { return m_first[index]; }
 
 private:
-    static constexpr std::size_t kLine = 64;
-
     vfILRunBuffer m_buffer;
     Element* m_first = nullptr;
 };

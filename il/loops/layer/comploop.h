@@ -42,12 +42,13 @@ LayerParams<Sample> LayerParamsOf(const vfILCompImg& processor, const vfILLayerR
     params.channels = Rgba8::Channels(processor);
     params.dominantIsFront = layers.dominantFront;
     params.streaming = layers.run.streaming;
+    params.fullScale = processor.GetFullScale16() != 0;
     return params;
 }
 
 /// Runs the row kernel of an operator over the process box.
-template <class Sample>
-void RunLayerRows(const vfILProcessor& processor, const vfILLayerRun& layers, LayerOp op,
+template <LayerOp op, class Sample>
+void RunLayerRows(const vfILProcessor& processor, const vfILLayerRun& layers,
                   const LayerParams<Sample>& params, Poll poll = Poll::EachRow)
 {
     const LayerRow<Sample> treatPixels = FindLayerRow<Sample>(layers.fast, op, params);
@@ -65,12 +66,12 @@ void RunLayerRows(const vfILProcessor& processor, const vfILLayerRun& layers, La
 }
 
 /// A whole operator of a row kernel: the rows, then the report of the result's state.
-template <class Sample>
-vfILStatus RunLayerOp(vfILCompImg& processor, const vfILLayerRun& layers, LayerOp op)
+template <class Sample, LayerOp op>
+vfILStatus RunLayerOp(vfILCompImg& processor, const vfILLayerRun& layers)
 {
-    RunLayerRows<Sample>(processor, layers, op, LayerParamsOf<Sample>(processor, layers));
+    RunLayerRows<op>(processor, layers, LayerParamsOf<Sample>(processor, layers));
     // What one picture's alpha cuts out of the other is multiplied by it, whatever the inputs are.
-    const bool cut = op == LayerOp::In || op == LayerOp::Out;
+    constexpr bool cut = TraitsOf(op).weighs == Weighs::Front;
     processor.SetOutputPremultiplied(cut ? 1 : EitherPremultiplied(processor));
     return VFIL_SUCCESS;
 }

@@ -96,16 +96,16 @@ const LevelTables<ConvRows>& Tables()
 {
     static const LevelTables<ConvRows> tables(
         {
-            PlainFixedSum,
-            PlainPairs,
-            PlainFixedAcross,
-            PlainFixedDown,
-            PlainFloatSum<std::uint8_t, std::uint8_t>,
-            PlainFloatSum<std::uint8_t, float>,
-            PlainFloatSum<float, std::uint8_t>,
-            PlainFloatSum<std::uint16_t, std::uint16_t>,
-            PlainFloatSum<std::uint16_t, float>,
-            PlainFloatSum<float, std::uint16_t>,
+            .fixed = PlainFixedSum,
+            .pairs = PlainPairs,
+            .fixedAcross = PlainFixedAcross,
+            .fixedDown = PlainFixedDown,
+            .float8 = PlainFloatSum<std::uint8_t, std::uint8_t>,
+            .float8Across = PlainFloatSum<std::uint8_t, float>,
+            .float8Down = PlainFloatSum<float, std::uint8_t>,
+            .float16 = PlainFloatSum<std::uint16_t, std::uint16_t>,
+            .float16Across = PlainFloatSum<std::uint16_t, float>,
+            .float16Down = PlainFloatSum<float, std::uint16_t>,
         },
         VFIL_FILLS);
     return tables;

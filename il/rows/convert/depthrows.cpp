@@ -53,15 +53,15 @@ const LevelTables<DepthRows>& Tables()
 {
     static const LevelTables<DepthRows> tables(
         {
-            {PlainNarrow, PlainNarrow},
-            {PlainWiden, PlainWiden},
-            {PlainPixels<4, 4, true>, PlainPixels<4, 4, true>},
-            {{PlainPixels<3, 4, false>, PlainPixels<3, 4, false>},
-             {PlainPixels<3, 4, true>, PlainPixels<3, 4, true>}},
-            {{PlainPixels<4, 3, false>, PlainPixels<4, 3, false>},
-             {PlainPixels<4, 3, true>, PlainPixels<4, 3, true>}},
-            {PlainTakeAlpha, PlainTakeAlpha},
-            {PlainLumaToAlpha, PlainLumaToAlpha},
+            .narrow = {PlainNarrow, PlainNarrow},
+            .widen = {PlainWiden, PlainWiden},
+            .swap = {PlainPixels<4, 4, true>, PlainPixels<4, 4, true>},
+            .expand = {{PlainPixels<3, 4, false>, PlainPixels<3, 4, false>},
+                       {PlainPixels<3, 4, true>, PlainPixels<3, 4, true>}},
+            .drop = {{PlainPixels<4, 3, false>, PlainPixels<4, 3, false>},
+                     {PlainPixels<4, 3, true>, PlainPixels<4, 3, true>}},
+            .takeAlpha = {PlainTakeAlpha, PlainTakeAlpha},
+            .lumaToAlpha = {PlainLumaToAlpha, PlainLumaToAlpha},
         },
         VFIL_FILLS);
     return tables;

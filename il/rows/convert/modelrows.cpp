@@ -53,8 +53,8 @@ constexpr ModelCases<Sample> kPlainCases{PlainTransform<Sample>, PlainRgbToHls<S
 
 const LevelTables<ModelRows>& Tables()
 {
-    static const LevelTables<ModelRows> tables({kPlainCases<std::uint8_t>, kPlainCases<std::uint16_t>},
-                                               VFIL_FILLS);
+    static const LevelTables<ModelRows> tables(
+        {.of8 = kPlainCases<std::uint8_t>, .of16 = kPlainCases<std::uint16_t>}, VFIL_FILLS);
     return tables;
 }
 

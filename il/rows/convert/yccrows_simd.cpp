@@ -1,7 +1,7 @@
 /// \file
 /// The vector forms of the kernels between RGB and 4:2:2, for the level VFIL_LEVEL.
 #include "il/rows/convert/yccparams.h"
-#include "il/rows/vec32.h"
+#include "il/rows/vecmove.h"
 
 namespace vfil {
 namespace {
@@ -20,19 +20,7 @@ S32 LoadPixels(const Byte* rgb)
     if constexpr (pixelBytes == 4) {
         return {Load(rgb).bits};
     } else {
-        // Four pixels, 12 bytes, for each 128 bits. The highest of these loads starts 4 bytes early, so that
-        // none reads behind the last pixel.
-        constexpr std::uint64_t low = 0x8005'0403'8002'0100;
-        constexpr std::uint64_t high = 0x800B'0A09'8008'0706;
-#if defined(__AVX512BW__)
-        const __m512i indices = _mm512_setr_epi32(0, 1, 2, 3, 3, 4, 5, 6, 6, 7, 8, 9, 9, 10, 11, 12);
-        const __m512i bytes = _mm512_maskz_loadu_epi32(0x0FFF, rgb);
-        return {Shuffle16(_mm512_permutexvar_epi32(indices, bytes), low, high)};
-#else
-        const __m128i first = _mm_loadu_si128(reinterpret_cast<const __m128i*>(rgb));
-        const __m128i second = _mm_srli_si128(_mm_loadu_si128(reinterpret_cast<const __m128i*>(rgb + 8)), 4);
-        return {Shuffle16(_mm256_set_m128i(second, first), low, high)};
-#endif
+        return LoadTriples(rgb);
     }
 }
 
@@ -107,17 +95,6 @@ S32 EncodePixels(S32 pixels, const EncodeConstants& weights)
     return chromaFirst ? c + ShiftUp<8>(y) + Splat32(0x1080) : y + ShiftUp<8>(c) + Splat32(0x8010);
 }
 
-/// Lanes of 0 .. 65535 to 16 bits.
-U8 PackWords(S32 first, S32 second)
-{
-#if defined(__AVX512BW__)
-    const __m512i order = _mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7);
-    return {_mm512_permutexvar_epi64(order, _mm512_packus_epi32(first.bits, second.bits))};
-#else
-    return {_mm256_permute4x64_epi64(_mm256_packus_epi32(first.bits, second.bits), 0b11'01'10'00)};
-#endif
-}
-
 template <bool streaming>
 void Put(Byte* p, U8 v)
 {
@@ -132,7 +109,7 @@ template <YccArithmetic arithmetic, int pixelBytes, bool averaging, bool chromaF
 void EncodePairs(const Byte* rgb, Byte* ycc, std::size_t pixels, const EncodeConstants& weights)
 {
     const auto twoSteps = [&](const Byte* from) {
-        return PackWords(
+        return NarrowPairs(
             EncodePixels<arithmetic, averaging, chromaFirst>(LoadPixels<pixelBytes>(from), weights),
             EncodePixels<arithmetic, averaging, chromaFirst>(
                 LoadPixels<pixelBytes>(from + kStep * pixelBytes), weights));
@@ -168,16 +145,6 @@ void EncodeStreaming(const Byte* rgb, Byte* ycc, std::size_t pixels, const YccLa
     const auto encode = IsAligned(ycc) ? EncodeOrders<arithmetic, pixelBytes, averaging, true>
                                        : EncodeOrders<arithmetic, pixelBytes, averaging, false>;
     encode(rgb, ycc, pixels, layout);
-}
-
-/// kStep / 2 pairs of 4:2:2, each in the lower half of 64 bits.
-Register LoadPairs(const Byte* ycc)
-{
-#if defined(__AVX512BW__)
-    return _mm512_cvtepu32_epi64(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(ycc)));
-#else
-    return _mm256_cvtepu32_epi64(_mm_loadu_si128(reinterpret_cast<const __m128i*>(ycc)));
-#endif
 }
 
 /// Byte indices into 64 bits of a pair, below, and of the chroma of its right pixel, above; for 128 bits.
@@ -223,9 +190,9 @@ constexpr Indices SpreadOne(Places places)
     return {lanes(0), lanes(8)};
 }
 
-S32 SpreadBy(Register pairs, Indices indices)
+S32 SpreadBy(U8 pairs, Indices indices)
 {
-    return {Shuffle16(pairs, indices.low, indices.high)};
+    return {Shuffle16(pairs.bits, indices.low, indices.high)};
 }
 
 /// kStep pixels, a vector a channel, not yet limited to bytes.
@@ -254,7 +221,7 @@ public:
                        Splat32(table.blue.constant)};
     }
 
-    Channels operator()(Register pairs) const
+    Channels operator()(U8 pairs) const
     {
         const S32 yCb = SpreadBy(pairs, m_cb);
         const S32 yCr = SpreadBy(pairs, m_cr);
@@ -287,7 +254,7 @@ public:
                        Splat32(table.blue.constant)};
     }
 
-    Channels operator()(Register pairs) const
+    Channels operator()(U8 pairs) const
     {
         const S32 y = SpreadBy(pairs, m_y) * m_luma; // the same in all three channels
         const S32 cb = SpreadBy(pairs, m_cb);
@@ -314,20 +281,6 @@ S32 LoadAlpha(const Byte* alpha, std::size_t at)
     }
 }
 
-/// Stores kStep pixels of 3 bytes from the lower 12 bytes of each 128 bits.
-void StoreTwelves(Byte* rgb, Register pixels)
-{
-#if defined(__AVX512BW__)
-    const __m512i order = _mm512_setr_epi32(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, 0, 0, 0, 0);
-    _mm512_mask_storeu_epi32(rgb, 0x0FFF, _mm512_permutexvar_epi32(order, pixels));
-#else
-    const __m256i order = _mm256_setr_epi32(0, 1, 2, 4, 5, 6, 0, 0);
-    const __m256i packed = _mm256_permutevar8x32_epi32(pixels, order);
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(rgb), _mm256_castsi256_si128(packed));
-    _mm_storel_epi64(reinterpret_cast<__m128i*>(rgb + 16), _mm256_extracti128_si256(packed, 1));
-#endif
-}
-
 /// Stores kStep pixels.
 template <int pixelBytes, bool blueFirst, bool streaming>
 void StorePixels(Byte* rgb, Channels channels, S32 alpha)
@@ -339,18 +292,18 @@ void StorePixels(Byte* rgb, Channels channels, S32 alpha)
     if constexpr (pixelBytes == 4) {
         Put<streaming>(rgb, {Shuffle16(planes.bits, 0x0D05'0901'0C04'0800, 0x0F07'0B03'0E06'0A02)});
     } else {
-        StoreTwelves(rgb, Shuffle16(planes.bits, 0x0A02'0509'0104'0800, 0x8080'8080'070B'0306));
+        StoreTwelves(rgb, {Shuffle16(planes.bits, 0x0A02'0509'0104'0800, 0x8080'8080'070B'0306)});
     }
 }
 
 /// The pair and what stands for the chroma of its right pixel.
 template <bool interpolating>
-Register WithRightChroma(const Byte* ycc)
+U8 WithRightChroma(const Byte* ycc)
 {
-    const Register pairs = LoadPairs(ycc);
-    Register right = pairs;
-    if constexpr (interpolating) right = VFIL_MM(avg_epu8)(pairs, LoadPairs(ycc + 4));
-    return VFIL_BITS(or)(pairs, VFIL_MM(slli_epi64)(right, 32));
+    const U8 pairs = LoadEachAs64(ycc);
+    U8 right = pairs;
+    if constexpr (interpolating) right = Average(pairs, LoadEachAs64(ycc + 4));
+    return pairs | ShiftLeft64<32>(right);
 }
 
 /// A row's rules, fixed before its loop.
@@ -376,8 +329,7 @@ void DecodePairs(const Byte* ycc, const Byte* alpha, Byte* rgb, std::size_t pixe
     constexpr std::size_t ahead = Rules::interpolating ? 2 : 0;
     std::size_t at = 0;
     for (; pixels - at >= kStep + ahead; at += kStep) {
-        if (at % kLinePixels == 0)
-            _mm_prefetch(reinterpret_cast<const char*>(ycc + 2 * at + nextRow), _MM_HINT_T0);
+        if (at % kLinePixels == 0) Prefetch(ycc + 2 * at + nextRow);
         StorePixels<Rules::pixelBytes, Rules::blueFirst, Rules::streaming>(
             rgb + bytes * at, decode(WithRightChroma<Rules::interpolating>(ycc + 2 * at)),
             LoadAlpha<Rules::hasAlpha>(alpha, at));

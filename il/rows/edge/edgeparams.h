@@ -32,6 +32,18 @@ inline constexpr std::size_t kEdgeOps = 16;
 inline constexpr std::size_t kToOpposite = 4;
 inline constexpr std::size_t kToPair = 8;
 
+/// A response in one of the eight directions.
+constexpr bool IsCompass(EdgeOp op)
+{
+    return static_cast<std::size_t>(op) < kToPair;
+}
+
+/// The larger of two opposite responses.
+constexpr bool IsCompassPair(EdgeOp op)
+{
+    return !IsCompass(op) && static_cast<std::size_t>(op) < kToPair + kToOpposite;
+}
+
 enum class AngleOp { Roberts, Sobel };
 inline constexpr std::size_t kAngleOps = 2;
 

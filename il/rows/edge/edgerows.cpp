@@ -90,7 +90,7 @@ template <EdgeOp op, class Sample>
 int Response(const Around<Sample>& around)
 {
     constexpr auto kIndex = static_cast<std::size_t>(op);
-    if constexpr (op <= EdgeOp::SouthEast) return Compass(around, kIndex);
+    if constexpr (IsCompass(op)) return Compass(around, kIndex);
     if constexpr (op == EdgeOp::SquareLaplace) return SquareLaplace(around);
     if constexpr (op == EdgeOp::DiamondLaplace) return DiamondLaplace(around);
     if constexpr (op == EdgeOp::Roberts) return Magnitude<AngleOp::Roberts>(around);
@@ -138,10 +138,14 @@ void PlainAngleRow(const EdgeWindow<Sample>& window, Sample* out, std::size_t sa
 template <std::size_t... op>
 EdgeRows PlainRows(std::index_sequence<op...>)
 {
-    return {{PlainEdgeRow<static_cast<EdgeOp>(op), std::uint8_t>...},
-            {PlainEdgeRow<static_cast<EdgeOp>(op), std::uint16_t>...},
-            {PlainAngleRow<AngleOp::Roberts, std::uint8_t>, PlainAngleRow<AngleOp::Sobel, std::uint8_t>},
-            {PlainAngleRow<AngleOp::Roberts, std::uint16_t>, PlainAngleRow<AngleOp::Sobel, std::uint16_t>}};
+    return {
+        .edge8 = {PlainEdgeRow<static_cast<EdgeOp>(op), std::uint8_t>...},
+        .edge16 = {PlainEdgeRow<static_cast<EdgeOp>(op), std::uint16_t>...},
+        .angle8 = {PlainAngleRow<AngleOp::Roberts, std::uint8_t>,
+                   PlainAngleRow<AngleOp::Sobel, std::uint8_t>},
+        .angle16 = {PlainAngleRow<AngleOp::Roberts, std::uint16_t>,
+                    PlainAngleRow<AngleOp::Sobel, std::uint16_t>},
+    };
 }
 
 const EdgeRows& Rows(bool useVectors)

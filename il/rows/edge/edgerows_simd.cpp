@@ -85,9 +85,9 @@ Lanes Response(const Nine<Lanes>& n)
         return (n.northWest + n.north + n.northEast) - (n.southWest + n.south + n.southEast);
     else if constexpr (op == EdgeOp::NorthWest)
         return (n.north + n.northWest + n.west) - (n.south + n.southEast + n.east);
-    else if constexpr (op <= EdgeOp::SouthEast)
+    else if constexpr (IsCompass(op))
         return (n.centre - n.centre) - Response<static_cast<EdgeOp>(kIndex - kToOpposite)>(n);
-    else if constexpr (op <= EdgeOp::NorthWestSouthEast)
+    else if constexpr (IsCompassPair(op))
         return Abs(Response<static_cast<EdgeOp>(kIndex - kToPair)>(n));
     else if constexpr (op == EdgeOp::SquareLaplace)
         return (TimesFour(n.centre + n.centre) - (n.southWest + n.south + n.southEast)) -
@@ -156,7 +156,7 @@ inline U8 AddLimited(U8 a, U8 b)
 
 inline U16 AddLimited(U16 a, U16 b)
 {
-    return AddFull(a, b);
+    return AddClip(a, b);
 }
 
 inline U8 Larger(U8 a, U8 b)
@@ -166,7 +166,7 @@ inline U8 Larger(U8 a, U8 b)
 
 inline U16 Larger(U16 a, U16 b)
 {
-    return MaxFull(a, b);
+    return Max(a, b);
 }
 
 /// Calls makeVector(window, at, out) for each vector of the row. The ragged end goes through the same in

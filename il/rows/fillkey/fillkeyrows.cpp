@@ -44,11 +44,11 @@ const LevelTables<FillKeyRows>& Tables()
 {
     static const LevelTables<FillKeyRows> tables(
         {
-            {{PlainSwapPairs, PlainSwapPairs}, {PlainCopyPairs, PlainCopyPairs}},
-            {{PlainAlphaToKey<false>, PlainAlphaToKey<false>},
-             {PlainAlphaToKey<true>, PlainAlphaToKey<true>}},
-            {{PlainKeyToAlpha<false>, PlainKeyToAlpha<false>},
-             {PlainKeyToAlpha<true>, PlainKeyToAlpha<true>}},
+            .colour = {{PlainSwapPairs, PlainSwapPairs}, {PlainCopyPairs, PlainCopyPairs}},
+            .alphaToKey = {{PlainAlphaToKey<false>, PlainAlphaToKey<false>},
+                           {PlainAlphaToKey<true>, PlainAlphaToKey<true>}},
+            .keyToAlpha = {{PlainKeyToAlpha<false>, PlainKeyToAlpha<false>},
+                           {PlainKeyToAlpha<true>, PlainKeyToAlpha<true>}},
         },
         VFIL_FILLS);
     return tables;

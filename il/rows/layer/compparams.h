@@ -9,15 +9,59 @@
 
 namespace vfil {
 
+/// The operators that have row kernels. Each has a line in kLayers, and its formula in both Value functions.
 enum class LayerOp { Over, In, Out, Atop, Xor, Add, AddNoClip, Diff, Mult, Lighter, Darker };
-inline constexpr std::size_t kLayerOps = 11;
+
+/// Whose colour an operator multiplies by its alpha first, where it isn't so yet.
+enum class Weighs { None, Front, Both };
+
+/// What the kernels, the tables and the loops need to know of an operator.
+struct LayerTraits {
+    LayerOp op;
+    /// Front alone: the operator cuts the front by the back's alpha, and its result is premultiplied whatever
+    /// the inputs are.
+    Weighs weighs;
+    bool samplewise; ///< a sum, a distance or a choice of two samples: bytes need not be widened for it
+    bool narrow16;   ///< at 16 bits without full scale it has a form of its own
+};
+
+/// The one list of these operators, in the order of LayerOp: what comes in tables follows from it.
+constexpr LayerTraits kLayers[] = {
+    {.op = LayerOp::Over, .weighs = Weighs::Both, .samplewise = false, .narrow16 = true},
+    {.op = LayerOp::In, .weighs = Weighs::Front, .samplewise = false, .narrow16 = false},
+    {.op = LayerOp::Out, .weighs = Weighs::Front, .samplewise = false, .narrow16 = false},
+    {.op = LayerOp::Atop, .weighs = Weighs::Both, .samplewise = false, .narrow16 = true},
+    {.op = LayerOp::Xor, .weighs = Weighs::Both, .samplewise = false, .narrow16 = true},
+    {.op = LayerOp::Add, .weighs = Weighs::None, .samplewise = true, .narrow16 = false},
+    {.op = LayerOp::AddNoClip, .weighs = Weighs::None, .samplewise = false, .narrow16 = true},
+    {.op = LayerOp::Diff, .weighs = Weighs::None, .samplewise = true, .narrow16 = true},
+    {.op = LayerOp::Mult, .weighs = Weighs::None, .samplewise = false, .narrow16 = false},
+    {.op = LayerOp::Lighter, .weighs = Weighs::None, .samplewise = true, .narrow16 = false},
+    {.op = LayerOp::Darker, .weighs = Weighs::None, .samplewise = true, .narrow16 = false},
+};
+constexpr std::size_t kLayerOps = sizeof kLayers / sizeof *kLayers;
+
+/// An operator's line in the list. Does not compile for one that has none.
+constexpr LayerTraits TraitsOf(LayerOp op)
+{
+    return kLayers[static_cast<std::size_t>(op)];
+}
+
+constexpr bool AreLayersInOrder()
+{
+    for (std::size_t at = 0; at < kLayerOps; ++at) {
+        if (kLayers[at].op != static_cast<LayerOp>(at)) return false;
+    }
+    return true;
+}
+static_assert(AreLayersInOrder());
 
 /// The result's alpha: none, full, or what the operator says.
 enum class AlphaRule { Zero, Full, Computed };
 
 /// Bits of LayerParams::channels.
-inline constexpr unsigned kAlphaChannel = 8;
-inline constexpr unsigned kAllChannels = 15;
+constexpr unsigned kAlphaChannel = 8;
+constexpr unsigned kAllChannels = 15;
 
 /// What a layer operator is told beside its rows.
 template <class Sample>
@@ -29,6 +73,7 @@ struct LayerParams {
     unsigned channels;    ///< red 1, green 2, blue 4, alpha 8: the others are copied from the dominant input
     bool dominantIsFront; ///< else the back is
     bool streaming = false; ///< the result won't soon be read again: see kStreamingBytes
+    bool fullScale = false; ///< at 16 bits: the arithmetic is FullScale instead of Arith
 };
 
 template <class Sample>
@@ -72,8 +117,8 @@ struct LayerCases {
 /// The kernels of the two-input operators, for one level.
 struct CompRows {
     LayerCases<std::uint8_t> layer8[kLayerOps];
-    LayerCases<std::uint16_t> layer16[kLayerOps];
-    MixRow<std::uint8_t> mix8[2]; ///< [streaming]
+    LayerCases<std::uint16_t> layer16[2][kLayerOps]; ///< [full scale]
+    MixRow<std::uint8_t> mix8[2];                    ///< [streaming]
     MixRow<std::uint16_t> mix16[2];
     OverYuvaRow overYuva;
 };

@@ -6,6 +6,8 @@
 #include "il/rows/pixarith.h"
 
 #include <algorithm>
+#include <iterator>
+#include <utility>
 
 namespace vfil {
 
@@ -13,44 +15,36 @@ namespace {
 
 constexpr std::size_t kAlpha = 3; // the place of alpha in a pixel
 
-/// Whether the operator weighs by alpha; the others take both inputs as they stand.
-constexpr bool IsPremultiplying(LayerOp op)
+/// One channel of the result, by the arithmetic A. f is the front at its strength and q the back, both
+/// premultiplied where the operator is; u is the front's alpha at its strength. In the alpha channel f is u,
+/// and q is the back's alpha.
+template <LayerOp op, class A, class Sample = typename A::Sample>
+Sample Value(Sample f, Sample q, [[maybe_unused]] Sample u, [[maybe_unused]] Sample backAlpha)
 {
-    return op <= LayerOp::Xor;
-}
-
-/// One channel of the result. f is the front at its strength and q the back, both premultiplied where the
-/// operator is; u is the front's alpha at its strength. In the alpha channel f is u, and q is the back's
-/// alpha.
-template <LayerOp op, class Sample>
-Sample Value(Sample f, Sample q, Sample u, Sample backAlpha)
-{
-    using A = Arith<Sample>;
-    switch (op) {
-    case LayerOp::Over:
+    if constexpr (op == LayerOp::Over)
         return A::FrontOverBack(f, q, u);
-    case LayerOp::In:
+    else if constexpr (op == LayerOp::In)
         return A::FrontInBack(f, backAlpha);
-    case LayerOp::Out:
+    else if constexpr (op == LayerOp::Out)
         return A::FrontOutBack(f, backAlpha);
-    case LayerOp::Atop:
+    else if constexpr (op == LayerOp::Atop)
         return A::FrontAtopBack(f, q, u, backAlpha);
-    case LayerOp::Xor:
+    else if constexpr (op == LayerOp::Xor)
         return A::FrontXorBack(f, q, u, backAlpha);
-    case LayerOp::Add:
+    else if constexpr (op == LayerOp::Add)
         return A::Add(f, q);
-    case LayerOp::AddNoClip:
+    else if constexpr (op == LayerOp::AddNoClip)
         return A::AddNoClip(f, q);
-    case LayerOp::Diff:
+    else if constexpr (op == LayerOp::Diff)
         return A::Diff(f, q);
-    case LayerOp::Mult:
+    else if constexpr (op == LayerOp::Mult)
         return A::Mult(f, q);
-    case LayerOp::Lighter:
+    else if constexpr (op == LayerOp::Lighter)
         return std::max(f, q);
-    case LayerOp::Darker:
+    else if constexpr (op == LayerOp::Darker)
         return std::min(f, q);
-    }
-    return 0;
+    else
+        static_assert(op != op, "an operator without a formula");
 }
 
 /// The constant alpha of a rule that is not Computed.
@@ -60,13 +54,13 @@ constexpr Sample ConstantAlpha(AlphaRule rule)
     return rule == AlphaRule::Full ? Arith<Sample>::kFull : Sample{0};
 }
 
-template <LayerOp op, class Sample>
+template <LayerOp op, class A, class Sample = typename A::Sample>
 void PlainLayer(const Sample* back, const Sample* front, Sample* out, std::size_t pixels,
                 const LayerParams<Sample>& params)
 {
-    using A = Arith<Sample>;
-    const bool scalesFront = IsPremultiplying(op) && !params.frontPremultiplied;
-    const bool scalesBack = IsPremultiplying(op) && !params.backPremultiplied;
+    constexpr Weighs weighs = TraitsOf(op).weighs;
+    const bool scalesFront = weighs != Weighs::None && !params.frontPremultiplied;
+    const bool scalesBack = weighs == Weighs::Both && !params.backPremultiplied;
     for (const Sample* end = back + 4 * pixels; back != end; back += 4, front += 4, out += 4) {
         const Sample backAlpha = back[kAlpha];
         const Sample frontAlpha = front[kAlpha];
@@ -75,7 +69,7 @@ void PlainLayer(const Sample* back, const Sample* front, Sample* out, std::size_
         for (std::size_t c = 0; c < 4; ++c) {
             const Sample p = scalesFront && c != kAlpha ? A::Mult(frontAlpha, front[c]) : front[c];
             const Sample q = scalesBack && c != kAlpha ? A::Mult(backAlpha, back[c]) : back[c];
-            Sample value = Value<op, Sample>(A::Mult(params.strength, p), q, u, backAlpha);
+            Sample value = Value<op, A>(A::Mult(params.strength, p), q, u, backAlpha);
             if (c == kAlpha && params.alpha != AlphaRule::Computed)
                 value = ConstantAlpha<Sample>(params.alpha);
             out[c] = (params.channels >> c & 1) != 0 ? value : dominant[c];
@@ -140,35 +134,29 @@ void PlainOverYuva(const std::uint8_t* backColour, const std::uint8_t* backAlpha
     }
 }
 
-/// The plain form serves every case.
-template <class Sample, LayerOp op>
-void FillPlain(LayerCases<Sample> (&layers)[kLayerOps])
+/// The plain form serves every case of an operator.
+template <class Sample>
+void FillCases(LayerCases<Sample>& cases, LayerRow<Sample> kernel)
 {
-    auto* cases = &layers[static_cast<std::size_t>(op)].at[0][0][0][0];
-    std::fill_n(cases, sizeof(LayerCases<Sample>) / sizeof *cases, PlainLayer<op, Sample>);
+    for (auto& front : cases.at)
+        for (auto& back : front)
+            for (auto& whole : back)
+                std::fill(std::begin(whole), std::end(whole), kernel);
 }
 
-template <class Sample>
-void FillPlainLayers(LayerCases<Sample> (&layers)[kLayerOps])
+template <class A, std::size_t... at>
+void FillPlain(LayerCases<typename A::Sample> (&layers)[kLayerOps], std::index_sequence<at...>)
 {
-    FillPlain<Sample, LayerOp::Over>(layers);
-    FillPlain<Sample, LayerOp::In>(layers);
-    FillPlain<Sample, LayerOp::Out>(layers);
-    FillPlain<Sample, LayerOp::Atop>(layers);
-    FillPlain<Sample, LayerOp::Xor>(layers);
-    FillPlain<Sample, LayerOp::Add>(layers);
-    FillPlain<Sample, LayerOp::AddNoClip>(layers);
-    FillPlain<Sample, LayerOp::Diff>(layers);
-    FillPlain<Sample, LayerOp::Mult>(layers);
-    FillPlain<Sample, LayerOp::Lighter>(layers);
-    FillPlain<Sample, LayerOp::Darker>(layers);
+    (FillCases<typename A::Sample>(layers[at], PlainLayer<kLayers[at].op, A>), ...);
 }
 
 CompRows PlainRows()
 {
     CompRows rows{};
-    FillPlainLayers(rows.layer8);
-    FillPlainLayers(rows.layer16);
+    constexpr auto operators = std::make_index_sequence<kLayerOps>();
+    FillPlain<Arith<std::uint8_t>>(rows.layer8, operators);
+    FillPlain<Arith<std::uint16_t>>(rows.layer16[false], operators);
+    FillPlain<FullScale<std::uint16_t>>(rows.layer16[true], operators);
     std::fill_n(rows.mix8, 2, PlainMix<std::uint8_t>);
     std::fill_n(rows.mix16, 2, PlainMix<std::uint16_t>);
     rows.overYuva = PlainOverYuva;
@@ -204,7 +192,7 @@ LayerRow<Sample> FindLayerRow(bool useVectors, LayerOp op, const LayerParams<Sam
     const CompRows& rows = Rows(useVectors);
     const bool whole = params.strength == Arith<Sample>::kFull && params.channels == kAllChannels &&
                        params.alpha == AlphaRule::Computed;
-    return Pick<Sample>(rows.layer8, rows.layer16)[static_cast<std::size_t>(op)]
+    return Pick<Sample>(rows.layer8, rows.layer16[params.fullScale])[static_cast<std::size_t>(op)]
         .at[params.frontPremultiplied][params.backPremultiplied][whole][params.streaming];
 }
 

@@ -6,57 +6,103 @@
 namespace vfil {
 namespace {
 
-constexpr bool IsPremultiplying(LayerOp op)
+/// Lanes of bytes in 16 bits. A sum is up to 510, which Narrow clips.
+struct ByteLanes {
+    using Sample = std::uint8_t;
+    static constexpr std::uint64_t kAlphaLane = 0x00FF'0000'0000'0000;
+    static U16 Full() { return Splat(255); }
+    static U16 Mult(U16 a, U16 b) { return NormMult(a, b); }
+    static U16 Sum(U16 a, U16 b) { return a + b; }
+};
+
+/// Lanes of 16-bit samples at full scale.
+struct WordLanes {
+    using Sample = std::uint16_t;
+    static constexpr std::uint64_t kAlphaLane = 0xFFFF'0000'0000'0000;
+    static U16 Full() { return Splat(0xFFFF); }
+    static U16 Mult(U16 a, U16 b) { return NormMultFull(a, b); }
+    static U16 Sum(U16 a, U16 b) { return AddClip(a, b); }
+};
+
+/// The same by the other arithmetic: a sum of products is divided once.
+struct NarrowWordLanes : WordLanes {};
+
+/// Of bytes, or of 16-bit lanes.
+template <LayerOp op, class Vector>
+Vector SamplewiseValue(Vector f, Vector q)
 {
-    return op <= LayerOp::Xor;
+    if constexpr (op == LayerOp::Add)
+        return AddClip(f, q);
+    else if constexpr (op == LayerOp::Diff)
+        return AbsDiff(f, q);
+    else if constexpr (op == LayerOp::Lighter)
+        return Max(f, q);
+    else if constexpr (op == LayerOp::Darker)
+        return Min(f, q);
+    else
+        static_assert(op != op, "an operator without a formula");
 }
 
-/// Whether a vector of bytes is treated without being widened.
-constexpr bool IsBytewise(LayerOp op)
+/// f is the front at its strength and q the back, both premultiplied where the operator is; u is the front's
+/// alpha at its strength. In the alpha lane f is u, and q is the back's alpha.
+template <LayerOp op, class Lanes>
+U16 Value(Lanes, U16 f, U16 q, [[maybe_unused]] U16 u, [[maybe_unused]] U16 backAlpha)
 {
-    return op == LayerOp::Add || op == LayerOp::Diff || op == LayerOp::Lighter || op == LayerOp::Darker;
+    [[maybe_unused]] const U16 full = Lanes::Full();
+    if constexpr (TraitsOf(op).samplewise)
+        return SamplewiseValue<op>(f, q);
+    else if constexpr (op == LayerOp::Over)
+        return Lanes::Sum(f, Lanes::Mult(full - u, q));
+    else if constexpr (op == LayerOp::In)
+        return Lanes::Mult(backAlpha, f);
+    else if constexpr (op == LayerOp::Out)
+        return Lanes::Mult(full - backAlpha, f);
+    else if constexpr (op == LayerOp::Atop)
+        return Lanes::Sum(Lanes::Mult(full - u, q), Lanes::Mult(backAlpha, f));
+    else if constexpr (op == LayerOp::Xor)
+        return Lanes::Sum(Lanes::Mult(full - u, q), Lanes::Mult(full - backAlpha, f));
+    else if constexpr (op == LayerOp::AddNoClip)
+        return Lanes::Sum(Lanes::Mult(f, full - q), q);
+    else if constexpr (op == LayerOp::Mult)
+        return Lanes::Mult(f, q);
+    else
+        static_assert(op != op, "an operator without a formula");
 }
 
 template <LayerOp op>
-U8 BytewiseValue(U8 f, U8 q)
+U16 Value(NarrowWordLanes, U16 f, U16 q, [[maybe_unused]] U16 u, [[maybe_unused]] U16 backAlpha)
 {
-    if constexpr (op == LayerOp::Add) return AddClip(f, q);
-    if constexpr (op == LayerOp::Diff) return AbsDiff(f, q);
-    if constexpr (op == LayerOp::Lighter) return Max(f, q);
-    if constexpr (op == LayerOp::Darker) return Min(f, q);
-}
-
-/// Lanes up to 510, which Narrow clips. f is the front at its strength and q the back, both premultiplied
-/// where the operator is; u is the front's alpha at its strength. In the alpha lane f is u, and q is the
-/// back's alpha.
-template <LayerOp op>
-U16 Value(U16 f, U16 q, [[maybe_unused]] U16 u, [[maybe_unused]] U16 backAlpha)
-{
-    [[maybe_unused]] const U16 full = Splat(255);
-    if constexpr (op == LayerOp::Over) return f + NormMult(full - u, q);
-    if constexpr (op == LayerOp::In) return NormMult(backAlpha, f);
-    if constexpr (op == LayerOp::Out) return NormMult(full - backAlpha, f);
-    if constexpr (op == LayerOp::Atop) return NormMult(full - u, q) + NormMult(backAlpha, f);
-    if constexpr (op == LayerOp::Xor) return NormMult(full - u, q) + NormMult(full - backAlpha, f);
-    if constexpr (op == LayerOp::AddNoClip) return NormMult(f, full - q) + q;
-    if constexpr (op == LayerOp::Mult) return NormMult(f, q);
+    const U16 full = WordLanes::Full();
+    if constexpr (op == LayerOp::Over)
+        return AddNormMultFull(f, full - u, q);
+    else if constexpr (op == LayerOp::Atop)
+        return NormMultFull(full - u, q, backAlpha, f);
+    else if constexpr (op == LayerOp::Xor)
+        return NormMultFull(full - u, q, full - backAlpha, f);
+    else if constexpr (op == LayerOp::AddNoClip)
+        return AddNormMultFull(q, f, full - q);
+    else if constexpr (op == LayerOp::Diff)
+        return AbsDiff(f, q) & Splat(0xFF);
+    else
+        static_assert(op != op, "an operator without a formula of its own");
 }
 
 /// Colour times the pixel's alpha; the alpha lane's factor is full, which leaves alpha as it is.
-U16 Premultiply8(U16 pixels, U16 alpha)
+template <class Lanes>
+U16 Premultiply(U16 pixels, U16 alpha)
 {
-    return NormMult(pixels, alpha | SplatPixel(0x00FF'0000'0000'0000));
+    return Lanes::Mult(pixels, alpha | SplatPixel(Lanes::kAlphaLane));
 }
 
-template <LayerOp op, bool frontPremultiplied, bool backPremultiplied, bool whole>
-U16 WideValue(U16 back, U16 front, U16 strength)
+template <LayerOp op, class Lanes, bool frontPremultiplied, bool backPremultiplied, bool whole>
+U16 LaneValue(U16 back, U16 front, [[maybe_unused]] U16 strength)
 {
     const U16 backAlpha = SplatAlpha(back);
     const U16 frontAlpha = SplatAlpha(front);
-    U16 f = frontPremultiplied ? front : Premultiply8(front, frontAlpha);
-    if constexpr (!whole) f = NormMult(f, strength);
-    const U16 q = backPremultiplied ? back : Premultiply8(back, backAlpha);
-    return Value<op>(f, q, whole ? frontAlpha : SplatAlpha(f), backAlpha);
+    U16 f = frontPremultiplied ? front : Premultiply<Lanes>(front, frontAlpha);
+    if constexpr (!whole) f = Lanes::Mult(f, strength);
+    const U16 q = backPremultiplied ? back : Premultiply<Lanes>(back, backAlpha);
+    return Value<op>(Lanes{}, f, q, whole ? frontAlpha : SplatAlpha(f), backAlpha);
 }
 
 /// What becomes of the channels: of each comes the result, the dominant input, or a constant.
@@ -90,53 +136,48 @@ Selection SelectionOf(const LayerParams<Sample>& params)
             ChannelMask<Sample>(params.alpha == AlphaRule::Full ? fixed : 0), params.dominantIsFront};
 }
 
-template <LayerOp op, bool frontPremultiplied, bool backPremultiplied, bool whole, bool streaming>
-void Layer8(const std::uint8_t* back, const std::uint8_t* front, std::uint8_t* out, std::size_t pixels,
-            const LayerParams<std::uint8_t>& params)
+/// A vector of bytes.
+template <LayerOp op, class Lanes, bool frontPremultiplied, bool backPremultiplied, bool whole>
+U8 LayerValue(ByteLanes, U8 backs, U8 fronts, [[maybe_unused]] U16 strength)
 {
-    const U16 strength = Splat(params.strength);
-    const auto value = [strength](U8 backs, U8 fronts, Part = {}) {
-        if constexpr (IsBytewise(op) && whole) return BytewiseValue<op>(fronts, backs);
-        const U16Pair b = Widen(backs);
-        const U16Pair f = Widen(fronts);
-        if constexpr (IsBytewise(op)) {
-            return BytewiseValue<op>(Narrow({NormMult(f.lo, strength), NormMult(f.hi, strength)}), backs);
-        } else {
-            constexpr auto wide = WideValue<op, frontPremultiplied, backPremultiplied, whole>;
-            return Narrow({wide(b.lo, f.lo, strength), wide(b.hi, f.hi, strength)});
-        }
-    };
-    if constexpr (whole) {
-        MapRow<streaming, 4>(back, front, out, 4 * pixels, value);
+    if constexpr (TraitsOf(op).samplewise && whole) return SamplewiseValue<op>(fronts, backs);
+    const U16Pair b = Widen(backs);
+    const U16Pair f = Widen(fronts);
+    if constexpr (TraitsOf(op).samplewise) {
+        return SamplewiseValue<op>(Narrow({NormMult(f.lo, strength), NormMult(f.hi, strength)}), backs);
     } else {
-        const Selection selection = SelectionOf(params);
-        MapRow<streaming, 4>(back, front, out, 4 * pixels, [&](U8 backs, U8 fronts, Part) {
-            return selection.Choose(value(backs, fronts), backs, fronts);
-        });
+        constexpr auto value = LaneValue<op, Lanes, frontPremultiplied, backPremultiplied, whole>;
+        return Narrow({value(b.lo, f.lo, strength), value(b.hi, f.hi, strength)});
     }
 }
 
-U16 Premultiply16(U16 pixels)
+/// A vector of 16-bit samples.
+template <LayerOp op, class Lanes, bool frontPremultiplied, bool backPremultiplied, bool whole>
+U8 LayerValue(WordLanes, U8 backs, U8 fronts, U16 strength)
 {
-    return NormMultFull(pixels, SplatAlpha(pixels) | SplatPixel(0xFFFF'0000'0000'0000));
+    constexpr auto value = LaneValue<op, Lanes, frontPremultiplied, backPremultiplied, whole>;
+    return {value({backs.bits}, {fronts.bits}, strength).bits};
 }
 
-/// Over on 16-bit samples, whose front enters the sum unscaled.
-template <bool frontPremultiplied, bool backPremultiplied, bool whole, bool streaming>
-void Over16(const std::uint16_t* back, const std::uint16_t* front, std::uint16_t* out, std::size_t pixels,
-            const LayerParams<std::uint16_t>& params)
+template <LayerOp op, class Lanes, bool frontPremultiplied, bool backPremultiplied, bool whole,
+          bool streaming, class Sample = typename Lanes::Sample>
+void Layer(const Sample* back, const Sample* front, Sample* out, std::size_t pixels,
+           const LayerParams<Sample>& params)
 {
+    constexpr std::size_t pixelBytes = 4 * sizeof(Sample);
     const U16 strength = Splat(params.strength);
-    const Selection selection = SelectionOf(params);
-    MapRow<streaming, 8>(back, front, out, 8 * pixels, [&](U8 backs, U8 fronts, Part) {
-        const U16 b{backs.bits};
-        U16 f{fronts.bits};
-        if constexpr (!frontPremultiplied) f = Premultiply16(f);
-        if constexpr (!whole) f = NormMultFull(f, strength);
-        const U16 q = backPremultiplied ? b : Premultiply16(b);
-        const U8 value{AddNormMultFull(f, Splat(0xFFFF) - SplatAlpha(f), q).bits};
-        return whole ? value : selection.Choose(value, backs, fronts);
-    });
+    const auto value = [strength](U8 backs, U8 fronts, Part = {}) {
+        return LayerValue<op, Lanes, frontPremultiplied, backPremultiplied, whole>(Lanes{}, backs, fronts,
+                                                                                   strength);
+    };
+    if constexpr (whole) {
+        MapRow<streaming, pixelBytes>(back, front, out, pixelBytes * pixels, value);
+    } else {
+        const Selection selection = SelectionOf(params);
+        MapRow<streaming, pixelBytes>(back, front, out, pixelBytes * pixels, [&](U8 backs, U8 fronts, Part) {
+            return selection.Choose(value(backs, fronts), backs, fronts);
+        });
+    }
 }
 
 /// Where each pixel's mask is.
@@ -281,46 +322,40 @@ void OverYuva(const std::uint8_t* backColour, const std::uint8_t* backAlpha, con
 }
 
 /// A case of an operator; one that looks at no alpha has one form for all premultiplications.
-template <LayerOp op, bool front, bool back, bool whole>
-void FillLayer8(CompRows& rows)
+template <LayerOp op, class Lanes, bool front, bool back, bool whole>
+void FillCase(LayerCases<typename Lanes::Sample>& cases)
 {
-    constexpr bool f = front || !IsPremultiplying(op);
-    constexpr bool b = back || !IsPremultiplying(op) || op == LayerOp::In || op == LayerOp::Out;
-    auto& cases = rows.layer8[static_cast<std::size_t>(op)].at[front][back][whole];
-    cases[false] = Layer8<op, f, b, whole, false>;
-    cases[true] = Layer8<op, f, b, whole, true>;
+    constexpr bool f = front || TraitsOf(op).weighs == Weighs::None;
+    constexpr bool b = back || TraitsOf(op).weighs != Weighs::Both;
+    cases.at[front][back][whole][false] = Layer<op, Lanes, f, b, whole, false>;
+    cases.at[front][back][whole][true] = Layer<op, Lanes, f, b, whole, true>;
 }
 
-template <bool front, bool back, bool whole>
-void FillOver16(CompRows& rows)
+template <LayerOp op, class Lanes>
+void FillCases(LayerCases<typename Lanes::Sample>& cases)
 {
-    auto& cases = rows.layer16[static_cast<std::size_t>(LayerOp::Over)].at[front][back][whole];
-    cases[false] = Over16<front, back, whole, false>;
-    cases[true] = Over16<front, back, whole, true>;
+    FillCase<op, Lanes, false, false, false>(cases);
+    FillCase<op, Lanes, false, false, true>(cases);
+    FillCase<op, Lanes, false, true, false>(cases);
+    FillCase<op, Lanes, false, true, true>(cases);
+    FillCase<op, Lanes, true, false, false>(cases);
+    FillCase<op, Lanes, true, false, true>(cases);
+    FillCase<op, Lanes, true, true, false>(cases);
+    FillCase<op, Lanes, true, true, true>(cases);
 }
 
-template <bool front, bool back, bool whole>
-void FillCase(CompRows& rows)
+/// The operators of the list, from one on.
+template <std::size_t at = 0>
+void FillLayers(CompRows& rows)
 {
-    FillLayer8<LayerOp::Over, front, back, whole>(rows);
-    FillLayer8<LayerOp::In, front, back, whole>(rows);
-    FillLayer8<LayerOp::Out, front, back, whole>(rows);
-    FillLayer8<LayerOp::Atop, front, back, whole>(rows);
-    FillLayer8<LayerOp::Xor, front, back, whole>(rows);
-    FillLayer8<LayerOp::Add, front, back, whole>(rows);
-    FillLayer8<LayerOp::AddNoClip, front, back, whole>(rows);
-    FillLayer8<LayerOp::Diff, front, back, whole>(rows);
-    FillLayer8<LayerOp::Mult, front, back, whole>(rows);
-    FillLayer8<LayerOp::Lighter, front, back, whole>(rows);
-    FillLayer8<LayerOp::Darker, front, back, whole>(rows);
-    FillOver16<front, back, whole>(rows);
-}
-
-template <bool front, bool back>
-void FillCases(CompRows& rows)
-{
-    FillCase<front, back, false>(rows);
-    FillCase<front, back, true>(rows);
+    constexpr LayerOp op = kLayers[at].op;
+    FillCases<op, ByteLanes>(rows.layer8[at]);
+    FillCases<op, WordLanes>(rows.layer16[true][at]);
+    if constexpr (kLayers[at].narrow16)
+        FillCases<op, NarrowWordLanes>(rows.layer16[false][at]);
+    else
+        rows.layer16[false][at] = rows.layer16[true][at];
+    if constexpr (at + 1 < kLayerOps) FillLayers<at + 1>(rows);
 }
 
 } // namespace
@@ -329,10 +364,7 @@ namespace VFIL_LEVEL {
 
 void Fill(CompRows& rows)
 {
-    FillCases<false, false>(rows);
-    FillCases<false, true>(rows);
-    FillCases<true, false>(rows);
-    FillCases<true, true>(rows);
+    FillLayers(rows);
     rows.mix8[false] = Mix8<false>;
     rows.mix8[true] = Mix8<true>;
     rows.overYuva = OverYuva;

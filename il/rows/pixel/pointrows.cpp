@@ -9,8 +9,8 @@ namespace vfil {
 namespace {
 
 /// A selected channel is all ones in select, and x ^ all ones is full - x.
-template <class Sample, class Pixel>
-void PlainInvert(const Sample* in, Sample* out, std::size_t pixels, Pixel select)
+template <class Sample>
+void PlainInvert(const Sample* in, Sample* out, std::size_t pixels, PixelBits<Sample> select)
 {
     for (std::size_t i = 0; i < 4 * pixels; ++i) {
         const auto channel = static_cast<Sample>(select >> (i % 4 * 8 * sizeof(Sample)));
@@ -34,11 +34,11 @@ const LevelTables<PointRows>& Tables()
 {
     static const LevelTables<PointRows> tables(
         {
-            {PlainInvert<std::uint8_t, std::uint32_t>, PlainInvert<std::uint8_t, std::uint32_t>},
-            {PlainInvertMono<std::uint8_t>, PlainInvertMono<std::uint8_t>},
-            {PlainInvert<std::uint16_t, std::uint64_t>, PlainInvert<std::uint16_t, std::uint64_t>},
-            {PlainInvertMono<std::uint16_t>, PlainInvertMono<std::uint16_t>},
-            {PlainCopy, PlainCopy},
+            .invert8 = {PlainInvert<std::uint8_t>, PlainInvert<std::uint8_t>},
+            .invertMono8 = {PlainInvertMono<std::uint8_t>, PlainInvertMono<std::uint8_t>},
+            .invert16 = {PlainInvert<std::uint16_t>, PlainInvert<std::uint16_t>},
+            .invertMono16 = {PlainInvertMono<std::uint16_t>, PlainInvertMono<std::uint16_t>},
+            .copy = {PlainCopy, PlainCopy},
         },
         VFIL_FILLS);
     return tables;
@@ -56,22 +56,26 @@ const PointRows& PointRowsAt(Level level)
     return Tables().At(level);
 }
 
-InvertRow8 FindInvertRow8(bool useVectors, bool streaming)
+template <>
+InvertRow<std::uint8_t> FindInvertRow(bool useVectors, bool streaming)
 {
     return Rows(useVectors).invert8[streaming];
 }
 
-InvertMono8 FindInvertMono8(bool useVectors, bool streaming)
-{
-    return Rows(useVectors).invertMono8[streaming];
-}
-
-InvertRow16 FindInvertRow16(bool useVectors, bool streaming)
+template <>
+InvertRow<std::uint16_t> FindInvertRow(bool useVectors, bool streaming)
 {
     return Rows(useVectors).invert16[streaming];
 }
 
-InvertMono16 FindInvertMono16(bool useVectors, bool streaming)
+template <>
+InvertMono<std::uint8_t> FindInvertMono(bool useVectors, bool streaming)
+{
+    return Rows(useVectors).invertMono8[streaming];
+}
+
+template <>
+InvertMono<std::uint16_t> FindInvertMono(bool useVectors, bool streaming)
 {
     return Rows(useVectors).invertMono16[streaming];
 }

@@ -12,10 +12,10 @@ VFIL_DECLARE_FILL(PointRows)
 const PointRows& PointRowsAt(Level level);
 
 // For streaming see kStreamingBytes.
-InvertRow8 FindInvertRow8(bool useVectors, bool streaming = false);
-InvertMono8 FindInvertMono8(bool useVectors, bool streaming = false);
-InvertRow16 FindInvertRow16(bool useVectors, bool streaming = false);
-InvertMono16 FindInvertMono16(bool useVectors, bool streaming = false);
+template <class Sample>
+InvertRow<Sample> FindInvertRow(bool useVectors, bool streaming = false);
+template <class Sample>
+InvertMono<Sample> FindInvertMono(bool useVectors, bool streaming = false);
 
 /// Copies bytes between ranges that don't overlap.
 void CopyBytes(bool useVectors, const void* in, void* out, std::size_t bytes, bool streaming = false);

@@ -62,11 +62,13 @@ void PlainMiddle(const Sample* const* keys, std::size_t count, Sample* chosen, s
 }
 
 template <class Sample>
-constexpr RankCases<Sample> kPlain{{{PlainExtreme<Sample, false>, PlainExtreme<Sample, false>},
-                                    {PlainExtreme<Sample, true>, PlainExtreme<Sample, true>}},
-                                   {PlainWindows<Sample, false>, PlainWindows<Sample, true>},
-                                   PlainKeys<Sample>,
-                                   PlainMiddle<Sample>};
+constexpr RankCases<Sample> kPlain{
+    .extreme = {{PlainExtreme<Sample, false>, PlainExtreme<Sample, false>},
+                {PlainExtreme<Sample, true>, PlainExtreme<Sample, true>}},
+    .windows = {PlainWindows<Sample, false>, PlainWindows<Sample, true>},
+    .key = PlainKeys<Sample>,
+    .middle = PlainMiddle<Sample>,
+};
 
 const RankRows& Rows(bool useVectors)
 {
@@ -77,8 +79,8 @@ const RankRows& Rows(bool useVectors)
 
 const RankRows& RankRowsAt(Level level)
 {
-    static const LevelTables<RankRows> tables({kPlain<std::uint8_t>, kPlain<std::uint16_t>, PlainPick},
-                                              VFIL_FILLS);
+    static const LevelTables<RankRows> tables(
+        {.cases8 = kPlain<std::uint8_t>, .cases16 = kPlain<std::uint16_t>, .pick = PlainPick}, VFIL_FILLS);
     return tables.At(level);
 }
 

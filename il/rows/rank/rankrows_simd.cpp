@@ -23,8 +23,8 @@ template <>
 struct Depth<std::uint16_t> {
     using Vector = U16;
     static U16 SplatRow(std::size_t row) { return Splat(static_cast<int>(row)); }
-    static U16 Larger(U16 a, U16 b) { return MaxFull(a, b); }
-    static U16 Smaller(U16 a, U16 b) { return MinFull(a, b); }
+    static U16 Larger(U16 a, U16 b) { return Max(a, b); }
+    static U16 Smaller(U16 a, U16 b) { return Min(a, b); }
 };
 
 /// A vector, or what is left of a row before zeros.

@@ -19,10 +19,6 @@ namespace vfil::host {
 
 class PicturePtr;
 
-/// The memory row of image row \p y, 0 <= y < height: image rows count upward from the bottom of the picture,
-/// memory rows follow the format (bottom-up or top-down, split fields).
-VFIL_HOST_API long MemoryRow(const vfILFormatInfo& format, long height, long y);
-
 /// A picture in memory. Pixels lie in one array, aligned to 64 bytes, whose rows have no padding.
 ///
 /// A new picture is RGBA32 and without pixels. Objects are counted: they begin with one reference and go when

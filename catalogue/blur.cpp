@@ -1,7 +1,7 @@
 /// \file
-/// The filter family: blurs, the convolution, the sharpening.
+/// The blur family: blurs, the convolution, the sharpening.
 #include <catalogue/families.h>
-#include <catalogue/spatial.h>
+#include <catalogue/frame.h>
 
 #include <vfil/blur.h>
 #include <vfil/edges.h>
@@ -21,7 +21,7 @@ Entry Blur()
     Entry entry = SpatialEntry<FilterAsExpected<vfILBlurImg, kRadius>>(
         "vfILBlurImg", "filter", "blur",
         {ChoiceParameter<&vfILBlurImg::SetType, &vfILBlurImg::GetType>(
-             "SetType", VFIL_BLUR_DISC, "the shape of the blur",
+             VFIL_BLUR_DISC, "the shape of the blur",
              {{"disc", VFIL_BLUR_DISC, "equal weights in an ellipse"},
               {"gauss", VFIL_BLUR_GAUSS, "a Gaussian that ends at the radius"},
               {"box", VFIL_BLUR_BOX, "equal weights in a rectangle, 8 bits only"},
@@ -32,8 +32,7 @@ Entry Blur()
              0x10024),
          Radius(kRadius, "how far the blur reaches; below 1 in both axes the picture is copied"),
          ShareParameter<&vfILBlurImg::SetDegree, &vfILBlurImg::GetDegree>(
-             "SetDegree", 1,
-             "how much is blurred: the share of the disc, the scale of the others; the box knows only 0",
+             1, "how much is blurred: the share of the disc, the scale of the others; the box knows only 0",
              0x10026)});
     entry.multiplied = true;
     entry.note = "the disc and the Gaussian take longer with the radius, the other types do not";
@@ -46,15 +45,15 @@ Entry Sharpen()
     Entry entry = SpatialEntry<FilterAsExpected<vfILSharpenImg, kRadius>>(
         "vfILSharpenImg", "filter", "sharpen",
         {ChoiceParameter<&vfILSharpenImg::SetType, &vfILSharpenImg::GetType>(
-             "SetType", VFIL_SHARPEN_PLAIN, "what is sharpened",
+             VFIL_SHARPEN_PLAIN, "what is sharpened",
              {{"plain", VFIL_SHARPEN_PLAIN, "all of the picture"},
               {"edges", VFIL_SHARPEN_EDGES, "where there is an edge"}},
              0x10025),
          Radius(kRadius, "how far the blur reaches that is taken from the picture"),
-         ShareParameter<&vfILSharpenImg::SetDegree, &vfILSharpenImg::GetDegree>(
-             "SetDegree", 1, "how much is sharpened", 0x10026),
+         ShareParameter<&vfILSharpenImg::SetDegree, &vfILSharpenImg::GetDegree>(1, "how much is sharpened",
+                                                                                0x10026),
          ShareParameter<&vfILSharpenImg::SetEdgeSensitivity, &vfILSharpenImg::GetEdgeSensitivity>(
-             "SetEdgeSensitivity", 1, "of --type edges: 1 takes every edge, 0 none", 0x1002A)});
+             1, "of --type edges: 1 takes every edge, 0 none", 0x1002A)});
     entry.channels = VFIL_MODE_RGB;
     return entry;
 }
@@ -64,12 +63,12 @@ constexpr double kMostOfNumber = 1e9;
 // A convolution that holds its kernel.
 class Convolution : public FilterAsExpected<vfILConvolveImg, 0> {
 public:
-    void SetTable(const Table& table)
+    void SetKernel(const Table& table)
     {
         m_table = table;
         Divide();
     }
-    const Table& GetTable() const { return m_table; }
+    const Table& GetKernel() const { return m_table; }
 
     void SetDivisor(double divisor)
     {
@@ -95,7 +94,8 @@ private:
         if (m_weights.empty()) return;
         const long radiusX = m_table.columns / 2;
         const long radiusY = m_table.Rows() / 2;
-        SetKernel(m_weights.data(), static_cast<float>(radiusX), static_cast<float>(radiusY));
+        vfILConvolveImg::SetKernel(m_weights.data(), static_cast<float>(radiusX),
+                                   static_cast<float>(radiusY));
     }
 
     Table m_table;
@@ -105,8 +105,8 @@ private:
 
 Parameter Kernel()
 {
-    Parameter parameter = TableParameter<&Convolution::SetTable, &Convolution::GetTable>(
-        "SetKernel", -kMostOfNumber, kMostOfNumber, "the weights of a window's pixels");
+    Parameter parameter = TableParameter<&Convolution::SetKernel, &Convolution::GetKernel>(
+        -kMostOfNumber, kMostOfNumber, "the weights of a window's pixels");
     parameter.fallback.reset();
     parameter.required = true;
     parameter.refusal = 0x10021;
@@ -115,10 +115,9 @@ Parameter Kernel()
 
 // A number up to 1e9.
 template <auto kSet, auto kGet>
-Parameter LargeNumber(const char* setter, double minimum, const char* summary)
+Parameter LargeNumber(double minimum, const char* summary)
 {
-    Parameter parameter =
-        UnitParameter<Accessors<kSet, kGet>>(setter, ParameterType::Number, Value{0}, summary, 0);
+    Parameter parameter = UnitParameter<kSet, kGet>(ParameterType::Number, Value{0}, summary, 0);
     parameter.minimum = minimum;
     parameter.maximum = kMostOfNumber;
     return parameter;
@@ -130,10 +129,9 @@ Entry Convolve()
         "vfILConvolveImg", "filter", "weigh the pixels of a window, and add them up",
         {Kernel(),
          LargeNumber<&Convolution::SetDivisor, &Convolution::GetDivisor>(
-             "SetDivisor", 0,
-             "divides the weights; 0 stands for their sum, or for 1 where that is not above 0"),
+             0, "divides the weights; 0 stands for their sum, or for 1 where that is not above 0"),
          LargeNumber<&vfILConvolveImg::SetOffset, &vfILConvolveImg::GetOffset>(
-             "SetOffset", -kMostOfNumber, "added to each result, in units of a sample")});
+             -kMostOfNumber, "added to each result, in units of a sample")});
     entry.channels = VFIL_MODE_RGB;
     entry.note = "a kernel that is a column times a row takes no notice of the offset";
     return entry;
@@ -141,7 +139,7 @@ Entry Convolve()
 
 } // namespace
 
-std::vector<Entry> FilterEntries()
+std::vector<Entry> BlurEntries()
 {
     std::vector<Entry> entries;
     entries.push_back(Blur());

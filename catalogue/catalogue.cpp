@@ -12,8 +12,8 @@ const std::vector<Entry>& Entries()
 {
     static const std::vector<Entry> entries = [] {
         std::vector<Entry> all;
-        for (const auto family : {LayerEntries, PixelEntries, FilterEntries, EdgeEntries, RankEntries,
-                                  MorphologyEntries, ConvertEntries, KeyEntries, FieldEntries}) {
+        for (const auto family : {LayerEntries, PixelEntries, BlurEntries, EdgeEntries, RankEntries,
+                                  MorphEntries, ConvertEntries, FillkeyEntries, FieldEntries}) {
             std::vector<Entry> some = family();
             std::move(some.begin(), some.end(), std::back_inserter(all));
         }
@@ -26,9 +26,22 @@ const Entry* Find(std::string_view name)
 {
     const std::vector<Entry>& entries = Entries();
     const auto found = std::find_if(entries.begin(), entries.end(), [&](const Entry& e) {
-        return e.name == name || (*e.alias != '\0' && e.alias == name);
+        return e.name == name || (!e.alias.empty() && e.alias == name);
     });
     return found == entries.end() ? nullptr : &*found;
+}
+
+const Entry& Copier()
+{
+    const std::vector<Entry>& entries = Entries();
+    return *std::find_if(entries.begin(), entries.end(), [](const Entry& e) { return e.copies; });
+}
+
+const Parameter* FindRole(const Entry& entry, ParameterRole role)
+{
+    const auto found = std::find_if(entry.parameters.begin(), entry.parameters.end(),
+                                    [role](const Parameter& parameter) { return parameter.role == role; });
+    return found == entry.parameters.end() ? nullptr : &*found;
 }
 
 bool Takes(const Entry& entry, const GUID& from, const GUID& to)

@@ -56,6 +56,17 @@ struct Choice {
     const char* summary;
 };
 
+/// What a parameter means to programs that arrange pictures around a processor.
+enum class ParameterRole {
+    None,
+    DominantInput,     ///< a choice: 0 for the first input, 1 for the second
+    InputOffset,       ///< the position of the second input relative to the first
+    Premultiplication, ///< how the colour of an input is taken, whatever the picture says of itself
+    Radius,            ///< how far a window reaches, and with it how much memory a run takes
+    ChromaFilter,      ///< of a conversion that halves or doubles chroma
+    Dither,            ///< of a conversion
+};
+
 /// A parameter of a processor.
 struct Parameter {
     std::string name; ///< of the option, without the dashes
@@ -71,6 +82,7 @@ struct Parameter {
     void (*apply)(vfILProcessor& processor, const Value& value);
     Value (*read)(const vfILProcessor& processor);
     bool required = false; ///< the processor does not run without it
+    ParameterRole role = ParameterRole::None;
 };
 
 /// What a mask picture does to a processor.
@@ -109,27 +121,31 @@ inline constexpr int kWholePicture = std::numeric_limits<int>::max();
 /// A processor.
 struct Entry {
     std::string name; ///< of the command
-    const char* className;
-    const char* family; ///< "layer", "pixel", "filter", "edge", "rank", "morphology", "convert" ...
-    const char* summary;
-    std::vector<Input> inputs;
-    std::vector<Output> outputs = {{"result", "the picture to write"}};
-    std::vector<GUID> formats; ///< of the inputs; all have the same one, and the output too, unless there are
-                               ///< conversions
+    const char* className = "";
+    const char* family = ""; ///< "layer", "pixel", "filter", "edge", "rank", "morphology", "convert" ...
+    const char* summary = "";
+    std::vector<Input> inputs = {};
+    std::vector<Output> outputs = {};
+    std::vector<GUID> formats = {}; ///< of the inputs; all have the same one, and the output too, unless
+                                    ///< there are conversions
     std::vector<FormatPair> conversions = {}; ///< the formats that each input and each output may have
-    std::vector<Parameter> parameters;
-    unsigned long channels; ///< channel bits of the processing mode that give what a user expects of the name
-    unsigned long fixedChannels; ///< channel bits that cannot be left out
-    MaskUse mask;
-    bool multiplied; ///< weighs colour by alpha, as it is when colour is multiplied by it; so is the result's
-    bool whole = false; ///< works on whole pictures: region, offset and single fields are refused
-    int spatialReach;   ///< input pixels that an output pixel depends on, in each direction, or kWholePicture
-    int radiusReach = 0; ///< how many times its radius, or half its kernel, it depends on beside these
-    int temporalReach;   ///< frames, before and after
-    bool bands;          ///< rows may be processed in bands, in any order
-    std::unique_ptr<Operator> (*make)(bool simd);
+    std::vector<Parameter> parameters = {};
+    unsigned long channels = VFIL_MODE_RGBA; ///< channel bits of the processing mode that give what a user
+                                             ///< expects of the name
+    unsigned long fixedChannels = 0;         ///< channel bits that cannot be left out
+    MaskUse mask = MaskUse::Sampled;
+    bool multiplied = false; ///< weighs colour by alpha, as it is when colour is multiplied by it; so is the
+                             ///< result's
+    bool whole = false;      ///< works on whole pictures: region, offset and single fields are refused
+    bool copies = false;     ///< its result is its input, pixel by pixel
+    int spatialReach = 0;    ///< input pixels that an output pixel depends on, in each direction, or
+                             ///< kWholePicture
+    int radiusReach = 0;     ///< how many times its radius, or half its kernel, it depends on beside these
+    int temporalReach = 0;   ///< frames, before and after
+    bool bands = true;       ///< rows may be processed in bands, in any order
+    std::unique_ptr<Operator> (*make)(bool simd) = nullptr;
     const char* note = "";  ///< what may surprise in its results
-    const char* alias = ""; ///< the name by rule, when `name` is a more telling one
+    std::string alias = {}; ///< the name by rule, when `name` is a more telling one
 };
 
 /// All processors, by family.
@@ -137,6 +153,12 @@ const std::vector<Entry>& Entries();
 
 /// The processor of a command name or alias, or null.
 const Entry* Find(std::string_view name);
+
+/// The processor that copies.
+const Entry& Copier();
+
+/// The parameter of a role, or null.
+const Parameter* FindRole(const Entry& entry, ParameterRole role);
 
 /// Whether Verify takes an input of one format with an output of the other.
 bool Takes(const Entry& entry, const GUID& from, const GUID& to);

@@ -1,5 +1,6 @@
 /// \file
 /// The convert family: one picture in, the same picture in another format out; and the luma as alpha.
+#include <catalogue/entry.h>
 #include <catalogue/families.h>
 #include <catalogue/parameters.h>
 
@@ -31,7 +32,7 @@ std::vector<GUID> InputsOf(const Pairs& pairs)
 template <class P>
 Entry Converter(const char* className, const char* summary, const Pairs& pairs)
 {
-    Entry entry = WholePictureEntry<P>(CommandName(className), className, "convert", summary);
+    Entry entry = WholePictureEntry<P>(className, "convert", summary);
     entry.inputs = {{"picture", "the picture to convert"}};
     entry.formats = InputsOf(pairs);
     entry.conversions = pairs;
@@ -75,13 +76,17 @@ Pairs With16Bits(Pairs pairs)
 template <class P>
 Parameter Filtering(Value fallback, const char* summary)
 {
-    return FlagParameter<&P::SetDoFiltering, &P::GetDoFiltering>("SetDoFiltering", fallback, summary);
+    Parameter parameter = FlagParameter<&P::SetDoFiltering, &P::GetDoFiltering>(fallback, summary);
+    parameter.role = ParameterRole::ChromaFilter;
+    return parameter;
 }
 
 Parameter Dithering()
 {
-    return FlagParameter<&vfILRGB2YCCProc::SetDoDithering, &vfILRGB2YCCProc::GetDoDithering>(
-        "SetDoDithering", Value{0}, "carry the rounding error of 4:2:2 samples along the row");
+    Parameter parameter = FlagParameter<&vfILRGB2YCCProc::SetDoDithering, &vfILRGB2YCCProc::GetDoDithering>(
+        Value{0}, "carry the rounding error of 4:2:2 samples along the row");
+    parameter.role = ParameterRole::Dither;
+    return parameter;
 }
 
 template <class P>

@@ -1,7 +1,7 @@
 /// \file
 /// The edge family: what finds edges, or makes a relief of them.
 #include <catalogue/families.h>
-#include <catalogue/spatial.h>
+#include <catalogue/frame.h>
 
 #include <vfil/edges.h>
 
@@ -50,16 +50,16 @@ std::vector<Parameter> WithThreshold(std::vector<Parameter> parameters)
 {
     parameters.push_back(ShareParameter<&vfILEdgeThresholdProc::SetEdgeSensitivity,
                                         &vfILEdgeThresholdProc::GetEdgeSensitivity>(
-        "SetEdgeSensitivity", 1, "what counts as an edge: 1 all that is above 0, 0 nothing", 0x1002A));
+        1, "what counts as an edge: 1 all that is above 0, 0 nothing", 0x1002A));
     parameters.push_back(ShareParameter<&vfILEdgeThresholdProc::SetBias, &vfILEdgeThresholdProc::GetBias>(
-        "SetBias", 0, "what is added where there is an edge, of the full value", 0x10029));
+        0, "what is added where there is an edge, of the full value", 0x10029));
     return parameters;
 }
 
 Parameter DetectType()
 {
     return ChoiceParameter<&vfILEdgeDetectProc::SetType, &vfILEdgeDetectProc::GetType>(
-        "SetType", VFIL_EDGE_MAGNITUDE, "what is shown of the gradient",
+        VFIL_EDGE_MAGNITUDE, "what is shown of the gradient",
         {{"magnitude", VFIL_EDGE_MAGNITUDE, "|x| + |y|"},
          {"angle", VFIL_EDGE_ANGLE,
           "its direction, without sensitivity and bias; 360 degrees are the full value"}},
@@ -69,7 +69,7 @@ Parameter DetectType()
 Parameter LaplaceType()
 {
     return ChoiceParameter<&vfILLaplaceImg::SetType, &vfILLaplaceImg::GetType>(
-        "SetType", VFIL_LAPLACE_SQUARE, "the neighbours that are taken from the pixel",
+        VFIL_LAPLACE_SQUARE, "the neighbours that are taken from the pixel",
         {{"square", VFIL_LAPLACE_SQUARE, "all eight"},
          {"diamond", VFIL_LAPLACE_DIAMOND, "the four at its sides"}},
         0x10027);

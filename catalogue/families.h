@@ -13,7 +13,7 @@ std::vector<Entry> LayerEntries();
 std::vector<Entry> PixelEntries();
 
 /// The entries of the blurs, the convolution and the sharpening.
-std::vector<Entry> FilterEntries();
+std::vector<Entry> BlurEntries();
 
 /// The entries of what finds edges or makes a relief of them.
 std::vector<Entry> EdgeEntries();
@@ -22,13 +22,13 @@ std::vector<Entry> EdgeEntries();
 std::vector<Entry> RankEntries();
 
 /// The entries of what works by a structuring element.
-std::vector<Entry> MorphologyEntries();
+std::vector<Entry> MorphEntries();
 
 /// The entries of the converters, and of the luma as alpha.
 std::vector<Entry> ConvertEntries();
 
 /// The entries of fill and key.
-std::vector<Entry> KeyEntries();
+std::vector<Entry> FillkeyEntries();
 
 /// The entries of what works on the fields of video.
 std::vector<Entry> FieldEntries();

@@ -1,5 +1,6 @@
 /// \file
 /// The field family: filters for the fields of video.
+#include <catalogue/entry.h>
 #include <catalogue/families.h>
 #include <catalogue/parameters.h>
 
@@ -47,8 +48,7 @@ std::vector<Parameter> Alphas()
 
 Entry TwoTapIir()
 {
-    Entry entry = WholePictureEntry<vfIL2TapIIR>(CommandName("vfIL2TapIIR"), "vfIL2TapIIR", "field",
-                                                 "smooth along rows and columns");
+    Entry entry = WholePictureEntry<vfIL2TapIIR>("vfIL2TapIIR", "field", "smooth along rows and columns");
     entry.inputs = {{"picture", "the picture to smooth"}};
     entry.formats = {PXFormat_RGBA32};
     entry.parameters = Alphas();

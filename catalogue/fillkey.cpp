@@ -1,5 +1,6 @@
 /// \file
-/// The key family: a picture with alpha as fill and key, and back.
+/// The fillkey family: a picture with alpha as fill and key, and back.
+#include <catalogue/entry.h>
 #include <catalogue/families.h>
 #include <catalogue/parameters.h>
 
@@ -29,34 +30,40 @@ std::vector<Side> Sides()
     return sides;
 }
 
+// The name by rule stays as another one.
+void CallIt(Entry& entry, const char* name)
+{
+    entry.alias = std::exchange(entry.name, name);
+}
+
 Entry Split()
 {
-    Entry entry = WholePictureEntry<vfILYCCA2YCCYCC>("split-key", "vfILYCCA2YCCYCC", "key",
+    Entry entry = WholePictureEntry<vfILYCCA2YCCYCC>("vfILYCCA2YCCYCC", "key",
                                                      "split a picture with alpha into fill and key");
     entry.inputs = {{"picture", "the picture with alpha"}};
     entry.outputs = {{"fill", "its colour", true}, {"key", "its alpha as luma", true}};
     entry.formats = {PXFormat_YCCA422_601, PXFormat_YCCA422_709};
     for (const Side& side : Sides())
         entry.conversions.push_back({side.picture, side.plain});
-    entry.alias = "ycca2yccycc";
+    CallIt(entry, "split-key");
     return entry;
 }
 
 Parameter FillMissingInput()
 {
     return FlagParameter<&vfILYCCYCC2YCCA::SetFillMissingInput, &vfILYCCYCC2YCCA::GetFillMissingInput>(
-        "SetFillMissingInput", Value{0}, "make a fill or key that is missing from the fill colour");
+        Value{0}, "make a fill or key that is missing from the fill colour");
 }
 
 Parameter FillColor()
 {
     return ColourParameter<&vfILYCCYCC2YCCA::SetFillColor, &vfILYCCYCC2YCCA::GetFillColor>(
-        "SetFillColor", Value{0, 0, 0, 1}, "red, green and blue of a missing fill, alpha of a missing key");
+        Value{0, 0, 0, 1}, "red, green and blue of a missing fill, alpha of a missing key");
 }
 
 Entry Join()
 {
-    Entry entry = WholePictureEntry<vfILYCCYCC2YCCA>("join-key", "vfILYCCYCC2YCCA", "key",
+    Entry entry = WholePictureEntry<vfILYCCYCC2YCCA>("vfILYCCYCC2YCCA", "key",
                                                      "join fill and key to a picture with alpha");
     entry.inputs = {{"fill", "its colour", true}, {"key", "its alpha as luma", true}};
     for (const Side& side : Sides()) {
@@ -65,13 +72,13 @@ Entry Join()
     }
     entry.parameters = {FillMissingInput(), FillColor()};
     entry.note = "a key's luma outside 16 .. 235 wraps: 15 becomes opaque, 236 clear";
-    entry.alias = "yccycc2ycca";
+    CallIt(entry, "join-key");
     return entry;
 }
 
 } // namespace
 
-std::vector<Entry> KeyEntries()
+std::vector<Entry> FillkeyEntries()
 {
     std::vector<Entry> entries;
     entries.push_back(Split());

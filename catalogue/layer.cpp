@@ -1,7 +1,7 @@
 /// \file
 /// The layer family: two pictures, a front and a back.
+#include <catalogue/entry.h>
 #include <catalogue/families.h>
-#include <catalogue/names.h>
 #include <catalogue/parameters.h>
 
 #include <vfil/composite.h>
@@ -25,7 +25,7 @@ template <class P>
 Parameter AlphaMode()
 {
     return ChoiceParameter<&P::SetAlphaMode, &P::GetAlphaMode>(
-        "SetAlphaMode", VFIL_ALPHA_COMPUTED, "what becomes of the output's alpha",
+        VFIL_ALPHA_COMPUTED, "what becomes of the output's alpha",
         {{"zero", VFIL_ALPHA_ZERO, "clear"},
          {"full", VFIL_ALPHA_FULL, "opaque"},
          {"computed", VFIL_ALPHA_COMPUTED, "by the operator's rule"}},
@@ -53,7 +53,8 @@ Parameter InputOffset()
             [](const vfILProcessor& p) {
                 const vfILVector2l& offset = As<vfILDyadicImgProc>(p).GetInputOffset();
                 return Value{static_cast<double>(offset[0]), static_cast<double>(offset[1])};
-            }};
+            },
+        .role = ParameterRole::InputOffset};
 }
 
 Parameter DominantInput()
@@ -79,38 +80,48 @@ Parameter DominantInput()
                     const auto& dyadic = As<vfILDyadicImgProc>(p);
                     const bool isA = dyadic.GetDominantInput() == dyadic.GetInputImgA();
                     return Value{isA ? kDominantA : kDominantB};
-                }};
+                },
+            .role = ParameterRole::DominantInput};
 }
 
 Parameter ExtraTransparency()
 {
     return ShareParameter<&vfILCompImg::SetExtraTransparency, &vfILCompImg::GetExtraTransparency>(
-        "SetExtraTransparency", 1, "strength of the front; 1 is full strength, 0 leaves nothing of it",
-        0x10012);
+        1, "strength of the front; 1 is full strength, 0 leaves nothing of it", 0x10012);
 }
 
 Parameter MixAmount()
 {
     return ShareParameter<&vfILCompositeImg::SetAlpha, &vfILCompositeImg::GetAlpha>(
-        "SetAlpha", 1, "amount of the mix, multiplied with the mask; 0 leaves the back's colour", 0x10012);
+        1, "amount of the mix, multiplied with the mask; 0 leaves the back's colour", 0x10012);
+}
+
+// How the colour of an input is taken, whatever the picture says.
+template <auto kSet, auto kGet>
+Parameter Premultiplication(const std::optional<Value>& fallback, const char* summary)
+{
+    Parameter parameter = FlagParameter<kSet, kGet>(fallback, summary);
+    parameter.role = ParameterRole::Premultiplication;
+    return parameter;
 }
 
 Parameter ImgAPremultiplied()
 {
-    return FlagParameter<&vfILCompImg::SetImgAPremultiplied, &vfILCompImg::GetImgAPremultiplied>(
-        "SetImgAPremultiplied", std::nullopt, "take the back's colour as already multiplied by its alpha");
+    return Premultiplication<&vfILCompImg::SetImgAPremultiplied, &vfILCompImg::GetImgAPremultiplied>(
+        std::nullopt, "take the back's colour as already multiplied by its alpha");
 }
 
 Parameter ImgBPremultiplied()
 {
-    return FlagParameter<&vfILCompImg::SetImgBPremultiplied, &vfILCompImg::GetImgBPremultiplied>(
-        "SetImgBPremultiplied", std::nullopt, "take the front's colour as already multiplied by its alpha");
+    return Premultiplication<&vfILCompImg::SetImgBPremultiplied, &vfILCompImg::GetImgBPremultiplied>(
+        std::nullopt, "take the front's colour as already multiplied by its alpha");
 }
 
 Parameter NeverPremultiplyBackImage()
 {
-    return FlagParameter<&vfILCompImg::NeverPremultiplyBackImage, &vfILCompImg::IsNeverPremultiplyBackImage>(
-        "NeverPremultiplyBackImage", Value{0}, "take the back's colour as it stands, whatever its alpha");
+    return Premultiplication<&vfILCompImg::NeverPremultiplyBackImage,
+                             &vfILCompImg::IsNeverPremultiplyBackImage>(
+        Value{0}, "take the back's colour as it stands, whatever its alpha");
 }
 
 std::vector<Parameter> LayerParameters()
@@ -122,22 +133,12 @@ std::vector<Parameter> LayerParameters()
 template <class P>
 Entry Layer(const char* className, const char* summary)
 {
-    return {
-        .name = CommandName(className),
-        .className = className,
-        .family = "layer",
-        .summary = summary,
-        .inputs = {{"back", "input A, the lower picture"}, {"front", "input B, the upper picture"}},
-        .formats = {PXFormat_RGBA32, PXFormat_RGBA64},
-        .parameters = LayerParameters(),
-        .channels = VFIL_MODE_RGBA,
-        .fixedChannels = 0,
-        .mask = MaskUse::BoxOnly,
-        .multiplied = false,
-        .spatialReach = 0,
-        .temporalReach = 0,
-        .bands = true,
-        .make = [](bool simd) -> std::unique_ptr<Operator> { return std::make_unique<OperatorOf<P>>(simd); }};
+    Entry entry = EntryOf<P>(className, "layer", summary);
+    entry.inputs = {{"back", "input A, the lower picture"}, {"front", "input B, the upper picture"}};
+    entry.formats = {PXFormat_RGBA32, PXFormat_RGBA64};
+    entry.parameters = LayerParameters();
+    entry.mask = MaskUse::BoxOnly;
+    return entry;
 }
 
 // Weighs colour by coverage.

@@ -1,7 +1,7 @@
 /// \file
-/// The morphology family: the smallest and the largest samples below a structuring element.
+/// The morph family: the smallest and the largest samples below a structuring element.
 #include <catalogue/families.h>
-#include <catalogue/spatial.h>
+#include <catalogue/frame.h>
 
 #include <vfil/morphology.h>
 
@@ -64,7 +64,7 @@ template <class P>
 Parameter Shape()
 {
     return ChoiceParameter<&Shaped<P>::SetShape, &Shaped<P>::GetShape>(
-        "SetShape", VFIL_STRUCT_RECTANGLE, "the shape of the structuring element",
+        VFIL_STRUCT_RECTANGLE, "the shape of the structuring element",
         {{"rectangle", VFIL_STRUCT_RECTANGLE, "the whole window"},
          {"ellipse", VFIL_STRUCT_ELLIPSE, "what of it is in the ellipse of the radius"}},
         0x1005B);
@@ -83,8 +83,7 @@ template <class P>
 Parameter Element()
 {
     return TableParameter<&Shaped<P>::SetElement, &Shaped<P>::GetElement>(
-        "SetElement", 0, 1,
-        "the structuring element, instead of shape and radius: 1 for a pixel that counts, or 0");
+        0, 1, "the structuring element, instead of shape and radius: 1 for a pixel that counts, or 0");
 }
 
 template <class P>
@@ -105,7 +104,7 @@ Entry Chain(const char* className, const char* summary)
 
 } // namespace
 
-std::vector<Entry> MorphologyEntries()
+std::vector<Entry> MorphEntries()
 {
     std::vector<Entry> entries;
     entries.push_back(Morphology<vfILErodeImg>("vfILErodeImg", "take the smallest samples: dark parts grow"));

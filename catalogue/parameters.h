@@ -1,14 +1,15 @@
 /// \file
-/// Parameters and entries that several families have in common.
+/// What the parameters of all families are made of. A parameter is written once, as a setter and a getter:
+/// its name is the setter's.
 #pragma once
 
 #include <catalogue/catalogue.h>
 #include <catalogue/names.h>
 
 #include <concepts>
-#include <memory>
+#include <cstddef>
 #include <optional>
-#include <string>
+#include <string_view>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -65,12 +66,39 @@ struct Accessors<kSet, kGet> {
     static Value Read(const vfILProcessor& processor) { return ToValue((As<P>(processor).*kGet)()); }
 };
 
-/// A parameter of components 0 .. 1.
-template <class HowItIsSet>
-Parameter UnitParameter(const char* setter, ParameterType type, const std::optional<Value>& fallback,
-                        const char* summary, unsigned long refusal)
+/// The text in which a compiler names a template's argument. std::source_location would tell the same; not
+/// every compiler and library have it together.
+template <auto kMember>
+consteval const char* Spelling()
 {
-    return {.name = ParameterName(setter),
+    return __PRETTY_FUNCTION__;
+}
+
+/// The name of a member function, without its class: what stands behind the last "::" of the spelling.
+template <auto kMember>
+consteval std::string_view MemberName()
+{
+    std::string_view text = Spelling<kMember>();
+    text.remove_prefix(text.rfind(':') + 1);
+    const auto isWord = [](char c) {
+        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
+    };
+    std::size_t length = 0;
+    while (length < text.size() && isWord(text[length]))
+        ++length;
+    return text.substr(0, length);
+}
+
+// A compiler that spells otherwise is noticed here, and not by users.
+static_assert(MemberName<&vfILProcessor::SetProcessingMode>() == "SetProcessingMode");
+
+/// A parameter of components 0 .. 1.
+template <auto kSet, auto kGet>
+Parameter UnitParameter(ParameterType type, const std::optional<Value>& fallback, const char* summary,
+                        unsigned long refusal)
+{
+    using HowItIsSet = Accessors<kSet, kGet>;
+    return {.name = ParameterName(MemberName<kSet>()),
             .type = type,
             .unit = "",
             .minimum = 0,
@@ -84,29 +112,27 @@ Parameter UnitParameter(const char* setter, ParameterType type, const std::optio
 }
 
 template <auto kSet, auto kGet>
-Parameter ShareParameter(const char* setter, double fallback, const char* summary, unsigned long refusal)
+Parameter ShareParameter(double fallback, const char* summary, unsigned long refusal)
 {
-    return UnitParameter<Accessors<kSet, kGet>>(setter, ParameterType::Number, Value{fallback}, summary,
-                                                refusal);
+    return UnitParameter<kSet, kGet>(ParameterType::Number, Value{fallback}, summary, refusal);
 }
 
 template <auto kSet, auto kGet>
-Parameter FlagParameter(const char* setter, const std::optional<Value>& fallback, const char* summary)
+Parameter FlagParameter(const std::optional<Value>& fallback, const char* summary)
 {
-    return UnitParameter<Accessors<kSet, kGet>>(setter, ParameterType::Flag, fallback, summary, 0);
+    return UnitParameter<kSet, kGet>(ParameterType::Flag, fallback, summary, 0);
 }
 
 template <auto kSet, auto kGet>
-Parameter ColourParameter(const char* setter, const Value& fallback, const char* summary)
+Parameter ColourParameter(const Value& fallback, const char* summary)
 {
-    return UnitParameter<Accessors<kSet, kGet>>(setter, ParameterType::Colour, fallback, summary, 0);
+    return UnitParameter<kSet, kGet>(ParameterType::Colour, fallback, summary, 0);
 }
 
 template <auto kSet, auto kGet>
-Parameter TableParameter(const char* setter, double minimum, double maximum, const char* summary)
+Parameter TableParameter(double minimum, double maximum, const char* summary)
 {
-    Parameter parameter =
-        UnitParameter<Accessors<kSet, kGet>>(setter, ParameterType::Table, Value{}, summary, 0);
+    Parameter parameter = UnitParameter<kSet, kGet>(ParameterType::Table, Value{}, summary, 0);
     parameter.minimum = minimum;
     parameter.maximum = maximum;
     return parameter;
@@ -114,40 +140,14 @@ Parameter TableParameter(const char* setter, double minimum, double maximum, con
 
 /// A choice among values without a gap, in ascending order.
 template <auto kSet, auto kGet>
-Parameter ChoiceParameter(const char* setter, double fallback, const char* summary,
-                          std::vector<Choice> choices, unsigned long refusal)
+Parameter ChoiceParameter(double fallback, const char* summary, std::vector<Choice> choices,
+                          unsigned long refusal)
 {
-    Parameter parameter = UnitParameter<Accessors<kSet, kGet>>(setter, ParameterType::Choice, Value{fallback},
-                                                               summary, refusal);
+    Parameter parameter = UnitParameter<kSet, kGet>(ParameterType::Choice, Value{fallback}, summary, refusal);
     parameter.minimum = choices.front().value;
     parameter.maximum = choices.back().value;
     parameter.choices = std::move(choices);
     return parameter;
-}
-
-/// A processor that treats whole pictures, in all channels and without a mask; inputs and formats are the
-/// caller's to add.
-template <class P>
-Entry WholePictureEntry(const std::string& name, const char* className, const char* family,
-                        const char* summary)
-{
-    return {
-        .name = name,
-        .className = className,
-        .family = family,
-        .summary = summary,
-        .inputs = {},
-        .formats = {},
-        .parameters = {},
-        .channels = VFIL_MODE_RGBA,
-        .fixedChannels = VFIL_MODE_RGBA,
-        .mask = MaskUse::None,
-        .multiplied = false,
-        .whole = true,
-        .spatialReach = 0,
-        .temporalReach = 0,
-        .bands = false,
-        .make = [](bool simd) -> std::unique_ptr<Operator> { return std::make_unique<OperatorOf<P>>(simd); }};
 }
 
 } // namespace vfil::catalogue

@@ -1,7 +1,7 @@
 /// \file
 /// The pixel family: one picture, one pixel for one pixel.
+#include <catalogue/entry.h>
 #include <catalogue/families.h>
-#include <catalogue/names.h>
 
 #include <vfil/pixel.h>
 
@@ -12,22 +12,11 @@ namespace {
 template <class P>
 Entry Pixel(const char* className, const char* summary, const std::vector<GUID>& formats)
 {
-    return {
-        .name = CommandName(className),
-        .className = className,
-        .family = "pixel",
-        .summary = summary,
-        .inputs = {{"picture", "the picture to work on"}},
-        .formats = formats,
-        .parameters = {},
-        .channels = VFIL_MODE_RGB,
-        .fixedChannels = 0,
-        .mask = MaskUse::Sampled,
-        .multiplied = false,
-        .spatialReach = 0,
-        .temporalReach = 0,
-        .bands = true,
-        .make = [](bool simd) -> std::unique_ptr<Operator> { return std::make_unique<OperatorOf<P>>(simd); }};
+    Entry entry = EntryOf<P>(className, "pixel", summary);
+    entry.inputs = {{"picture", "the picture to work on"}};
+    entry.formats = formats;
+    entry.channels = VFIL_MODE_RGB;
+    return entry;
 }
 
 std::vector<GUID> AllFormats()
@@ -44,6 +33,7 @@ Entry Copy()
     entry.channels = VFIL_MODE_RGBA;
     entry.fixedChannels = VFIL_MODE_RGBA;
     entry.mask = MaskUse::BoxOnly;
+    entry.copies = true;
     return entry;
 }
 

@@ -1,7 +1,7 @@
 /// \file
 /// The rank family: one of the pixels of a window, chosen by its brightness.
 #include <catalogue/families.h>
-#include <catalogue/spatial.h>
+#include <catalogue/frame.h>
 
 #include <vfil/rank.h>
 
@@ -29,7 +29,7 @@ std::vector<Entry> RankEntries()
     entries.push_back(Rank<vfILSelectiveRankImg>(
         "vfILSelectiveRankImg", "take the pixel of middle brightness where the present one is far from it",
         {ShareParameter<&vfILSelectiveRankImg::SetThreshold, &vfILSelectiveRankImg::GetThreshold>(
-            "SetThreshold", 0.1, "the difference of brightness that is kept", 0x10046)}));
+            0.1, "the difference of brightness that is kept", 0x10046)}));
     return entries;
 }
 

@@ -126,7 +126,7 @@ TEST(Catalogue, HasEveryOperatorOnce)
         names += std::string(entry.name) + ' ';
         EXPECT_EQ(catalogue::Find(entry.name), &entry);
         const std::string rule = catalogue::CommandName(entry.className);
-        EXPECT_EQ(*entry.alias == '\0' ? entry.name : entry.alias, rule);
+        EXPECT_EQ(entry.alias.empty() ? entry.name : entry.alias, rule);
         EXPECT_EQ(catalogue::Find(rule), &entry);
     }
     EXPECT_EQ(names,

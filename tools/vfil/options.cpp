@@ -292,7 +292,7 @@ std::vector<std::string> CommandNames()
     std::vector<std::string> names;
     for (const Entry& entry : catalogue::Entries()) {
         names.push_back(entry.name);
-        if (*entry.alias != '\0') names.emplace_back(entry.alias);
+        if (!entry.alias.empty()) names.push_back(entry.alias);
     }
     for (const Command& command : Commands())
         names.push_back(command.name);

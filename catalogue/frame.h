@@ -2,27 +2,27 @@
 /// What the operators of the spatial frame have in common: entry, edge modes, radius.
 #pragma once
 
+#include <catalogue/entry.h>
 #include <catalogue/parameters.h>
 
 #include <vfil/spatial.h>
 
-#include <memory>
-#include <string>
 #include <utility>
 #include <vector>
 
 namespace vfil::catalogue {
 
-/// A filter as people expect it who pick it by name: beyond the picture's edges there is more of the same,
-/// where the class takes a clear colour, and there is a radius, where the class may take 0.
+/// A filter as people expect it: beyond the picture's edges there is more of the same, where the class takes
+/// a clear colour, and there is a radius, where the class may take 0.
 template <class P, int kRadius>
-struct FilterAsExpected : P {
-    FilterAsExpected()
-    {
-        this->SetEdgeMode(VFIL_EDGE_CLAMP);
-        this->SetRadius(kRadius);
-    }
-};
+void ExpectFilter(P& filter)
+{
+    filter.SetEdgeMode(VFIL_EDGE_CLAMP);
+    filter.SetRadius(kRadius);
+}
+
+template <class P, int kRadius>
+using FilterAsExpected = SetUp<P, &ExpectFilter<P, kRadius>>;
 
 /// How far a filter reaches.
 Parameter Radius(double fallback, const char* summary);
@@ -50,23 +50,12 @@ Entry SpatialEntry(const char* className, const char* family, const char* summar
 {
     for (Parameter& parameter : EdgeParameters())
         parameters.push_back(std::move(parameter));
-    return {
-        .name = CommandName(className),
-        .className = className,
-        .family = family,
-        .summary = summary,
-        .inputs = {{"picture", "the picture to work on"}},
-        .formats = {PXFormat_RGBA32, PXFormat_RGBA64, PXFormat_Mono8, PXFormat_Mono16},
-        .parameters = std::move(parameters),
-        .channels = VFIL_MODE_RGBA,
-        .fixedChannels = 0,
-        .mask = MaskUse::Sampled,
-        .multiplied = false,
-        .spatialReach = 0,
-        .radiusReach = 1,
-        .temporalReach = 0,
-        .bands = true,
-        .make = [](bool simd) -> std::unique_ptr<Operator> { return std::make_unique<OperatorOf<P>>(simd); }};
+    Entry entry = EntryOf<P>(className, family, summary);
+    entry.inputs = {{"picture", "the picture to work on"}};
+    entry.formats = {PXFormat_RGBA32, PXFormat_RGBA64, PXFormat_Mono8, PXFormat_Mono16};
+    entry.parameters = std::move(parameters);
+    entry.radiusReach = 1;
+    return entry;
 }
 
 } // namespace vfil::catalogue

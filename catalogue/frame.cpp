@@ -1,6 +1,6 @@
 /// \file
 /// The parameters of the spatial frame.
-#include <catalogue/spatial.h>
+#include <catalogue/frame.h>
 
 namespace vfil::catalogue {
 
@@ -9,7 +9,7 @@ namespace {
 Parameter EdgeMode()
 {
     return ChoiceParameter<&vfILMonadicSpatialProc::SetEdgeMode, &vfILMonadicSpatialProc::GetEdgeMode>(
-        "SetEdgeMode", VFIL_EDGE_CLAMP, "what is beyond the picture's edges",
+        VFIL_EDGE_CLAMP, "what is beyond the picture's edges",
         {{"color", VFIL_EDGE_COLOR, "--edge-color"},
          {"wrap", VFIL_EDGE_WRAP, "the picture again"},
          {"clamp", VFIL_EDGE_CLAMP, "the nearest pixel"},
@@ -20,7 +20,7 @@ Parameter EdgeMode()
 Parameter EdgeColor()
 {
     return ColourParameter<&vfILMonadicSpatialProc::SetEdgeColor, &vfILMonadicSpatialProc::GetEdgeColor>(
-        "SetEdgeColor", Value{}, "the colour beyond the edges with --edge-mode color");
+        Value{}, "the colour beyond the edges with --edge-mode color");
 }
 
 } // namespace
@@ -44,7 +44,8 @@ Parameter Radius(double fallback, const char* summary)
                 [](const vfILProcessor& p) {
                     const auto& filter = As<vfILMonadicSpatialProc>(p);
                     return Value{double{filter.GetRadiusX()}, double{filter.GetRadiusY()}};
-                }};
+                },
+            .role = ParameterRole::Radius};
 }
 
 std::vector<Parameter> EdgeParameters()

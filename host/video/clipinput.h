@@ -1,5 +1,6 @@
 /// \file
-/// The inside of VideoReader, which the writer looks at for what it is to resemble. Private to the host.
+/// A clip that is read: what the reader holds, and the writer looks at for what it is to resemble. Private to
+/// the host.
 #pragma once
 
 #include "host/video/framecopy.h"
@@ -7,9 +8,9 @@
 
 namespace vfil::host {
 
-class VideoReader::Impl {
+class ClipInput {
 public:
-    Impl(const std::filesystem::path& path, const VideoOverrides& overrides);
+    ClipInput(const std::filesystem::path& path, const VideoOverrides& overrides);
 
     PicturePtr Read();
     bool Skip();

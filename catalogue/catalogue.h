@@ -1,152 +1,13 @@
 /// \file
-/// The register of processors: what each is called, takes and does. The command, its help and its completion
-/// are made from it.
+/// The register of processors. The command, its help and its completion are made from it.
 #pragma once
 
-#include <catalogue/operator.h>
-#include <vfil/frame.h>
+#include <catalogue/entry.h>
 
-#include <limits>
-#include <memory>
-#include <optional>
-#include <string>
 #include <string_view>
 #include <vector>
 
 namespace vfil::catalogue {
-
-enum class ParameterType {
-    Number,
-    Integer,
-    Choice,
-    Set, ///< any of the choices, one at least
-    Flag,
-    Point,
-    Pair, ///< two numbers, of x and y; one stands for both
-    Colour,
-    Table, ///< numbers of the pixels of a window
-};
-
-/// Numbers by rows, the top one first, an odd count of rows and of columns.
-struct Table {
-    std::vector<double> numbers;
-    long columns = 0;
-
-    long Rows() const { return columns == 0 ? 0 : static_cast<long>(numbers.size()) / columns; }
-
-    friend bool operator==(const Table&, const Table&) = default;
-};
-
-/// The value of a parameter of any type: a number, a choice's value, the bits of a set or a flag (0 or 1) in
-/// x; a point or a pair in x and y; red, green, blue and alpha of a colour in x, y, z and w.
-struct Value {
-    double x = 0;
-    double y = 0;
-    double z = 0;
-    double w = 0;
-    Table table = {};
-
-    friend bool operator==(const Value&, const Value&) = default;
-};
-
-/// One of the values that a choice or a set takes.
-struct Choice {
-    const char* name;
-    double value; ///< of a set: a bit, or several
-    const char* summary;
-};
-
-/// What a parameter means to programs that arrange pictures around a processor.
-enum class ParameterRole {
-    None,
-    DominantInput,     ///< a choice: 0 for the first input, 1 for the second
-    InputOffset,       ///< the position of the second input relative to the first
-    Premultiplication, ///< how the colour of an input is taken, whatever the picture says of itself
-    Radius,            ///< how far a window reaches, and with it how much memory a run takes
-    ChromaFilter,      ///< of a conversion that halves or doubles chroma
-    Dither,            ///< of a conversion
-};
-
-/// A parameter of a processor.
-struct Parameter {
-    std::string name; ///< of the option, without the dashes
-    ParameterType type;
-    const char* unit; ///< "" without one
-    double minimum;   ///< of each component; of a set, of the sum of its bits
-    double maximum;
-    std::optional<Value> fallback; ///< the default; without one the pictures decide, unless it is required
-    const char* summary;
-    std::vector<Choice> choices;
-    unsigned long
-        refusal; ///< the code with which Verify refuses a value outside the range; 0 when it takes any
-    void (*apply)(vfILProcessor& processor, const Value& value);
-    Value (*read)(const vfILProcessor& processor);
-    bool required = false; ///< the processor does not run without it
-    ParameterRole role = ParameterRole::None;
-};
-
-/// What a mask picture does to a processor.
-enum class MaskUse {
-    None,     ///< refused
-    BoxOnly,  ///< only the box of the mask counts: it bounds the region
-    Sampled,  ///< mixes the result with the input
-    Required, ///< the processor does not run without one
-};
-
-/// A picture that a processor reads.
-struct Input {
-    const char* role; ///< "back", "front", "picture"
-    const char* summary;
-    bool optional = false; ///< may be missing, when the parameters say what takes its place
-};
-
-/// A picture that a processor writes.
-struct Output {
-    const char* role; ///< "result", "fill", "key"
-    const char* summary;
-    bool optional = false; ///< need not be connected
-};
-
-/// What a processor makes of what.
-struct FormatPair {
-    GUID from{};
-    GUID to{};
-    bool turnsOver = false; ///< keeps the order of memory rows where the formats differ in it, or the other
-                            ///< way round: the picture comes out upside down
-};
-
-/// The spatial reach of a processor whose every output pixel depends on all of the input.
-inline constexpr int kWholePicture = std::numeric_limits<int>::max();
-
-/// A processor.
-struct Entry {
-    std::string name; ///< of the command
-    const char* className = "";
-    const char* family = ""; ///< "layer", "pixel", "filter", "edge", "rank", "morphology", "convert" ...
-    const char* summary = "";
-    std::vector<Input> inputs = {};
-    std::vector<Output> outputs = {};
-    std::vector<GUID> formats = {}; ///< of the inputs; all have the same one, and the output too, unless
-                                    ///< there are conversions
-    std::vector<FormatPair> conversions = {}; ///< the formats that each input and each output may have
-    std::vector<Parameter> parameters = {};
-    unsigned long channels = VFIL_MODE_RGBA; ///< channel bits of the processing mode that give what a user
-                                             ///< expects of the name
-    unsigned long fixedChannels = 0;         ///< channel bits that cannot be left out
-    MaskUse mask = MaskUse::Sampled;
-    bool multiplied = false; ///< weighs colour by alpha, as it is when colour is multiplied by it; so is the
-                             ///< result's
-    bool whole = false;      ///< works on whole pictures: region, offset and single fields are refused
-    bool copies = false;     ///< its result is its input, pixel by pixel
-    int spatialReach = 0;    ///< input pixels that an output pixel depends on, in each direction, or
-                             ///< kWholePicture
-    int radiusReach = 0;     ///< how many times its radius, or half its kernel, it depends on beside these
-    int temporalReach = 0;   ///< frames, before and after
-    bool bands = true;       ///< rows may be processed in bands, in any order
-    std::unique_ptr<Operator> (*make)(bool simd) = nullptr;
-    const char* note = "";  ///< what may surprise in its results
-    std::string alias = {}; ///< the name by rule, when `name` is a more telling one
-};
 
 /// All processors, by family.
 const std::vector<Entry>& Entries();
@@ -156,17 +17,5 @@ const Entry* Find(std::string_view name);
 
 /// The processor that copies.
 const Entry& Copier();
-
-/// The parameter of a role, or null.
-const Parameter* FindRole(const Entry& entry, ParameterRole role);
-
-/// Whether Verify takes an input of one format with an output of the other.
-bool Takes(const Entry& entry, const GUID& from, const GUID& to);
-
-/// Whether the processor makes nothing but another format of a picture.
-bool IsConverter(const Entry& entry);
-
-/// The type in words: "number", "integer", "choice", "set", "flag", "point", "pair", "colour", "table".
-const char* TypeName(ParameterType type);
 
 } // namespace vfil::catalogue

@@ -1,6 +1,6 @@
 /// \file
 /// The convert family: one picture in, the same picture in another format out; and the luma as alpha.
-#include <catalogue/entry.h>
+#include <catalogue/entryof.h>
 #include <catalogue/families.h>
 #include <catalogue/parameters.h>
 

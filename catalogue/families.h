@@ -2,7 +2,7 @@
 /// The families that the register is put together from.
 #pragma once
 
-#include <catalogue/catalogue.h>
+#include <catalogue/entry.h>
 
 namespace vfil::catalogue {
 

@@ -1,6 +1,6 @@
 /// \file
 /// The field family: filters for the fields of video.
-#include <catalogue/entry.h>
+#include <catalogue/entryof.h>
 #include <catalogue/families.h>
 #include <catalogue/parameters.h>
 

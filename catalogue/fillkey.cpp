@@ -1,6 +1,6 @@
 /// \file
 /// The fillkey family: a picture with alpha as fill and key, and back.
-#include <catalogue/entry.h>
+#include <catalogue/entryof.h>
 #include <catalogue/families.h>
 #include <catalogue/parameters.h>
 

@@ -2,7 +2,7 @@
 /// What the operators of the spatial frame have in common: entry, edge modes, radius.
 #pragma once
 
-#include <catalogue/entry.h>
+#include <catalogue/entryof.h>
 #include <catalogue/parameters.h>
 
 #include <vfil/spatial.h>

@@ -1,6 +1,6 @@
 /// \file
 /// The layer family: two pictures, a front and a back.
-#include <catalogue/entry.h>
+#include <catalogue/entryof.h>
 #include <catalogue/families.h>
 #include <catalogue/parameters.h>
 

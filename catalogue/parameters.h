@@ -3,7 +3,7 @@
 /// its name is the setter's.
 #pragma once
 
-#include <catalogue/catalogue.h>
+#include <catalogue/entry.h>
 #include <catalogue/names.h>
 
 #include <concepts>

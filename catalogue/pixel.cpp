@@ -1,6 +1,6 @@
 /// \file
 /// The pixel family: one picture, one pixel for one pixel.
-#include <catalogue/entry.h>
+#include <catalogue/entryof.h>
 #include <catalogue/families.h>
 
 #include <vfil/pixel.h>

@@ -5,7 +5,7 @@ option(VFIL_TRACE "Write each failed check of a processor to standard error" OFF
 option(VFIL_BUILD_HOST "Build the embedded host (needs libpng, libjpeg and libtiff)" ${PROJECT_IS_TOP_LEVEL})
 option(VFIL_BUILD_VIDEO "Build clips into the host (needs FFmpeg's libav* and libswscale)"
     ${PROJECT_IS_TOP_LEVEL})
-option(VFIL_BUILD_TOOL "Build the catalogue and the vfil command (needs CLI11, nlohmann-json and toml++)"
+option(VFIL_BUILD_TOOL "Build the catalogue, the engine and the vfil command (needs CLI11, nlohmann-json and toml++)"
     ${PROJECT_IS_TOP_LEVEL})
 option(VFIL_BUILD_EXAMPLES "Build the example programs" ${PROJECT_IS_TOP_LEVEL})
 option(VFIL_BUILD_TESTS "Build the tests (needs GoogleTest)" ${PROJECT_IS_TOP_LEVEL})

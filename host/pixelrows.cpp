@@ -56,6 +56,21 @@ void Unpremultiply(const Sample* from, Sample* to, long pixels)
 }
 
 template <class Sample>
+void Premultiply(const Sample* from, Sample* to, long pixels)
+{
+    constexpr int kBits = std::numeric_limits<Sample>::digits;
+    for (long i = 0; i < pixels; ++i, from += 4, to += 4) {
+        const std::uint32_t alpha = from[3];
+        for (int c = 0; c < 3; ++c) {
+            // To the nearest by shifts; full * full and the half added fit 32 bits, and so does the sum.
+            const std::uint32_t x = from[c] * alpha + (1u << (kBits - 1));
+            to[c] = static_cast<Sample>((x + (x >> kBits)) >> kBits);
+        }
+        to[3] = from[3];
+    }
+}
+
+template <class Sample>
 bool IsOpaque(const Sample* pixels, std::size_t count)
 {
     for (std::size_t i = 0; i < count; ++i) {
@@ -120,6 +135,14 @@ void ExpandRow(const void* from, int channels, int sampleBytes, void* to, long p
     WithSample(sampleBytes, [&](auto sample) {
         using Sample = decltype(sample);
         Expand(static_cast<const Sample*>(from), channels, static_cast<Sample*>(to), pixels);
+    });
+}
+
+void PremultiplyRow(const void* from, int sampleBytes, void* to, long pixels)
+{
+    WithSample(sampleBytes, [&](auto sample) {
+        using Sample = decltype(sample);
+        Premultiply(static_cast<const Sample*>(from), static_cast<Sample*>(to), pixels);
     });
 }
 

@@ -1,6 +1,7 @@
 /// \file
 /// How rows of pixels go between picture files and memory: order, channels, depth and premultiplication.
-/// The command uses the conversions of whole pictures too; the rest is private to the host.
+/// The conversions of whole pictures, the premultiplication and the questions are for everyone above the
+/// host; the rest is private to it.
 #pragma once
 
 #include <vfil/host/picture.h>
@@ -21,6 +22,10 @@ const GUID& FileFormat(bool gray, int sampleBytes);
 /// Turns gray (1 channel), gray and alpha (2), RGB (3) or RGBA (4) into RGBA; missing alpha is full. Both
 /// rows have samples of \p sampleBytes and are aligned to them.
 void ExpandRow(const void* from, int channels, int sampleBytes, void* to, long pixels);
+
+/// Multiplies the colour of a row of RGBA by its alpha: c * a / full to the nearest, as the layer operators
+/// do.
+void PremultiplyRow(const void* from, int sampleBytes, void* to, long pixels);
 
 /// Divides the colour of a row of RGBA by its alpha: c * full / a to the nearest, at most full; 0 where alpha
 /// is 0.

@@ -120,7 +120,7 @@ bool Suits(const AVOutputFormat& container, const AVCodec* codec, const VideoSet
 }
 
 const AVCodec& CodecFor(const fs::path& path, const AVOutputFormat& container, const VideoSettings& settings,
-                        const VideoReader::Impl* like)
+                        const ClipInput* like)
 {
     const std::string_view name = container.name;
     // Y4M is uncompressed, and its writer makes the bytes itself.
@@ -180,11 +180,11 @@ bool IsOfMatrix(const vfILFormatInfo& format, Matrix matrix)
 struct Offer {
     const AVOutputFormat* container;
     const AVCodec* codec;
-    const VideoReader::Impl* like;
+    const ClipInput* like;
     Kinds kinds;
 };
 
-Offer OfferOf(const fs::path& path, const VideoSettings& settings, const VideoReader::Impl* like)
+Offer OfferOf(const fs::path& path, const VideoSettings& settings, const ClipInput* like)
 {
     const AVOutputFormat& container = ContainerFor(path, settings);
     const AVCodec& codec = CodecFor(path, container, settings, like);
@@ -239,7 +239,7 @@ std::vector<GUID> FormatsOf(const Offer& offer, const VideoSettings& settings)
 
 EncoderChoice ChooseEncoder(const fs::path& path, const VideoSettings& settings)
 {
-    const VideoReader::Impl* like = settings.likeInput == nullptr ? nullptr : &settings.likeInput->Inside();
+    const ClipInput* like = settings.likeInput == nullptr ? nullptr : &settings.likeInput->Input();
     const Offer offer = OfferOf(path, settings, like);
     const vfILFormatInfo* format = vfILFindFormat(settings.format);
     const std::optional<PixelKind> from = format == nullptr ? std::nullopt : KindOf(*format);
@@ -266,8 +266,7 @@ EncoderChoice ChooseEncoder(const fs::path& path, const VideoSettings& settings)
 std::vector<GUID> FormatsOfVideo(const fs::path& path, const VideoSettings& settings)
 {
     try {
-        const VideoReader::Impl* like =
-            settings.likeInput == nullptr ? nullptr : &settings.likeInput->Inside();
+        const ClipInput* like = settings.likeInput == nullptr ? nullptr : &settings.likeInput->Input();
         return FormatsOf(OfferOf(path, settings, like), settings);
     } catch (const FileError&) {
         return {};

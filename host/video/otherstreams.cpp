@@ -22,7 +22,7 @@ bool Holds(const AVOutputFormat& container, AVCodecID codec)
     return isMpeg && std::ranges::find(kOfMpeg, codec) != kOfMpeg.end();
 }
 
-OtherStreams::OtherStreams(const VideoReader::Impl& input, const OutputFile& output,
+OtherStreams::OtherStreams(const ClipInput& input, const OutputFile& output,
                            std::vector<std::string>& remarks)
     : m_source(input), m_output(output)
 {

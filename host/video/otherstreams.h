@@ -2,8 +2,8 @@
 /// Audio and what else lies beside the video of an input, copied to an output as it is. Private to the host.
 #pragma once
 
+#include "host/video/clipinput.h"
 #include "host/video/outputfile.h"
-#include "host/video/videoreader.h"
 
 #include <map>
 
@@ -16,7 +16,7 @@ bool Holds(const AVOutputFormat& container, AVCodecID codec);
 class OtherStreams {
 public:
     /// Adds to \p output the streams that it can hold, and a line to \p remarks for each of the others.
-    OtherStreams(const VideoReader::Impl& input, const OutputFile& output, std::vector<std::string>& remarks);
+    OtherStreams(const ClipInput& input, const OutputFile& output, std::vector<std::string>& remarks);
 
     /// Writes what is to be heard before \p seconds of the output, whose start is at the first frame read.
     void CopyUntil(double seconds);
@@ -27,7 +27,7 @@ private:
     void WritePacket();
     double SecondsOfPacket() const;
 
-    const VideoReader::Impl& m_source;
+    const ClipInput& m_source;
     const OutputFile& m_output;
     InputPtr m_input; ///< a second look at the file; none when nothing is copied
     std::map<int, AVStream*> m_targets;

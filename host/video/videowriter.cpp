@@ -40,7 +40,7 @@ Matrix MatrixOfFrames(const VideoSettings& settings)
     return format.model == PXColorModel_YCC ? Matrix::Bt601 : Matrix::Bt709;
 }
 
-Colour ColourOf(const VideoSettings& settings, const PixelKind& kind, const VideoReader::Impl* like)
+Colour ColourOf(const VideoSettings& settings, const PixelKind& kind, const ClipInput* like)
 {
     const Matrix matrix = MatrixOfFrames(settings);
     if (kind.model == Model::Rgb) return {AVCOL_SPC_RGB, {}, {}, AVCOL_RANGE_JPEG};
@@ -157,7 +157,7 @@ private:
 
     fs::path m_path;
     VideoSettings m_settings;
-    const VideoReader::Impl* m_like;
+    const ClipInput* m_like;
     EncoderChoice m_choice;
     Colour m_colour;
     OutputFile m_output;
@@ -173,7 +173,7 @@ private:
 
 VideoWriter::Impl::Impl(fs::path path, const VideoSettings& settings)
     : m_path(std::move(path)), m_settings(settings),
-      m_like(settings.likeInput == nullptr ? nullptr : &settings.likeInput->Inside()),
+      m_like(settings.likeInput == nullptr ? nullptr : &settings.likeInput->Input()),
       m_choice((CheckSettings(m_path, settings), ChooseEncoder(m_path, settings))),
       m_colour(ColourOf(settings, m_choice.kind, m_like)), m_output(m_path, *m_choice.container),
       m_copy(*vfILFindFormat(settings.format), m_choice.kind, TermsOf(settings, m_choice.kind))

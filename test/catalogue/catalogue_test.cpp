@@ -148,6 +148,26 @@ TEST(Operator, PlainArithmeticIsAFlagOfItsProcessor)
     EXPECT_EQ(static_cast<Probe&>(usual.Processor()).SimdFlag(), 1);
 }
 
+// Programs look for roles, people for names.
+TEST(EachEntry, RolesAreThoseOfTheNames)
+{
+    using catalogue::ParameterRole;
+    for (const Entry& entry : catalogue::Entries()) {
+        for (const Parameter& parameter : entry.parameters) {
+            const auto is = [&](const char* word) { return parameter.name.find(word) != std::string::npos; };
+            const ParameterRole role = is("premultipl")     ? ParameterRole::Premultiplication
+                                       : is("radius")       ? ParameterRole::Radius
+                                       : is("dominant")     ? ParameterRole::DominantInput
+                                       : is("input-offset") ? ParameterRole::InputOffset
+                                       : is("do-filtering") ? ParameterRole::ChromaFilter
+                                       : is("do-dithering") ? ParameterRole::Dither
+                                                            : ParameterRole::None;
+            EXPECT_EQ(parameter.role, role) << entry.name << " " << parameter.name;
+        }
+        EXPECT_EQ(entry.copies, entry.name == "copy");
+    }
+}
+
 TEST(EachEntry, FormatsAreThoseOfVerify)
 {
     for (const Entry& entry : catalogue::Entries()) {

@@ -1,12 +1,12 @@
 /// \file
 /// Parsing by CLI11. Values stay text here, so that messages about them are made in one place.
 #include "tools/vfil/arguments.h"
-#include "tools/vfil/failure.h"
 #include "tools/vfil/text.h"
 
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <map>
 
 namespace vfil::tool {
 
@@ -57,33 +57,13 @@ void RefuseUnknown(const CLI::App& app, const std::vector<Option>& options)
 void RefuseRepeated(const std::vector<Option>& options, const Arguments& arguments)
 {
     for (const Option& option : options) {
-        const std::size_t count = arguments.All(option.name).size();
+        const std::size_t count = arguments.options.All(option.name).size();
         if (option.repeats || count < 2) continue;
         throw RequestError("--" + option.name + " is given " + std::to_string(count) + " times");
     }
 }
 
 } // namespace
-
-std::optional<std::string> Arguments::Get(const std::string& name) const
-{
-    const auto found = options.find(name);
-    return found == options.end() ? std::nullopt : std::optional(found->second.front());
-}
-
-std::vector<std::string> Arguments::All(const std::string& name) const
-{
-    const auto found = options.find(name);
-    return found == options.end() ? std::vector<std::string>() : found->second;
-}
-
-bool Arguments::Flag(const std::string& name) const
-{
-    const std::string value = Get(name).value_or("no");
-    if (value == "yes" || value == "true") return true;
-    if (value == "no" || value == "false") return false;
-    throw RequestError("--" + name + " takes yes or no, not '" + value + "'");
-}
 
 Arguments ParseArguments(const std::vector<Option>& options, std::vector<std::string> words)
 {
@@ -104,7 +84,7 @@ Arguments ParseArguments(const std::vector<Option>& options, std::vector<std::st
     arguments.words = std::move(parser.words);
     arguments.help = parser.help->count() > 0;
     for (const auto& [name, option] : parser.options) {
-        if (option->count() > 0) arguments.options[name] = option->results();
+        if (option->count() > 0) arguments.options.given[name] = option->results();
     }
     RefuseRepeated(options, arguments);
     return arguments;

@@ -2,10 +2,9 @@
 /// The words and options of a command line, taken apart but not yet understood.
 #pragma once
 
+#include "engine/settings.h"
 #include "tools/vfil/options.h"
 
-#include <map>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,18 +12,13 @@ namespace vfil::tool {
 
 /// A command line without its first two words.
 struct Arguments {
-    std::vector<std::string> words;                          ///< what is no option
-    std::map<std::string, std::vector<std::string>> options; ///< those given, with each of their values; a
-                                                             ///< flag has "true" or what stood behind =
-    bool help = false;                                       ///< --help was among them
+    std::vector<std::string> words; ///< what is no option
+    engine::Values options;         ///< those given, with each of their values; a flag has "true" or what
+                                    ///< stood behind =
+    bool help = false;              ///< --help was among them
 
-    bool Has(const std::string& name) const { return options.contains(name); }
-    /// The value of an option that is given once.
-    std::optional<std::string> Get(const std::string& name) const;
-    /// All values of an option that repeats.
-    std::vector<std::string> All(const std::string& name) const;
     /// \throws RequestError for a value that is neither yes nor no.
-    bool Flag(const std::string& name) const;
+    bool Flag(const std::string& name) const { return options.Flag(engine::OfRun(name)); }
 };
 
 /// \param options What the command takes, beside --help.

@@ -1,20 +1,15 @@
 /// \file
-/// Chain files: a job written down. vfil run.
+/// vfil run: chains that stand in files.
 #pragma once
 
 #include "tools/vfil/arguments.h"
 
-#include <vector>
-
 namespace vfil::tool {
 
-/// The options of "vfil run".
-const std::vector<Option>& ChainOptions();
-
-/// Reads chain files; checks each as a whole and runs it before the next.
+/// Checks each chain file as a whole and runs it before the next.
 ///
 /// \param arguments Its words are the names of the files.
-/// \throws RequestError  What is wrong in a file, behind "FILE:LINE: ".
+/// \throws RequestError  What is wrong in a file, with its place.
 /// \throws RunError, Interrupted, host::FileError
 void RunChains(const Arguments& arguments);
 

@@ -2,6 +2,7 @@
 /// The help texts.
 #include "tools/vfil/help.h"
 #include "tools/vfil/text.h"
+#include "tools/vfil/valuetext.h"
 
 #include <algorithm>
 #include <cstddef>

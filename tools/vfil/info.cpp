@@ -1,9 +1,10 @@
 /// \file
 /// vfil info.
+#include "engine/jobparts.h"
 #include "tools/vfil/commands.h"
-#include "tools/vfil/failure.h"
 #include "tools/vfil/report.h"
-#include "tools/vfil/request.h"
+#include "tools/vfil/status.h"
+#include "tools/vfil/text.h"
 
 #include <nlohmann/json.hpp>
 
@@ -20,15 +21,15 @@ using Json = nlohmann::ordered_json;
 void Show(const std::string& path, const Arguments& arguments, Json* records)
 {
     if (!host::IsVideo(path)) {
-        const host::PictureInfo info =
-            host::InspectPicture(path, IsRaw(path) ? RawOptions(arguments) : host::ReadOptions());
+        const host::PictureInfo info = host::InspectPicture(
+            path, engine::IsRaw(path) ? engine::RawOptions(arguments.options) : host::ReadOptions());
         if (records)
             records->push_back(Record(path, info));
         else
             std::cout << path << ": " << Describe(info) << '\n';
         return;
     }
-    const host::VideoReader reader(path, Overrides(arguments));
+    const host::VideoReader reader(path, engine::Overrides(arguments.options));
     if (records) {
         records->push_back(Record(path, reader.Info()));
         return;

@@ -1,7 +1,6 @@
 /// \file
 /// The interrupt key.
 #include "tools/vfil/interrupt.h"
-#include "tools/vfil/failure.h"
 
 #include <csignal>
 
@@ -29,11 +28,6 @@ void CatchInterrupts()
 volatile long* InterruptFlag()
 {
     return &g_interrupted;
-}
-
-void StopIfInterrupted()
-{
-    if (g_interrupted != 0) throw Interrupted();
 }
 
 } // namespace vfil::tool

@@ -8,10 +8,7 @@ namespace vfil::tool {
 /// closed pipe is an error of writing.
 void CatchInterrupts();
 
-/// Not 0 once the user wants to stop; for vfILProcessor::SetInterruptFct.
+/// Not 0 once the user wants to stop; for RunSettings::interrupt.
 volatile long* InterruptFlag();
-
-/// \throws Interrupted when the flag is set.
-void StopIfInterrupted();
 
 } // namespace vfil::tool

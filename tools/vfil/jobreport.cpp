@@ -2,7 +2,8 @@
 /// The reports of a run.
 #include "tools/vfil/jobreport.h"
 #include "catalogue/names.h"
-#include "tools/vfil/options.h"
+#include "engine/runjob.h"
+#include "tools/vfil/progress.h"
 #include "tools/vfil/report.h"
 #include "tools/vfil/text.h"
 
@@ -14,15 +15,21 @@
 namespace vfil::tool {
 
 using catalogue::FormatName;
+using engine::JobPlan;
+using engine::RunResult;
+using engine::SinkPlan;
+using engine::SourcePlan;
+using engine::StepPlan;
+using engine::WrittenFile;
 using Json = nlohmann::ordered_json;
 
 namespace {
 
 // A converter by its command; the host's own for grey.
-std::vector<std::string> ConverterNames(const Conversion& conversion)
+std::vector<std::string> ConverterNames(const engine::Conversion& conversion)
 {
     std::vector<std::string> names;
-    for (const ConversionHop& hop : conversion)
+    for (const engine::ConversionHop& hop : conversion)
         names.push_back(hop.entry ? hop.entry->name : "the host");
     return names;
 }
@@ -63,21 +70,36 @@ Json InputRecords(const JobPlan& plan)
     return records;
 }
 
-Json OutputRecord(const SinkPlan& sink, std::size_t index, const Outputs& outputs)
+// What a picture that was written says of itself.
+host::PictureInfo Inspect(const SinkPlan& sink, const WrittenFile& written)
 {
-    if (!sink.clip) return Record(sink.sink.path, outputs.InspectWritten(index));
+    const std::string& path = sink.sink.path;
+    return host::InspectPicture(path, engine::IsRaw(path) ? written.picture : host::ReadOptions());
+}
+
+// "mpeg2video yuv422p 352x288, 25 frames"
+std::string DescriptionOf(const SinkPlan& sink, const WrittenFile& written)
+{
+    if (!sink.clip) return Describe(Inspect(sink, written));
+    return written.codec + " " + SizeText(sink.settings.width, sink.settings.height) + ", " +
+           std::to_string(written.frames) + (written.frames == 1 ? " frame" : " frames");
+}
+
+Json OutputRecord(const SinkPlan& sink, const WrittenFile& written)
+{
+    if (!sink.clip) return Record(sink.sink.path, Inspect(sink, written));
     return {{"file", sink.sink.path},
-            {"type", outputs.Description(index)},
+            {"type", DescriptionOf(sink, written)},
             {"width", sink.settings.width},
             {"height", sink.settings.height},
             {"format", FormatName(sink.settings.format)},
-            {"frames", outputs.Frames(index)}};
+            {"frames", written.frames}};
 }
 
 Json ConversionRecords(const JobPlan& plan)
 {
     Json records = Json::array();
-    for (const InsertedConversion& inserted : plan.insertions) {
+    for (const engine::InsertedConversion& inserted : plan.insertions) {
         records.push_back({{"of", inserted.label},
                            {"from", FormatName(inserted.from)},
                            {"to", FormatName(inserted.conversion.back().to)},
@@ -86,28 +108,28 @@ Json ConversionRecords(const JobPlan& plan)
     return records;
 }
 
-Json TimeRecord(const Stopwatch& watch)
+Json TimeRecord(const engine::Stopwatch& watch)
 {
     Json record;
-    for (std::size_t i = 0; i < kPhaseNames.size(); ++i)
-        record[kPhaseNames[i]] = watch.Milliseconds()[i];
+    for (std::size_t i = 0; i < engine::kPhaseNames.size(); ++i)
+        record[engine::kPhaseNames[i]] = watch.Milliseconds()[i];
     return record;
 }
 
 // A single command has its step and its output at the top, a chain has lists of them.
-Json RunRecord(const JobPlan& plan, const Outputs& outputs, const RunResult& result)
+Json RunRecord(const JobPlan& plan, const RunResult& result)
 {
     const bool single = plan.steps.size() <= 1 && plan.sinks.size() == 1;
     Json record = Json::object();
     if (single && !plan.steps.empty()) record = StepRecord(plan.steps.front());
     record["inputs"] = InputRecords(plan);
     if (single) {
-        record["output"] = OutputRecord(plan.sinks.front(), 0, outputs);
+        record["output"] = OutputRecord(plan.sinks.front(), result.files.front());
     } else {
         for (const StepPlan& step : plan.steps)
             record["steps"].push_back(StepRecord(step));
         for (std::size_t i = 0; i < plan.sinks.size(); ++i)
-            record["outputs"].push_back(OutputRecord(plan.sinks[i], i, outputs));
+            record["outputs"].push_back(OutputRecord(plan.sinks[i], result.files[i]));
     }
     record["conversions"] = ConversionRecords(plan);
     if (plan.clip) {
@@ -118,34 +140,54 @@ Json RunRecord(const JobPlan& plan, const Outputs& outputs, const RunResult& res
     return record;
 }
 
-} // namespace
+// Remarks and progress on standard error.
+class Terminal final : public engine::RunEvents {
+public:
+    explicit Terminal(const ReportSettings& settings) : m_settings(settings) {}
 
-void Remark(const JobPlan& plan, const std::string& text)
-{
-    if (!plan.settings.quiet) std::cerr << "vfil: " << text << '\n';
-}
-
-void AnnounceRun(const JobPlan& plan)
-{
-    for (const std::string& remark : plan.remarks)
-        Remark(plan, remark);
-    if (!plan.settings.verbose) return;
-    for (const InsertedConversion& inserted : plan.insertions) {
-        Remark(plan, inserted.label + ": " + FormatName(inserted.from) + " to " +
-                         FormatName(inserted.conversion.back().to) + " by " +
-                         Join(ConverterNames(inserted.conversion), ", "));
+    void OnRemark(const std::string& text) override
+    {
+        if (!m_settings.quiet) std::cerr << "vfil: " << text << '\n';
     }
-}
+    void OnConversion(const engine::InsertedConversion& inserted) override
+    {
+        if (!m_settings.verbose) return;
+        OnRemark(inserted.label + ": " + FormatName(inserted.from) + " to " +
+                 FormatName(inserted.conversion.back().to) + " by " +
+                 Join(ConverterNames(inserted.conversion), ", "));
+    }
+    void OnFrames(std::optional<long> count) override { m_progress.emplace(m_settings, count); }
+    void OnFrame() override { m_progress->Tick(); }
+    void OnFramesEnd() override
+    {
+        m_progress->Finish();
+        m_progress.reset();
+    }
 
-void ReportRun(const JobPlan& plan, const Outputs& outputs, const RunResult& result)
+private:
+    ReportSettings m_settings;
+    std::optional<Progress> m_progress;
+};
+
+void Report(const JobPlan& plan, const ReportSettings& settings, const RunResult& result)
 {
-    if (plan.settings.json) {
-        PrintRecord(RunRecord(plan, outputs, result), ReportStream(plan));
+    if (settings.json) {
+        PrintRecord(RunRecord(plan, result), ReportStream(plan));
         return;
     }
-    if (plan.settings.quiet) return;
+    if (settings.quiet) return;
     for (std::size_t i = 0; i < plan.sinks.size(); ++i)
-        ReportStream(plan) << plan.sinks[i].sink.path << ": " << outputs.Description(i) << '\n';
+        ReportStream(plan) << plan.sinks[i].sink.path << ": " << DescriptionOf(plan.sinks[i], result.files[i])
+                           << '\n';
+}
+
+} // namespace
+
+void RunAndReport(const engine::CheckedJob& job, const ReportSettings& settings)
+{
+    Terminal terminal(settings);
+    const RunResult result = engine::RunJob(job, terminal);
+    Report(job.Plan(), settings, result);
 }
 
 } // namespace vfil::tool

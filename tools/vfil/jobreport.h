@@ -1,29 +1,15 @@
 /// \file
-/// What a run says of itself.
+/// The run of a job by the command: what it says of itself, before, meanwhile and after.
 #pragma once
 
-#include "tools/vfil/jobplan.h"
-#include "tools/vfil/outputs.h"
-#include "tools/vfil/stopwatch.h"
-
-#include <string>
+#include "engine/checkjob.h"
+#include "tools/vfil/request.h"
 
 namespace vfil::tool {
 
-/// What a run has to tell when it is done.
-struct RunResult {
-    Stopwatch watch;
-    long frames = 0; ///< of clips
-    double framesPerSecond = 0;
-};
-
-/// A line on standard error, unless the run is quiet.
-void Remark(const JobPlan& plan, const std::string& text);
-
-/// Before a run: what the user should know, and with --verbose the conversions that were inserted.
-void AnnounceRun(const JobPlan& plan);
-
-/// After a run: a line for each file, or a record. On standard error when standard output has a clip.
-void ReportRun(const JobPlan& plan, const Outputs& outputs, const RunResult& result);
+/// Runs a job, and reports on standard output, or on standard error when a clip goes to standard output.
+///
+/// \throws RequestError, RunError, Interrupted, host::FileError
+void RunAndReport(const engine::CheckedJob& job, const ReportSettings& settings);
 
 } // namespace vfil::tool

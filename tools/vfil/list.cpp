@@ -2,10 +2,10 @@
 /// vfil list and vfil help.
 #include "catalogue/names.h"
 #include "tools/vfil/commands.h"
-#include "tools/vfil/failure.h"
 #include "tools/vfil/help.h"
 #include "tools/vfil/report.h"
 #include "tools/vfil/text.h"
+#include "tools/vfil/valuetext.h"
 
 #include <nlohmann/json.hpp>
 

@@ -2,10 +2,11 @@
 /// The command vfil: finds the operator or command, and turns failures into one line and an exit status.
 #include "tools/vfil/chain.h"
 #include "tools/vfil/commands.h"
-#include "tools/vfil/failure.h"
 #include "tools/vfil/interrupt.h"
-#include "tools/vfil/request.h"
+#include "tools/vfil/jobreport.h"
+#include "tools/vfil/status.h"
 #include "tools/vfil/text.h"
+#include "tools/vfil/wording.h"
 
 #include <algorithm>
 #include <iostream>
@@ -14,6 +15,12 @@
 namespace vfil::tool {
 
 namespace {
+
+void Run(engine::Job job, const Arguments& arguments)
+{
+    const ReportSettings reports = MakeReportSettings(arguments);
+    RunAndReport(engine::CheckJob(std::move(job)), reports);
+}
 
 int RunCommand(const Command& command, const std::vector<std::string>& words)
 {
@@ -29,7 +36,7 @@ int RunCommand(const Command& command, const std::vector<std::string>& words)
     if (command.name == "info") return RunInfo(arguments);
     if (command.name == "convert") {
         CatchInterrupts();
-        RunJob(CheckJob(MakeConvertJob(arguments)));
+        Run(MakeConvertJob(arguments), arguments);
     }
     if (command.name == "run") {
         CatchInterrupts();
@@ -54,7 +61,7 @@ int RunOperatorCommand(const catalogue::Entry& entry, const std::vector<std::str
         return kDone;
     }
     CatchInterrupts();
-    RunJob(CheckJob(MakeJob(entry, arguments)));
+    Run(MakeJob(entry, arguments), arguments);
     return kDone;
 }
 
@@ -75,10 +82,11 @@ int Dispatch(const std::string& name, const std::vector<std::string>& words)
 template <class Work>
 int Guarded(const std::string& name, Work work)
 {
-    const auto fail = [&](const char* text, int status) {
+    const auto fail = [&](const std::string& text, int status) {
         std::cerr << name << ": " << text << '\n';
         return status;
     };
+    const Wording wording = name == "vfil run" ? Wording::Entries : Wording::Options;
     try {
         const int status = work();
         std::cout.flush();
@@ -86,10 +94,12 @@ int Guarded(const std::string& name, Work work)
     } catch (const host::PipeClosed&) {
         return kDone;
     } catch (const RequestError& error) {
-        return fail(error.what(), kWrongRequest);
+        return fail(LineOf(error.What(), wording), kWrongRequest);
+    } catch (const engine::RunError& error) {
+        return fail(LineOf(error.What(), wording), kRunFailed);
     } catch (const host::FileError& error) {
         return fail(error.what(), kWrongRequest);
-    } catch (const Interrupted& error) {
+    } catch (const engine::Interrupted& error) {
         return fail(error.what(), kInterrupted);
     } catch (const std::bad_alloc&) {
         return fail("memory is short for pictures of this size", kRunFailed);

@@ -1,13 +1,11 @@
 /// \file
 /// The options of the command.
 #include "tools/vfil/options.h"
-#include "tools/vfil/chain.h"
+#include "engine/settings.h"
 #include "tools/vfil/text.h"
+#include "tools/vfil/valuetext.h"
 
-#include <catalogue/names.h>
-
-#include <algorithm>
-#include <utility>
+#include <map>
 
 namespace vfil::tool {
 
@@ -16,39 +14,6 @@ using catalogue::Parameter;
 using catalogue::ParameterType;
 
 namespace {
-
-std::vector<std::string> ChoiceNames(const Parameter& parameter)
-{
-    std::vector<std::string> names;
-    for (const catalogue::Choice& choice : parameter.choices)
-        names.emplace_back(choice.name);
-    return names;
-}
-
-std::string Placeholder(const Parameter& parameter)
-{
-    switch (parameter.type) {
-    case ParameterType::Number:
-        return "NUMBER";
-    case ParameterType::Integer:
-        return "INTEGER";
-    case ParameterType::Choice:
-        return Join(ChoiceNames(parameter), "|");
-    case ParameterType::Set:
-        return "NAME,...";
-    case ParameterType::Flag:
-        return "";
-    case ParameterType::Point:
-        return "X,Y";
-    case ParameterType::Pair:
-        return "X[,Y]";
-    case ParameterType::Colour:
-        return "R,G,B,A";
-    case ParameterType::Table:
-        return kTablePlaceholder;
-    }
-    return "";
-}
 
 std::string ParameterSummary(const Parameter& parameter)
 {
@@ -66,23 +31,9 @@ std::string ParameterSummary(const Parameter& parameter)
     return std::string(parameter.summary) + " (" + Join(notes, "; ") + ")";
 }
 
-Option FileOption(const Parameter& parameter)
+std::string FileSummary(const Parameter& parameter)
 {
-    return {.name = FileOptionOf(parameter),
-            .letter = "",
-            .value = "FILE",
-            .summary = "a file with the table for --" + parameter.name +
-                       ", a row a line; what follows a # is a remark",
-            .file = true};
-}
-
-std::vector<std::string> AllFormatNames()
-{
-    std::vector<std::string> names;
-    for (std::size_t i = 0; const vfILFormatInfo* info = vfILFormatAt(i); ++i) {
-        names.push_back(catalogue::FormatName(info->id));
-    }
-    return names;
+    return "a file with the table for --" + parameter.name + ", a row a line; what follows a # is a remark";
 }
 
 Option OutputOption()
@@ -93,8 +44,23 @@ Option OutputOption()
         .value = "FILE",
         .summary =
             "the file to write, required: a picture (.png, .jpg, .jpeg, .tif, .tiff or .raw) or a clip; - "
-            "is a clip on standard output",
-        .file = true};
+            "is a clip on standard output"};
+}
+
+// Settings as options; each has its summary among those given.
+std::vector<Option> Described(const std::vector<engine::Setting>& settings,
+                              const std::map<std::string, std::string>& summaries)
+{
+    std::vector<Option> options;
+    for (const engine::Setting& setting : settings) {
+        options.push_back({.name = setting.name,
+                           .letter = "",
+                           .value = setting.form,
+                           .summary = summaries.at(setting.name),
+                           .choices = setting.choices,
+                           .repeats = setting.repeats});
+    }
+    return options;
 }
 
 std::vector<Option> Combine(const std::vector<std::vector<Option>>& groups)
@@ -107,108 +73,73 @@ std::vector<Option> Combine(const std::vector<std::vector<Option>>& groups)
 
 } // namespace
 
-std::string FileOptionOf(const Parameter& parameter)
-{
-    return parameter.name + "-file";
-}
-
 std::vector<Option> ParameterOptions(const Entry& entry)
 {
-    std::vector<Option> options;
+    std::map<std::string, std::string> summaries;
     for (const Parameter& parameter : entry.parameters) {
-        options.push_back({.name = parameter.name,
-                           .letter = "",
-                           .value = Placeholder(parameter),
-                           .summary = ParameterSummary(parameter),
-                           .choices = ChoiceNames(parameter)});
-        if (parameter.type == ParameterType::Table) options.push_back(FileOption(parameter));
+        summaries[parameter.name] = ParameterSummary(parameter);
+        summaries[engine::FileSettingOf(parameter)] = FileSummary(parameter);
     }
-    return options;
+    return Described(engine::ParameterSettings(entry), summaries);
 }
 
 const std::vector<Option>& StepOptions()
 {
-    static const std::vector<Option> options = {
-        {"roi", "", "X,Y,W,H",
-         "region of the first picture to work on, in pixels, x and y of its bottom-left corner with y up "
-         "(default the whole dominant picture)"},
-        {"output-offset", "", "X,Y",
-         "where the bottom-left pixel of the region lands in the output, in pixels, y up (default 0,0)"},
-        {"output-size", "", "WxH",
-         "size of the output in pixels (default that of the region plus the output offset)"},
-        {.name = "mask",
-         .letter = "",
-         .value = "FILE[:CHANNEL]",
-         .summary =
-             "picture or clip that bounds the operation by its box and, where the operator samples it, "
-             "mixes the result with the input by one channel: red, green, blue, alpha or mono (default "
-             "mono for a grey picture, alpha for one with alpha, else red); its depth follows the "
-             "pictures",
-         .file = true},
-        {"mask-offset", "", "X,Y",
-         "position of the mask's bottom-left pixel in the first picture, in pixels, y up (default 0,0)"},
-        {"channels", "", "LETTERS",
-         "channels to work on, letters of rgba (default what 'vfil help OPERATOR' says, without a for a "
-         "picture that has no alpha)"},
-        {"fields",
-         "",
-         "odd|even",
-         "work only on rows with odd or even y, counted from the bottom row, which is 0; the others show the "
-         "dominant picture",
-         {"odd", "even"}},
-        {"default-color", "", "R,G,B,A",
-         "colour of output pixels that have no source, each component 0 .. 1 (default 0,0,0,0)"},
-    };
+    static const std::vector<Option> options = Described(
+        engine::StepSettings(),
+        {
+            {"roi", "region of the first picture to work on, in pixels, x and y of its bottom-left corner "
+                    "with y up (default the whole dominant picture)"},
+            {"output-offset",
+             "where the bottom-left pixel of the region lands in the output, in pixels, y up (default 0,0)"},
+            {"output-size",
+             "size of the output in pixels (default that of the region plus the output offset)"},
+            {"mask",
+             "picture or clip that bounds the operation by its box and, where the operator samples it, mixes "
+             "the result with the input by one channel: red, green, blue, alpha or mono (default mono for a "
+             "grey picture, alpha for one with alpha, else red); its depth follows the pictures"},
+            {"mask-offset",
+             "position of the mask's bottom-left pixel in the first picture, in pixels, y up (default 0,0)"},
+            {"channels", "channels to work on, letters of rgba (default what 'vfil help OPERATOR' says, "
+                         "without a for a picture that has no alpha)"},
+            {"fields", "work only on rows with odd or even y, counted from the bottom row, which is 0; the "
+                       "others show the dominant picture"},
+            {"default-color",
+             "colour of output pixels that have no source, each component 0 .. 1 (default 0,0,0,0)"},
+        });
     return options;
 }
 
 const std::vector<Option>& SourceOptions()
 {
-    static const std::vector<Option> options = {
-        {"format",
-         "",
-         "FORMAT",
-         "format to which the pictures and clips are converted when read (default as the file has it)",
-         {"rgba32", "rgba64", "mono8", "mono16"}},
-        {"in-format", "", "FORMAT", "format of .raw pictures", AllFormatNames()},
-        {"in-size", "", "WxH", "size of .raw pictures in pixels"},
-        {"matrix",
-         "",
-         "601|709",
-         "weights of the YCC colour of clips, when the file is wrong or does not say",
-         {"601", "709"}},
-        {"range", "", "studio|full", "range of the samples of clips, likewise", {"studio", "full"}},
-        {"field-order",
-         "",
-         "ORDER",
-         "which field of an interlaced clip comes first, likewise",
-         {"top", "bottom", "progressive"}},
-        {"premultiplied",
-         "",
-         "yes|no",
-         "whether the colour of pictures and clips is multiplied by their alpha, likewise",
-         {"yes", "no"}},
-    };
+    static const std::vector<Option> options = Described(
+        engine::SourceSettings(),
+        {
+            {"format",
+             "format to which the pictures and clips are converted when read (default as the file has it)"},
+            {"in-format", "format of .raw pictures"},
+            {"in-size", "size of .raw pictures in pixels"},
+            {"matrix", "weights of the YCC colour of clips, when the file is wrong or does not say"},
+            {"range", "range of the samples of clips, likewise"},
+            {"field-order", "which field of an interlaced clip comes first, likewise"},
+            {"premultiplied",
+             "whether the colour of pictures and clips is multiplied by their alpha, likewise"},
+        });
     return options;
 }
 
 const std::vector<Option>& SinkOptions()
 {
-    static const std::vector<Option> options = {
-        {"to", "", "FORMAT",
-         "format of the result, to which it is converted before it is written (default that of the first "
-         "picture or clip, as far as the file can hold it)",
-         AllFormatNames()},
-        {"codec", "", "NAME",
-         "codec of the clip to write (default that of the first clip where it will do, else the "
-         "container's)"},
-        {.name = "codec-option",
-         .letter = "",
-         .value = "NAME=VALUE",
-         .summary = "option of the codec, such as crf=18; may be given several times",
-         .repeats = true},
-        {"container", "", "NAME", "container of the clip to write (default by the name's ending, nut for -)"},
-    };
+    static const std::vector<Option> options = Described(
+        engine::SinkSettings(),
+        {
+            {"to", "format of the result, to which it is converted before it is written (default that of the "
+                   "first picture or clip, as far as the file can hold it)"},
+            {"codec", "codec of the clip to write (default that of the first clip where it will do, else the "
+                      "container's)"},
+            {"codec-option", "option of the codec, such as crf=18; may be given several times"},
+            {"container", "container of the clip to write (default by the name's ending, nut for -)"},
+        });
     return options;
 }
 
@@ -253,8 +184,7 @@ std::vector<Option> OutputOptions(const Entry& entry)
         options.push_back({.name = entry.outputs[i].role,
                            .letter = "",
                            .value = "FILE",
-                           .summary = entry.outputs[i].summary,
-                           .file = true});
+                           .summary = entry.outputs[i].summary});
     }
     return options;
 }
@@ -263,6 +193,25 @@ std::vector<Option> OptionsOf(const Entry& entry)
 {
     return Combine({ParameterOptions(entry), OutputOptions(entry), SharedOptions()});
 }
+
+namespace {
+
+std::vector<Option> ChainOptions()
+{
+    return Combine({{{.name = "input",
+                      .letter = "",
+                      .value = "NAME=FILE",
+                      .summary = "read this file for the input of that name; may be given several times",
+                      .repeats = true},
+                     {.name = "output",
+                      .letter = "o",
+                      .value = "NAME=FILE",
+                      .summary = "write the output of that name to this file; may be given several times",
+                      .repeats = true}},
+                    RunOptions()});
+}
+
+} // namespace
 
 const std::vector<Command>& Commands()
 {
@@ -297,128 +246,6 @@ std::vector<std::string> CommandNames()
     for (const Command& command : Commands())
         names.push_back(command.name);
     return names;
-}
-
-std::string PictureNames(const Entry& entry)
-{
-    std::vector<std::string> names;
-    for (const catalogue::Input& input : entry.inputs) {
-        const std::string role = UpperCase(input.role);
-        names.push_back(input.optional ? "[" + role + "]" : role);
-    }
-    return Join(names, " ");
-}
-
-std::string FormatNames(const std::vector<GUID>& formats)
-{
-    std::vector<std::string> names;
-    names.reserve(formats.size());
-    for (const GUID& format : formats)
-        names.push_back(catalogue::FormatName(format));
-    return Join(names, ", ");
-}
-
-std::string ChannelLetters(unsigned long mode)
-{
-    std::string letters;
-    for (const auto& [bit, letter] : {std::pair{VFIL_MODE_RED, 'r'}, std::pair{VFIL_MODE_GREEN, 'g'},
-                                      std::pair{VFIL_MODE_BLUE, 'b'}, std::pair{VFIL_MODE_ALPHA, 'a'}}) {
-        if (mode & bit) letters += letter;
-    }
-    return letters;
-}
-
-std::string RangeText(const Parameter& parameter)
-{
-    std::string range = NumberText(parameter.minimum) + " .. " + NumberText(parameter.maximum);
-    switch (parameter.type) {
-    case ParameterType::Choice:
-        return Join(ChoiceNames(parameter), ", ");
-    case ParameterType::Set:
-        return "one or more of " + Join(ChoiceNames(parameter), ", ");
-    case ParameterType::Flag:
-        return "yes, no";
-    case ParameterType::Point:
-        return "whole numbers";
-    case ParameterType::Pair:
-        return "a number or two, " + range;
-    case ParameterType::Colour:
-        return "components " + range;
-    case ParameterType::Table:
-        return "rows of numbers " + range + ", the top one first, such as '0 1 0; 1 1 1; 0 1 0'";
-    case ParameterType::Integer:
-        return "whole numbers " + range;
-    case ParameterType::Number:
-        break;
-    }
-    return range;
-}
-
-namespace {
-
-std::string ChoiceText(const Parameter& parameter, double value)
-{
-    for (const catalogue::Choice& choice : parameter.choices)
-        if (choice.value == value) return choice.name;
-    return NumberText(value);
-}
-
-std::string SetText(const Parameter& parameter, double value)
-{
-    std::vector<std::string> names;
-    for (const catalogue::Choice& choice : parameter.choices) {
-        if (choice.value == value) return choice.name;
-        const auto bits = static_cast<unsigned long>(choice.value);
-        if ((static_cast<unsigned long>(value) & bits) == bits) names.emplace_back(choice.name);
-    }
-    return Join(names, ",");
-}
-
-std::string TableText(const catalogue::Table& table)
-{
-    std::string text;
-    for (std::size_t i = 0; i < table.numbers.size(); ++i) {
-        if (i > 0) text += i % static_cast<std::size_t>(table.columns) == 0 ? "; " : " ";
-        text += NumberText(table.numbers[i]);
-    }
-    return text.empty() ? "none" : text;
-}
-
-std::string NumberTexts(const std::vector<double>& numbers)
-{
-    std::vector<std::string> texts(numbers.size());
-    std::transform(numbers.begin(), numbers.end(), texts.begin(), NumberText);
-    return Join(texts, ",");
-}
-
-} // namespace
-
-std::string ValueText(const Parameter& parameter, const catalogue::Value& value)
-{
-    switch (parameter.type) {
-    case ParameterType::Choice:
-        return ChoiceText(parameter, value.x);
-    case ParameterType::Set:
-        return SetText(parameter, value.x);
-    case ParameterType::Flag:
-        return value.x != 0 ? "yes" : "no";
-    case ParameterType::Point:
-    case ParameterType::Pair:
-        return NumberTexts({value.x, value.y});
-    case ParameterType::Colour:
-        return NumberTexts({value.x, value.y, value.z, value.w});
-    case ParameterType::Table:
-        return TableText(value.table);
-    case ParameterType::Integer:
-    case ParameterType::Number:
-        break;
-    }
-    return NumberText(value.x);
-}
-
-std::string DefaultText(const Parameter& parameter)
-{
-    return parameter.fallback ? ValueText(parameter, *parameter.fallback) : "as the picture says";
 }
 
 } // namespace vfil::tool

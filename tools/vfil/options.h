@@ -16,15 +16,8 @@ struct Option {
     std::string value;  ///< what stands for the value in help; "" for a flag
     std::string summary;
     std::vector<std::string> choices = {}; ///< the words that it takes, when these are few
-    bool file = false;                     ///< takes the path of a file
     bool repeats = false;                  ///< may be given more than once
 };
-
-/// The value of an option that takes a table of numbers, in help.
-inline constexpr const char* kTablePlaceholder = "TABLE";
-
-/// The option that takes the value of a parameter, which is a table, from a file.
-std::string FileOptionOf(const catalogue::Parameter& parameter);
 
 /// The options that the parameters of an operator make.
 std::vector<Option> ParameterOptions(const catalogue::Entry& entry);
@@ -62,23 +55,5 @@ const std::vector<Command>& Commands();
 
 /// The names of all operators and commands.
 std::vector<std::string> CommandNames();
-
-/// The pictures that an operator reads, as in a usage line: "BACK FRONT", "FILL [KEY]".
-std::string PictureNames(const catalogue::Entry& entry);
-
-/// The names of formats: "rgba32, rgba64".
-std::string FormatNames(const std::vector<GUID>& formats);
-
-/// The letters of the channels in a mode: "rgba".
-std::string ChannelLetters(unsigned long mode);
-
-/// The values that a parameter takes, in words: "0 .. 1", "zero, full, computed".
-std::string RangeText(const catalogue::Parameter& parameter);
-
-/// A value of a parameter as one writes it: "0.5", "computed", "yes", "3,-2".
-std::string ValueText(const catalogue::Parameter& parameter, const catalogue::Value& value);
-
-/// The default of a parameter in words.
-std::string DefaultText(const catalogue::Parameter& parameter);
 
 } // namespace vfil::tool

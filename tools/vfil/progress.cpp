@@ -19,7 +19,7 @@ namespace {
 constexpr auto kInterval = std::chrono::milliseconds(200);
 constexpr long kBarColumns = 30;
 
-ProgressStyle StyleOf(const RunSettings& settings)
+ProgressStyle StyleOf(const ReportSettings& settings)
 {
     if (settings.quiet) return ProgressStyle::None;
     if (settings.progress != ProgressStyle::Auto || isatty(STDERR_FILENO) != 0) return settings.progress;
@@ -28,7 +28,7 @@ ProgressStyle StyleOf(const RunSettings& settings)
 
 } // namespace
 
-Progress::Progress(const RunSettings& settings, std::optional<long> frames)
+Progress::Progress(const ReportSettings& settings, std::optional<long> frames)
     : m_style(StyleOf(settings)), m_frames(frames)
 {}
 

@@ -2,7 +2,7 @@
 /// How far a run on clips is.
 #pragma once
 
-#include "tools/vfil/job.h"
+#include "tools/vfil/request.h"
 
 #include <chrono>
 #include <optional>
@@ -14,7 +14,7 @@ namespace vfil::tool {
 class Progress {
 public:
     /// \param frames How many there will be; absent when nobody knows.
-    Progress(const RunSettings& settings, std::optional<long> frames);
+    Progress(const ReportSettings& settings, std::optional<long> frames);
     /// Wipes the bar.
     ~Progress();
     Progress(const Progress&) = delete;
@@ -24,12 +24,11 @@ public:
     void Tick();
     /// Shows the last state.
     void Finish();
-    long Frames() const { return m_done; }
-    double FramesPerSecond() const;
 
 private:
     using Clock = std::chrono::steady_clock;
 
+    double FramesPerSecond() const;
     void Show();
     void ShowBar(std::optional<double> secondsLeft);
     void ShowRecord(std::optional<double> secondsLeft);

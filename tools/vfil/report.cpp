@@ -2,7 +2,8 @@
 /// Descriptions of pictures.
 #include "tools/vfil/report.h"
 #include "catalogue/names.h"
-#include "tools/vfil/options.h"
+#include "tools/vfil/text.h"
+#include "tools/vfil/valuetext.h"
 
 #include <nlohmann/json.hpp>
 
@@ -79,11 +80,6 @@ std::string RatioText(const host::Ratio& ratio)
 }
 
 } // namespace
-
-std::string SizeText(long width, long height)
-{
-    return std::to_string(width) + "x" + std::to_string(height);
-}
 
 const char* AlphaName(host::AlphaState alpha)
 {

@@ -14,9 +14,6 @@
 
 namespace vfil::tool {
 
-/// "720x576"
-std::string SizeText(long width, long height);
-
 /// "none", "straight" or "premultiplied"
 const char* AlphaName(host::AlphaState alpha);
 

@@ -74,6 +74,9 @@ struct VideoInfo {
     std::vector<std::string> remarks;      ///< what was contradictory or lost, a line each, with the remedy
 };
 
+/// What a reader holds open: the file, its decoder and what is known of both. Private to the host.
+class VFIL_LOCAL ClipInput;
+
 /// Reads a clip in order.
 ///
 /// An object is for one thread at a time; different objects are independent.
@@ -93,12 +96,11 @@ public:
     /// Passes over one frame without converting it. False behind the last. Throws as Read does.
     bool Skip();
 
-    class VFIL_LOCAL Impl;
-    /// For the writer that is to make a clip like this one.
-    const Impl& Inside() const { return *m_impl; }
+    /// What a writer takes after that is to make a clip like this one.
+    const ClipInput& Input() const { return *m_input; }
 
 private:
-    std::unique_ptr<Impl> m_impl;
+    std::unique_ptr<ClipInput> m_input;
 };
 
 /// What a clip is to be.

@@ -1,0 +1,97 @@
+/// \file
+/// A job that has been checked: what flows from where to where, in which format, and what is done to it.
+#pragma once
+
+#include "engine/conversion.h"
+#include "engine/job.h"
+
+#include <cstddef>
+
+namespace vfil::engine {
+
+/// Something that flows through a job: what a source gives or a step makes.
+struct Signal {
+    std::string name;
+    std::string label; ///< in messages: the path of a source, the name of a result
+    GUID format{};
+    long width = 0;
+    long height = 0;
+    bool clip = false;     ///< changes from frame to frame
+    bool alpha = false;    ///< its first input had an alpha channel that counts
+    bool mayClear = false; ///< an operator may have made pixels clear that have no alpha otherwise
+    GUID home{};           ///< the format in which it is written, as far as the file takes it
+    std::optional<std::size_t> clipRoot; ///< the first source behind it that is a clip
+};
+
+/// A source with what its file says.
+struct SourcePlan {
+    Source source;
+    host::PictureInfo picture;                 ///< of a picture
+    std::shared_ptr<host::VideoReader> reader; ///< of a clip
+    Conversion conversion;                     ///< of frames as they are read to the format of the signal
+    std::size_t signal = 0;
+
+    bool IsClip() const { return reader != nullptr; }
+};
+
+/// An input of a step: a signal on its way into the format in which the step works.
+struct StepInput {
+    std::optional<std::size_t> signal; ///< none for an optional input that is missing
+    Conversion conversion;
+};
+
+/// The mask of a step.
+struct MaskPlan {
+    StepInput input;
+    PXImageChannel channel = PXImageChannel_MONO;
+    vfILBbox2l box; ///< in the first picture
+};
+
+/// A step whose pictures, regions and output have been checked, as far as this goes without reading pixels.
+struct StepPlan {
+    Step step;
+    std::vector<StepInput> inputs;
+    std::vector<std::optional<std::size_t>> outputs; ///< signals; none for what is not wanted
+    GUID resultFormat{};
+    GUID format{};            ///< of the inputs, converted
+    std::size_t dominant = 0; ///< index of the input that shows where two do not overlap
+    vfILBbox2l dominantBox;   ///< on the plane of the region
+    vfILBbox2l roi;
+    vfILVector2l outputOffset;
+    vfILVector2l outputSize;
+    std::optional<MaskPlan> mask;
+    bool clip = false;     ///< runs once a frame
+    bool multiply = false; ///< straight inputs are multiplied by their alpha first
+};
+
+/// A sink with what goes into its file.
+struct SinkPlan {
+    Sink sink;
+    std::size_t signal = 0;
+    Conversion conversion;
+    bool clip = false;            ///< the file is a clip
+    bool checkOpaque = false;     ///< the file shows no alpha, and the signal may have got some
+    host::VideoSettings settings; ///< of a clip
+};
+
+/// A conversion that was inserted, for reports.
+struct InsertedConversion {
+    std::string label; ///< of what is converted
+    GUID from{};
+    Conversion conversion;
+};
+
+/// A checked job. Steps stand in the order in which they run.
+struct JobPlan {
+    RunSettings settings;
+    std::vector<SourcePlan> sources;
+    std::vector<StepPlan> steps;
+    std::vector<SinkPlan> sinks;
+    std::vector<Signal> signals;
+    std::vector<InsertedConversion> insertions;
+    std::vector<std::string> remarks; ///< what the user should know before the run, a line each
+    bool clip = false;                ///< anything changes from frame to frame
+    bool loses16Bits = false;         ///< somewhere; said once
+};
+
+} // namespace vfil::engine

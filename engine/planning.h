@@ -1,0 +1,34 @@
+/// \file
+/// The parts of CheckJob, and what they share. Private to the engine.
+#pragma once
+
+#include "engine/jobplan.h"
+
+namespace vfil::engine {
+
+/// The record of a format of the library.
+const vfILFormatInfo& InfoOf(const GUID& format);
+bool IsMono(const GUID& format);
+/// Whether samples have 16 bits.
+bool IsDeep(const GUID& format);
+
+/// Opens a source and adds its signal.
+void PlanSource(JobPlan& plan, Source source);
+/// Checks a step whose inputs are planned, and adds its results.
+void PlanStep(JobPlan& plan, Step step);
+/// Checks a sink.
+void PlanSink(JobPlan& plan, Sink sink);
+
+using Signals = std::vector<const Signal*>;
+
+/// The format in which a step works on its inputs.
+///
+/// \throws RequestError when there is none
+GUID WorkingFormat(const Step& step, const Signals& inputs);
+
+/// The signal of a name, or none.
+std::optional<std::size_t> FindSignal(const JobPlan& plan, const std::string& name);
+/// The conversion of a signal to a format, noted among the insertions. None when there is none.
+std::optional<Conversion> Insert(JobPlan& plan, const Signal& signal, const GUID& to);
+
+} // namespace vfil::engine

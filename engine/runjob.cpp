@@ -1,0 +1,181 @@
+/// \file
+/// RunJob: pictures once, frames by workers.
+#include "engine/runjob.h"
+#include "catalogue/names.h"
+#include "engine/feed.h"
+#include "engine/interrupt.h"
+#include "engine/outputs.h"
+#include "engine/planning.h"
+#include "engine/stage.h"
+#include "engine/workers.h"
+#include "host/pixelrows.h"
+#include <vfil/host/picturefactory.h>
+
+#include <algorithm>
+#include <chrono>
+#include <thread>
+
+namespace vfil::engine {
+
+namespace {
+
+bool HasClearPixels(const host::Picture& picture)
+{
+    const vfILFormatInfo& info = picture.FormatInfo();
+    if (!info.alpha) return false;
+    if (!info.alphaPlane) return !host::IsOpaque(picture);
+    const std::uint8_t* plane = std::min(picture.AlphaRow(0), picture.AlphaRow(picture.Height() - 1));
+    const auto pixels =
+        static_cast<std::size_t>(picture.Width()) * static_cast<std::size_t>(picture.Height());
+    return std::any_of(plane, plane + pixels, [](std::uint8_t alpha) { return alpha != 255; });
+}
+
+// A codec without alpha shows clear pixels as if they were opaque: nobody wants to find that out later.
+void CheckOpaque(const JobPlan& plan, const SinkPlan& sink, const host::Picture& picture)
+{
+    if (!sink.checkOpaque || !HasClearPixels(picture)) return;
+    const std::string format = catalogue::FormatName(sink.settings.format);
+    Message remedy = "; " + Named("to") + " " + format + " keeps them";
+    if (!InfoOf(sink.settings.format).alpha) {
+        remedy = "; " + Named("to") + " rgba32 with " + Named("codec") +
+                 " qtrle (.mov) or ffv1 (.mkv) keeps them, and " + Named("to") + " " + format + " drops them";
+    }
+    throw RunError(sink.sink.path + " shows no alpha, and " + plan.signals[sink.signal].label +
+                   " has clear pixels" + remedy);
+}
+
+// What goes into the files of all sinks whose pictures a stage makes.
+std::vector<host::PicturePtr> SinkPictures(const JobPlan& plan, Stage& stage, Stopwatch& watch)
+{
+    std::vector<host::PicturePtr> pictures(plan.sinks.size());
+    for (std::size_t i = 0; i < pictures.size(); ++i) {
+        const host::PicturePtr& signal = stage.Signal(plan.sinks[i].signal);
+        if (!signal) continue;
+        CheckOpaque(plan, plan.sinks[i], *signal);
+        pictures[i] = stage.ForSink(i, watch);
+    }
+    return pictures;
+}
+
+void Write(const std::vector<host::PicturePtr>& pictures, Outputs& outputs, Stopwatch& watch)
+{
+    watch.Start();
+    for (std::size_t i = 0; i < pictures.size(); ++i) {
+        if (pictures[i]) outputs.Write(i, pictures[i]);
+    }
+    watch.Lap(Phase::Write);
+}
+
+// Frames through all steps.
+class FrameWorker final : public Worker {
+public:
+    FrameWorker(const JobPlan& plan, const Stage& pictures, Feed& feed, Outputs& outputs, RunEvents& events)
+        : m_plan(plan), m_stage(plan, &pictures), m_feed(feed), m_outputs(outputs), m_events(events)
+    {}
+
+    bool Take() override
+    {
+        StopIfInterrupted(m_plan.settings.interrupt);
+        m_watch.Start();
+        m_frames = m_feed.Frames();
+        m_watch.Lap(Phase::Read);
+        return !m_frames.empty();
+    }
+
+    void Work() override
+    {
+        m_stage.Run(m_frames, m_watch);
+        m_made = SinkPictures(m_plan, m_stage, m_watch);
+    }
+
+    void Deliver() override
+    {
+        Write(m_made, m_outputs, m_watch);
+        ++m_delivered;
+        m_events.OnFrame();
+    }
+
+    const Stopwatch& Watch() const { return m_watch; }
+    long Frames() const { return m_delivered; }
+
+private:
+    const JobPlan& m_plan;
+    Stage m_stage;
+    Feed& m_feed;
+    Outputs& m_outputs;
+    RunEvents& m_events;
+    Stopwatch m_watch;
+    long m_delivered = 0;
+    std::vector<host::PicturePtr> m_frames;
+    std::vector<host::PicturePtr> m_made;
+};
+
+unsigned WorkerCount(const RunSettings& settings)
+{
+    if (settings.threads != 0) return settings.threads;
+    return std::max(1U, std::thread::hardware_concurrency());
+}
+
+void RunFrames(const JobPlan& plan, const Stage& pictures, Outputs& outputs, RunEvents& events,
+               RunResult& result)
+{
+    Feed feed(plan);
+    events.OnFrames(feed.Count());
+    const auto start = std::chrono::steady_clock::now();
+    std::vector<std::unique_ptr<Worker>> workers;
+    std::vector<const FrameWorker*> frameWorkers;
+    for (unsigned i = 0; i < WorkerCount(plan.settings); ++i) {
+        auto worker = std::make_unique<FrameWorker>(plan, pictures, feed, outputs, events);
+        frameWorkers.push_back(worker.get());
+        workers.push_back(std::move(worker));
+    }
+    try {
+        WorkerLine().Run(workers);
+    } catch (const Interrupted&) {
+        // The frames so far are worth keeping.
+        outputs.FinishClips();
+        throw;
+    }
+    for (const FrameWorker* worker : frameWorkers) {
+        result.watch.Add(worker->Watch());
+        result.frames += worker->Frames();
+    }
+    const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    result.framesPerSecond = seconds > 0 ? static_cast<double>(result.frames) / seconds : 0;
+    events.OnFramesEnd();
+    if (!feed.Remark().empty()) events.OnRemark(feed.Remark());
+}
+
+void Announce(const JobPlan& plan, RunEvents& events)
+{
+    for (const std::string& remark : plan.remarks)
+        events.OnRemark(remark);
+    for (const InsertedConversion& inserted : plan.insertions)
+        events.OnConversion(inserted);
+}
+
+} // namespace
+
+RunResult RunJob(const CheckedJob& job, RunEvents& events)
+{
+    const JobPlan& plan = job.Plan();
+    host::RegisterPictureClass();
+    Announce(plan, events);
+    RunResult result;
+    Stopwatch& watch = result.watch;
+    watch.Start();
+    const std::vector<host::PicturePtr> sources = Feed(plan).Pictures();
+    watch.Lap(Phase::Read);
+    Stage pictures(plan);
+    pictures.Run(sources, watch);
+    Outputs outputs(plan, events);
+    Write(SinkPictures(plan, pictures, watch), outputs, watch);
+    if (plan.clip) RunFrames(plan, pictures, outputs, events, result);
+    watch.Start();
+    outputs.Finish();
+    watch.Lap(Phase::Write);
+    result.files = outputs.Written();
+    return result;
+}
+
+} // namespace vfil::engine

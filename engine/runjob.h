@@ -1,0 +1,15 @@
+/// \file
+/// The run of a job.
+#pragma once
+
+#include "engine/checkjob.h"
+#include "engine/runevents.h"
+
+namespace vfil::engine {
+
+/// Runs a job on all frames, once. After an interrupt the clips are finished with the frames so far.
+///
+/// \throws RequestError, RunError, Interrupted, host::FileError, host::PipeClosed
+RunResult RunJob(const CheckedJob& job, RunEvents& events);
+
+} // namespace vfil::engine

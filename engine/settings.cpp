@@ -1,0 +1,141 @@
+/// \file
+/// The settings of sources, steps and sinks.
+#include "engine/settings.h"
+#include "engine/failure.h"
+#include "engine/text.h"
+#include "engine/words.h"
+
+#include <catalogue/names.h>
+
+#include <algorithm>
+
+namespace vfil::engine {
+
+using catalogue::Parameter;
+using catalogue::ParameterType;
+
+namespace {
+
+std::string FormOf(const Parameter& parameter)
+{
+    switch (parameter.type) {
+    case ParameterType::Number:
+        return "NUMBER";
+    case ParameterType::Integer:
+        return "INTEGER";
+    case ParameterType::Choice:
+        return Join(ChoiceNames(parameter), "|");
+    case ParameterType::Set:
+        return "NAME,...";
+    case ParameterType::Flag:
+        return "";
+    case ParameterType::Point:
+        return "X,Y";
+    case ParameterType::Pair:
+        return "X[,Y]";
+    case ParameterType::Colour:
+        return "R,G,B,A";
+    case ParameterType::Table:
+        return kTableForm;
+    }
+    return "";
+}
+
+std::vector<std::string> AllFormatNames()
+{
+    std::vector<std::string> names;
+    for (std::size_t i = 0; const vfILFormatInfo* info = vfILFormatAt(i); ++i)
+        names.push_back(catalogue::FormatName(info->id));
+    return names;
+}
+
+} // namespace
+
+const std::vector<Setting>& SourceSettings()
+{
+    static const std::vector<Setting> settings = {
+        {"format", "FORMAT", {"rgba32", "rgba64", "mono8", "mono16"}},
+        {"in-format", "FORMAT", AllFormatNames()},
+        {"in-size", kSizeForm},
+        {"matrix", "601|709", {"601", "709"}},
+        {"range", "studio|full", {"studio", "full"}},
+        {"field-order", "ORDER", {"top", "bottom", "progressive"}},
+        {"premultiplied", "yes|no", {"yes", "no"}},
+    };
+    return settings;
+}
+
+const std::vector<Setting>& StepSettings()
+{
+    static const std::vector<Setting> settings = {
+        {"roi", "X,Y,W,H"},
+        {"output-offset", "X,Y"},
+        {"output-size", kSizeForm},
+        {"mask", "FILE[:CHANNEL]"},
+        {"mask-offset", "X,Y"},
+        {"channels", "LETTERS"},
+        {"fields", "odd|even", {"odd", "even"}},
+        {"default-color", "R,G,B,A"},
+    };
+    return settings;
+}
+
+const std::vector<Setting>& SinkSettings()
+{
+    static const std::vector<Setting> settings = {
+        {"to", "FORMAT", AllFormatNames()},
+        {"codec", "NAME"},
+        {.name = "codec-option", .form = "NAME=VALUE", .repeats = true},
+        {"container", "NAME"},
+    };
+    return settings;
+}
+
+std::string FileSettingOf(const Parameter& parameter)
+{
+    return parameter.name + "-file";
+}
+
+std::vector<Setting> ParameterSettings(const catalogue::Entry& entry)
+{
+    std::vector<Setting> settings;
+    for (const Parameter& parameter : entry.parameters) {
+        settings.push_back({parameter.name, FormOf(parameter), ChoiceNames(parameter)});
+        if (parameter.type == ParameterType::Table) settings.push_back({FileSettingOf(parameter), "FILE"});
+    }
+    return settings;
+}
+
+std::vector<Setting> SettingsOfStep(const catalogue::Entry& entry)
+{
+    std::vector<Setting> settings = ParameterSettings(entry);
+    settings.insert(settings.end(), StepSettings().begin(), StepSettings().end());
+    if (entry.conversions.empty()) return settings;
+    // What a sink converts to is what an operator with conversions makes.
+    const auto to = std::find_if(SinkSettings().begin(), SinkSettings().end(),
+                                 [](const Setting& setting) { return setting.name == "to"; });
+    settings.push_back(*to);
+    return settings;
+}
+
+std::optional<std::string> Values::Get(const std::string& name) const
+{
+    const auto found = given.find(name);
+    return found == given.end() ? std::nullopt : std::optional(found->second.front());
+}
+
+std::vector<std::string> Values::All(const std::string& name) const
+{
+    const auto found = given.find(name);
+    return found == given.end() ? std::vector<std::string>() : found->second;
+}
+
+bool Values::Flag(const SettingName& setting) const
+{
+    const std::string value = Get(setting.name).value_or("no");
+    if (value == "yes" || value == "true") return true;
+    if (value == "no" || value == "false") return false;
+    throw RequestError(setting + " takes yes or no, not '" + value + "'");
+}
+
+} // namespace vfil::engine

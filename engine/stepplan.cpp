@@ -1,0 +1,272 @@
+/// \file
+/// The part of CheckJob that holds a step against what flows into it.
+#include "catalogue/names.h"
+#include "engine/failure.h"
+#include "engine/planning.h"
+#include "engine/text.h"
+#include "engine/words.h"
+
+#include <algorithm>
+#include <cstdint>
+
+namespace vfil::engine {
+
+using catalogue::Entry;
+using catalogue::FormatName;
+using catalogue::ParameterRole;
+
+namespace {
+
+constexpr unsigned long kFieldBits = VFIL_MODE_ODD_ROWS | VFIL_MODE_EVEN_ROWS;
+
+Message RegionSettings()
+{
+    return Named("roi") + ", " + Named("output-offset") + " and " + Named("output-size");
+}
+
+const Signal& SignalOf(const JobPlan& plan, const StepInput& input)
+{
+    return plan.signals[*input.signal];
+}
+
+// The input that the result takes after: the first, unless that is missing.
+const Signal& FirstOf(const JobPlan& plan, const StepPlan& planned)
+{
+    return SignalOf(plan, *std::find_if(planned.inputs.begin(), planned.inputs.end(),
+                                        [](const StepInput& input) { return input.signal.has_value(); }));
+}
+
+const Signal& DominantOf(const JobPlan& plan, const StepPlan& planned)
+{
+    return planned.dominant == 0 ? FirstOf(plan, planned) : SignalOf(plan, planned.inputs[planned.dominant]);
+}
+
+void PlanInputs(JobPlan& plan, StepPlan& planned)
+{
+    Signals inputs;
+    for (const std::string& name : planned.step.inputs) {
+        if (!name.empty()) inputs.push_back(&plan.signals[*FindSignal(plan, name)]);
+    }
+    if (inputs.empty()) throw RequestError(planned.step.entry->name + " needs at least one input");
+    planned.format = WorkingFormat(planned.step, inputs);
+    for (const std::string& name : planned.step.inputs) {
+        if (name.empty()) {
+            planned.inputs.emplace_back();
+            continue;
+        }
+        const std::size_t signal = *FindSignal(plan, name);
+        planned.inputs.push_back({signal, *Insert(plan, plan.signals[signal], planned.format)});
+        planned.clip = planned.clip || plan.signals[signal].clip;
+    }
+}
+
+void PlanDominant(const JobPlan& plan, StepPlan& planned)
+{
+    vfILVector2l offset;
+    for (const auto& [parameter, value] : planned.step.parameters) {
+        if (parameter->role == ParameterRole::DominantInput) planned.dominant = value.x == 0 ? 0 : 1;
+        if (parameter->role == ParameterRole::InputOffset) {
+            offset = vfILVector2l(static_cast<long>(value.x), static_cast<long>(value.y));
+        }
+    }
+    const Signal& input = DominantOf(plan, planned);
+    planned.dominantBox = vfILBbox2l(0, 0, input.width, input.height);
+    if (planned.dominant != 0) planned.dominantBox.SetOffset(offset);
+}
+
+void PlanRoi(const JobPlan& plan, StepPlan& planned)
+{
+    const Step& step = planned.step;
+    const vfILVector2l size = planned.dominantBox.GetSize();
+    if (!step.roi) {
+        // What of the picture does not fit an output of a given size is left out.
+        const vfILVector2l room = step.outputSize ? *step.outputSize - planned.outputOffset : size;
+        planned.roi = vfILBbox2l(0, 0, std::min(size[0], room[0]), std::min(size[1], room[1]));
+        return;
+    }
+    planned.roi = *step.roi;
+    const vfILBbox2l& roi = planned.roi;
+    if (!(roi & planned.dominantBox).IsNull()) return;
+    throw RequestError(Named("roi") + " " +
+                       NumberList({roi.GetOffsetX(), roi.GetOffsetY(), roi.GetSizeX(), roi.GetSizeY()}) +
+                       " lies outside " + DominantOf(plan, planned).label + ", which is " +
+                       SizeText(size[0], size[1]));
+}
+
+void CheckOutputSize(const GUID& format, const vfILVector2l& size)
+{
+    const auto pixels = static_cast<std::uint64_t>(size[0]) * static_cast<std::uint64_t>(size[1]);
+    const auto pixelBytes = static_cast<std::uint64_t>(InfoOf(format).pixelBytes);
+    const long side = std::max(size[0], size[1]);
+    if (side <= host::kMaxFileSide && pixels <= host::kMaxFileBytes / pixelBytes) return;
+    throw RequestError("an output of " + SizeText(size[0], size[1]) + " is too large; see " +
+                       RegionSettings());
+}
+
+void PlanRegions(const JobPlan& plan, StepPlan& planned)
+{
+    planned.outputOffset = planned.step.outputOffset.value_or(vfILVector2l());
+    const vfILVector2l& offset = planned.outputOffset;
+    if (offset[0] < 0 || offset[1] < 0) {
+        throw RequestError(Named("output-offset") + " " + NumberList({offset[0], offset[1]}) +
+                           " is out of range: X and Y are at least 0");
+    }
+    PlanRoi(plan, planned);
+    const vfILVector2l end = planned.roi.GetSize() + offset;
+    planned.outputSize = planned.step.outputSize.value_or(end);
+    const vfILVector2l& size = planned.outputSize;
+    if (planned.roi.IsNull() || end[0] > size[0] || end[1] > size[1]) {
+        throw RequestError("the region does not fit the output of " + SizeText(size[0], size[1]) + "; see " +
+                           RegionSettings());
+    }
+    CheckOutputSize(planned.format, size);
+}
+
+PXImageChannel MaskChannel(const StepMask& mask, const Signal& signal)
+{
+    const bool mono = IsMono(signal.format);
+    if (!mask.channel)
+        return mono ? PXImageChannel_MONO : signal.alpha ? PXImageChannel_ALPHA : PXImageChannel_RED;
+    if (mono == (*mask.channel == PXImageChannel_MONO)) return *mask.channel;
+    throw RequestError(Named("mask") + " " + signal.label + " is a " + (mono ? "grey" : "colour") +
+                       " picture: its channel is " + (mono ? "mono" : "red, green, blue or alpha"));
+}
+
+void PlanMask(JobPlan& plan, StepPlan& planned)
+{
+    if (!planned.step.mask) return;
+    const StepMask& mask = *planned.step.mask;
+    const std::size_t index = *FindSignal(plan, mask.input);
+    const Signal signal = plan.signals[index];
+    if (IsRaw(signal.label))
+        throw RequestError(Named("mask") + " " + signal.label + ": a mask is no .raw picture");
+    MaskPlan made;
+    made.channel = MaskChannel(mask, signal);
+    const bool deep = IsDeep(planned.format);
+    const GUID colour = deep ? PXFormat_RGBA64 : PXFormat_RGBA32;
+    const GUID grey = deep ? PXFormat_Mono16 : PXFormat_Mono8;
+    made.input = {index, *Insert(plan, signal, IsMono(signal.format) ? grey : colour)};
+    made.box = vfILBbox2l(mask.offset[0], mask.offset[1], signal.width, signal.height);
+    if ((made.box & planned.roi).IsNull()) {
+        throw RequestError(Named("mask") + " " + signal.label + ", at " +
+                           NumberList({mask.offset[0], mask.offset[1]}) + " and of " +
+                           SizeText(signal.width, signal.height) + ", does not touch the region; see " +
+                           Named("mask-offset"));
+    }
+    planned.mask = made;
+    planned.clip = planned.clip || signal.clip;
+}
+
+// A picture without alpha stays one: the rounding of a filter would make it a little clear.
+void LeaveFullAlpha(const JobPlan& plan, StepPlan& planned)
+{
+    Step& step = planned.step;
+    const Signal& first = FirstOf(plan, planned);
+    if (!step.usualChannels || step.entry->inputs.size() > 1 || first.alpha || first.mayClear) return;
+    step.mode &= ~(VFIL_MODE_ALPHA & ~step.entry->fixedChannels);
+}
+
+// Operators whose result is multiplied let the dominant picture through where the two do not overlap:
+// straight colour would stand beside multiplied colour there. Who states a premultiplication gets the class's
+// own behaviour.
+bool WorksMultiplied(const StepPlan& planned)
+{
+    const auto& parameters = planned.step.parameters;
+    const bool stated = std::any_of(parameters.begin(), parameters.end(), [](const auto& given) {
+        return given.first->role == ParameterRole::Premultiplication;
+    });
+    const bool rgba = planned.format == PXFormat_RGBA32 || planned.format == PXFormat_RGBA64;
+    const bool filtersColourAlone =
+        planned.step.entry->inputs.size() == 1 && (planned.step.mode & VFIL_MODE_ALPHA) == 0;
+    return planned.step.entry->multiplied && rgba && !stated && !filtersColourAlone;
+}
+
+// Of the formats that the operator makes of the one in which it works the wanted one, else one with the
+// matrix of the first source.
+GUID ResultFormat(const JobPlan& plan, const StepPlan& planned)
+{
+    const Step& step = planned.step;
+    std::vector<GUID> formats;
+    for (const catalogue::FormatPair& pair : step.entry->conversions) {
+        if (pair.from == planned.format) formats.push_back(pair.to);
+    }
+    if (formats.empty()) return planned.format;
+    if (!step.to) {
+        const GUID& home = FirstOf(plan, planned).home;
+        const auto likeHome = std::find_if(formats.begin(), formats.end(), [&](const GUID& format) {
+            return InfoOf(format).model == InfoOf(home).model;
+        });
+        return likeHome == formats.end() ? formats.front() : *likeHome;
+    }
+    if (std::find(formats.begin(), formats.end(), *step.to) != formats.end()) return *step.to;
+    throw RequestError(step.entry->name + " does not make " + FormatName(*step.to) + " of " +
+                       FormatName(planned.format) + "; it makes " + FormatNames(formats));
+}
+
+void CheckTaken(const Step& step)
+{
+    if (step.mask && step.entry->mask == catalogue::MaskUse::None)
+        throw RequestError(step.entry->name + " takes no " + Named("mask"));
+    if (!step.entry->whole) return;
+    if (step.roi || step.outputOffset || step.outputSize || (step.mode & kFieldBits) != 0) {
+        throw RequestError(step.entry->name + " works on whole pictures: it takes no " + Named("roi") + ", " +
+                           Named("output-offset") + ", " + Named("output-size") + " and " + Named("fields"));
+    }
+}
+
+Signal ResultSignal(const JobPlan& plan, const StepPlan& planned)
+{
+    const Signal& first = FirstOf(plan, planned);
+    Signal result = first;
+    result.format = planned.resultFormat;
+    if (!planned.step.entry->conversions.empty()) result.home = result.format;
+    result.width = planned.outputSize[0];
+    result.height = planned.outputSize[1];
+    result.clip = planned.clip;
+    const Step& step = planned.step;
+    const bool whole = planned.outputSize == planned.dominantBox.GetSize() && !step.roi;
+    const bool copies = catalogue::IsConverter(*step.entry) || step.entry->copies;
+    const bool writesAlpha = (step.mode & VFIL_MODE_ALPHA) != 0 && !copies;
+    result.mayClear = first.mayClear || writesAlpha || !whole || planned.dominant != 0;
+    for (const StepInput& input : planned.inputs) {
+        if (!result.clipRoot && input.signal) result.clipRoot = SignalOf(plan, input).clipRoot;
+    }
+    if (!InfoOf(result.format).alpha) result.alpha = result.mayClear = false;
+    // What joins a key to a fill makes alpha.
+    if (InfoOf(result.format).alpha && !InfoOf(planned.format).alpha && !copies) result.alpha = true;
+    if (!result.clipRoot && planned.mask) result.clipRoot = SignalOf(plan, planned.mask->input).clipRoot;
+    return result;
+}
+
+void AddResults(JobPlan& plan, StepPlan& planned)
+{
+    Signal result = ResultSignal(plan, planned);
+    for (const std::string& name : planned.step.results) {
+        planned.outputs.emplace_back();
+        if (name.empty()) continue;
+        planned.outputs.back() = plan.signals.size();
+        result.name = name;
+        result.label = name;
+        plan.signals.push_back(result);
+    }
+}
+
+} // namespace
+
+void PlanStep(JobPlan& plan, Step step)
+{
+    CheckTaken(step);
+    StepPlan planned;
+    planned.step = std::move(step);
+    PlanInputs(plan, planned);
+    LeaveFullAlpha(plan, planned);
+    PlanDominant(plan, planned);
+    PlanRegions(plan, planned);
+    PlanMask(plan, planned);
+    planned.multiply = WorksMultiplied(planned);
+    planned.resultFormat = ResultFormat(plan, planned);
+    AddResults(plan, planned);
+    plan.steps.push_back(std::move(planned));
+}
+
+} // namespace vfil::engine

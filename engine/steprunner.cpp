@@ -1,0 +1,161 @@
+/// \file
+/// The run of one step: prepare, connect, check, execute.
+#include "engine/steprunner.h"
+#include "engine/interrupt.h"
+#include "host/pixelrows.h"
+
+namespace vfil::engine {
+
+namespace {
+
+constexpr unsigned long kFieldBits = VFIL_MODE_ODD_ROWS | VFIL_MODE_EVEN_ROWS;
+
+} // namespace
+
+StepRunner::StepRunner(const JobPlan& plan, const StepPlan& step)
+    : m_plan(plan), m_step(step), m_op(step.step.entry->make(!plan.settings.plain))
+{
+    for (const StepInput& input : step.inputs)
+        m_inputs.push_back({Converter(input.conversion, plan.settings), {}});
+    if (step.mask) m_mask.emplace(step.mask->input.conversion, plan.settings);
+    m_outputs.resize(step.outputs.size());
+}
+
+// Whether the picture has no clear pixel for sure, so that its colour is the same multiplied. Those that do
+// not change are shared among threads, and multiplied once like any other.
+bool StepRunner::IsOpaqueFrame(std::size_t input) const
+{
+    const StepInput& plan = m_step.inputs[input];
+    if (!plan.signal) return false;
+    const Signal& signal = m_plan.signals[*plan.signal];
+    return signal.clip && !signal.alpha && !signal.mayClear;
+}
+
+// What output pixels without a source take.
+vfILColor StepRunner::FillColor() const
+{
+    const vfILColor& color = m_step.step.defaultColor;
+    const double alpha = color.GetAlpha();
+    if (!m_step.multiply) return color;
+    return {color.GetRed() * alpha, color.GetGreen() * alpha, color.GetBlue() * alpha, alpha};
+}
+
+// Whether the operator writes every pixel of the output by itself.
+bool StepRunner::Covers() const
+{
+    const bool whole = m_step.outputSize == m_step.roi.GetSize();
+    return whole && (m_step.step.mode & kFieldBits) == 0;
+}
+
+host::PicturePtr StepRunner::PrepareInput(std::size_t index, const host::PicturePtr& picture,
+                                          Stopwatch& watch)
+{
+    watch.Start();
+    host::PicturePtr prepared = m_inputs[index].converter.Convert(picture);
+    watch.Lap(Phase::Convert);
+    if (m_step.multiply && !prepared->Premultiplied()) Multiply(index, prepared);
+    watch.Lap(Phase::Prepare);
+    return prepared;
+}
+
+void StepRunner::Multiply(std::size_t index, host::PicturePtr& picture)
+{
+    if (IsOpaqueFrame(index)) return;
+    const host::PicturePtr made =
+        m_inputs[index].multiplied.Get(picture->Format(), picture->Width(), picture->Height());
+    for (long y = 0; y < picture->Height(); ++y) {
+        StopIfInterrupted(m_plan.settings.interrupt);
+        host::PremultiplyRow(picture->Row(y), picture->FormatInfo().sampleBytes, made->Row(y),
+                             picture->Width());
+    }
+    made->SetPremultiplied(true);
+    picture = made;
+}
+
+host::PicturePtr StepRunner::PrepareMask(const host::PicturePtr& picture, Stopwatch& watch)
+{
+    watch.Start();
+    host::PicturePtr prepared = m_mask->Convert(picture);
+    watch.Lap(Phase::Convert);
+    return prepared;
+}
+
+void StepRunner::Connect(const std::vector<host::PicturePtr>& inputs, const host::PicturePtr& mask)
+{
+    for (std::size_t i = 0; i < inputs.size(); ++i)
+        m_op->SetInput(i, inputs[i].Get());
+    for (std::size_t i = 0; i < m_outputs.size(); ++i) {
+        const host::PicturePtr output = Output(i);
+        // Operators that know better say so after the run.
+        if (output && inputs.front()) output->SetPremultiplied(inputs.front()->Premultiplied());
+        m_op->SetOutput(i, output.Get());
+    }
+    if (m_op->Frame()) PlaceRegion(*m_op->Frame(), mask);
+    m_op->Processor().SetProcessingMode(m_step.step.mode);
+    for (const auto& [parameter, value] : m_step.step.parameters)
+        parameter->apply(m_op->Processor(), value);
+}
+
+void StepRunner::PlaceRegion(vfILImgProc& processor, const host::PicturePtr& mask) const
+{
+    processor.SetDefaultColor(FillColor());
+    if (!Covers()) {
+        // The whole output takes the default colour, also what lies outside the target.
+        processor.SetROI(vfILBbox2l(0, 0, m_step.outputSize[0], m_step.outputSize[1]));
+        processor.SetOutputOffset({});
+        processor.SetProcessingMode(VFIL_MODE_RGBA);
+        processor.FillOutputImage(FillColor());
+    }
+    processor.SetROI(m_step.roi);
+    processor.SetOutputOffset(m_step.outputOffset);
+    if (mask) processor.SetMask(m_step.mask->box, mask.Get(), m_step.mask->channel);
+}
+
+// Rows of the other field show the dominant picture, as they do for a host that works in place.
+void StepRunner::ShowOtherField(const host::PicturePtr& dominant)
+{
+    if ((m_step.step.mode & kFieldBits) == 0) return;
+    const catalogue::Entry& entry = catalogue::Copier();
+    const std::unique_ptr<catalogue::Operator> copy = entry.make(!m_plan.settings.plain);
+    copy->SetInput(0, dominant.Get());
+    copy->SetOutput(0, Output(0).Get());
+    vfILBbox2l region = m_step.roi;
+    region.SetOffset(region.GetOffset() - m_step.dominantBox.GetOffset());
+    copy->Frame()->SetROI(region);
+    copy->Frame()->SetOutputOffset(m_step.outputOffset);
+    copy->Frame()->SetDefaultColor(FillColor());
+    Execute(entry, copy->Processor(), m_plan.settings.interrupt);
+}
+
+host::PicturePtr StepRunner::Output(std::size_t index)
+{
+    if (!m_step.outputs[index]) return {};
+    return m_outputs[index].Get(m_step.resultFormat, m_step.outputSize[0], m_step.outputSize[1]);
+}
+
+std::vector<host::PicturePtr> StepRunner::Run(const std::vector<host::PicturePtr>& inputs,
+                                              const host::PicturePtr& mask, Stopwatch& watch)
+{
+    watch.Start();
+    // Opaque frames count as multiplied here; what other steps see of them stays.
+    std::vector<host::PicturePtr> lent;
+    for (std::size_t i = 0; m_step.multiply && i < inputs.size(); ++i) {
+        if (!IsOpaqueFrame(i) || inputs[i]->Premultiplied()) continue;
+        inputs[i]->SetPremultiplied(true);
+        lent.push_back(inputs[i]);
+    }
+    Connect(inputs, mask);
+    ShowOtherField(inputs[m_step.dominant]);
+    watch.Lap(Phase::Prepare);
+    Concerning(m_step.step.where, NameOf(m_step.step),
+               [&] { Execute(*m_step.step.entry, m_op->Processor(), m_plan.settings.interrupt); });
+    for (const host::PicturePtr& picture : lent)
+        picture->SetPremultiplied(false);
+    watch.Lap(Phase::Run);
+    std::vector<host::PicturePtr> results;
+    for (std::size_t i = 0; i < m_outputs.size(); ++i)
+        results.push_back(Output(i));
+    return results;
+}
+
+} // namespace vfil::engine

@@ -1,0 +1,71 @@
+/// \file
+/// Words.
+#include "engine/words.h"
+#include "engine/text.h"
+
+#include <catalogue/names.h>
+
+namespace vfil::engine {
+
+using catalogue::Parameter;
+using catalogue::ParameterType;
+
+std::string FormatNames(const std::vector<GUID>& formats)
+{
+    std::vector<std::string> names;
+    names.reserve(formats.size());
+    for (const GUID& format : formats)
+        names.push_back(catalogue::FormatName(format));
+    return Join(names, ", ");
+}
+
+std::string ChannelLetters(unsigned long mode)
+{
+    std::string letters;
+    for (const auto& [bit, letter] : {std::pair{VFIL_MODE_RED, 'r'}, std::pair{VFIL_MODE_GREEN, 'g'},
+                                      std::pair{VFIL_MODE_BLUE, 'b'}, std::pair{VFIL_MODE_ALPHA, 'a'}}) {
+        if (mode & bit) letters += letter;
+    }
+    return letters;
+}
+
+std::string SizeText(long width, long height)
+{
+    return std::to_string(width) + "x" + std::to_string(height);
+}
+
+std::vector<std::string> ChoiceNames(const Parameter& parameter)
+{
+    std::vector<std::string> names;
+    for (const catalogue::Choice& choice : parameter.choices)
+        names.emplace_back(choice.name);
+    return names;
+}
+
+std::string RangeText(const Parameter& parameter)
+{
+    std::string range = NumberText(parameter.minimum) + " .. " + NumberText(parameter.maximum);
+    switch (parameter.type) {
+    case ParameterType::Choice:
+        return Join(ChoiceNames(parameter), ", ");
+    case ParameterType::Set:
+        return "one or more of " + Join(ChoiceNames(parameter), ", ");
+    case ParameterType::Flag:
+        return "yes, no";
+    case ParameterType::Point:
+        return "whole numbers";
+    case ParameterType::Pair:
+        return "a number or two, " + range;
+    case ParameterType::Colour:
+        return "components " + range;
+    case ParameterType::Table:
+        return "rows of numbers " + range + ", the top one first, such as '0 1 0; 1 1 1; 0 1 0'";
+    case ParameterType::Integer:
+        return "whole numbers " + range;
+    case ParameterType::Number:
+        break;
+    }
+    return range;
+}
+
+} // namespace vfil::engine

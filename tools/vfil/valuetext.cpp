@@ -1,0 +1,91 @@
+/// \file
+/// Texts of values.
+#include "tools/vfil/valuetext.h"
+#include "tools/vfil/text.h"
+
+#include <algorithm>
+
+namespace vfil::tool {
+
+using catalogue::Entry;
+using catalogue::Parameter;
+using catalogue::ParameterType;
+
+std::string PictureNames(const Entry& entry)
+{
+    std::vector<std::string> names;
+    for (const catalogue::Input& input : entry.inputs) {
+        const std::string role = UpperCase(input.role);
+        names.push_back(input.optional ? "[" + role + "]" : role);
+    }
+    return Join(names, " ");
+}
+
+namespace {
+
+std::string ChoiceText(const Parameter& parameter, double value)
+{
+    for (const catalogue::Choice& choice : parameter.choices)
+        if (choice.value == value) return choice.name;
+    return NumberText(value);
+}
+
+std::string SetText(const Parameter& parameter, double value)
+{
+    std::vector<std::string> names;
+    for (const catalogue::Choice& choice : parameter.choices) {
+        if (choice.value == value) return choice.name;
+        const auto bits = static_cast<unsigned long>(choice.value);
+        if ((static_cast<unsigned long>(value) & bits) == bits) names.emplace_back(choice.name);
+    }
+    return Join(names, ",");
+}
+
+std::string TableText(const catalogue::Table& table)
+{
+    std::string text;
+    for (std::size_t i = 0; i < table.numbers.size(); ++i) {
+        if (i > 0) text += i % static_cast<std::size_t>(table.columns) == 0 ? "; " : " ";
+        text += NumberText(table.numbers[i]);
+    }
+    return text.empty() ? "none" : text;
+}
+
+std::string NumberTexts(const std::vector<double>& numbers)
+{
+    std::vector<std::string> texts(numbers.size());
+    std::transform(numbers.begin(), numbers.end(), texts.begin(), NumberText);
+    return Join(texts, ",");
+}
+
+} // namespace
+
+std::string ValueText(const Parameter& parameter, const catalogue::Value& value)
+{
+    switch (parameter.type) {
+    case ParameterType::Choice:
+        return ChoiceText(parameter, value.x);
+    case ParameterType::Set:
+        return SetText(parameter, value.x);
+    case ParameterType::Flag:
+        return value.x != 0 ? "yes" : "no";
+    case ParameterType::Point:
+    case ParameterType::Pair:
+        return NumberTexts({value.x, value.y});
+    case ParameterType::Colour:
+        return NumberTexts({value.x, value.y, value.z, value.w});
+    case ParameterType::Table:
+        return TableText(value.table);
+    case ParameterType::Integer:
+    case ParameterType::Number:
+        break;
+    }
+    return NumberText(value.x);
+}
+
+std::string DefaultText(const Parameter& parameter)
+{
+    return parameter.fallback ? ValueText(parameter, *parameter.fallback) : "as the picture says";
+}
+
+} // namespace vfil::tool

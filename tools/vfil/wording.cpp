@@ -1,0 +1,38 @@
+/// \file
+/// Messages as lines.
+#include "tools/vfil/wording.h"
+
+namespace vfil::tool {
+
+namespace {
+
+struct Words {
+    Wording wording;
+
+    std::string operator()(const std::string& text) const { return text; }
+    std::string operator()(const engine::SettingName& setting) const
+    {
+        const bool entry = wording == Wording::Entries && !setting.ofRun;
+        return (entry ? "" : "--") + setting.name;
+    }
+    std::string operator()(engine::OutputFile) const { return "-o"; }
+    std::string operator()(const engine::OperatorUse& use) const
+    {
+        if (wording == Wording::Entries)
+            return "a step of '" + use.name + "' with " + use.setting + " = [" + use.value + "]";
+        return "'vfil " + use.name + " IN -o OUT --" + use.setting + " " + use.value + "'";
+    }
+    std::string operator()(const engine::HelpOn& help) const { return "'vfil help " + help.name + "'"; }
+};
+
+} // namespace
+
+std::string LineOf(const engine::Fault& fault, Wording wording)
+{
+    std::string line = fault.where;
+    for (const engine::Message::Part& part : fault.text.Parts())
+        line += std::visit(Words{wording}, part);
+    return line;
+}
+
+} // namespace vfil::tool

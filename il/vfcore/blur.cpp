@@ -87,7 +87,7 @@ vfILStatus vfILBlurImg::Verify()
     if (VerifyFrame(GetClassNameW()) != VFIL_SUCCESS) return VFIL_FAILURE;
     if (!IsKnown(m_type)) return UnknownType();
     if (m_type == VFIL_BLUR_BOX && !BoxFormats::Contains(OutputFormat())) {
-        return Fail(0x1000D, "%s ERROR Verify: Invalid image format \n", GetClassNameW());
+        return Fail(0x1000D, GetClassNameW());
     }
     if (!(m_degree >= 0 && m_degree <= 1)) {
         return Fail(0x10026, "%s ERROR Verify: Degree of blurring is not in range [0..1]\n", GetClassNameW());
@@ -148,7 +148,7 @@ vfILStatus vfILBlurImg::BuildKernel()
 
 vfILStatus vfILBlurImg::UnknownType()
 {
-    return Fail(0x10024, "%s ERROR Verify: Type of blurring is unknown\n", GetClassNameW());
+    return Fail(0x10024, GetClassNameW());
 }
 
 vfILStatus vfILBlurImg::NoKernel()
@@ -233,7 +233,7 @@ vfILStatus vfILBlurImg::DoEffect()
     if (HasKernel()) return vfILConvolveImg::DoEffect();
     if (!IsKnown(m_type)) return UnknownType();
     if (IsRecursive() ? BlurRecursively() : BlurBox()) return VFIL_SUCCESS;
-    return Fail(0x10001, "%s ERROR DoEffect: insufficient memory space\n", GetClassNameW());
+    return Fail(0x10001, GetClassNameW());
 }
 
 /// False when memory is short.

@@ -34,17 +34,12 @@ vfILStatus vfILCompositeImg::Verify()
     SetProcessingMode(GetProcessingMode() | VFIL_MODE_RGBA);
     SetDominantInput(GetInputImgA());
     if (vfILDyadicPixelProc::Verify() != VFIL_SUCCESS) return VFIL_FAILURE;
-    if (!RgbaFormats::Contains(OutputFormat())) {
-        return Fail(0x1000D, "%s ERROR Verify: Invalid image format \n", GetClassNameW());
-    }
-    if (GetMaskImg() == nullptr)
-        return Fail(0x10059, "%s ERROR Verify: Mask image must be used\n", GetClassNameW());
-    if (!(m_alpha >= 0.0 && m_alpha <= 1.0)) {
-        return Fail(0x10012, "%s ERROR Verify: Alpha invalid\n", GetClassNameW());
-    }
+    if (!RgbaFormats::Contains(OutputFormat())) return Fail(0x1000D, GetClassNameW());
+    if (GetMaskImg() == nullptr) return Fail(0x10059, GetClassNameW());
+    if (!(m_alpha >= 0.0 && m_alpha <= 1.0)) return Fail(0x10012, GetClassNameW());
     if (m_alphaMode != VFIL_ALPHA_ZERO && m_alphaMode != VFIL_ALPHA_FULL &&
         m_alphaMode != VFIL_ALPHA_COMPUTED) {
-        return Fail(0x1005A, "%s ERROR Verify: Alpha mode invalid\n", GetClassNameW());
+        return Fail(0x1005A, GetClassNameW());
     }
     return VFIL_SUCCESS;
 }

@@ -196,7 +196,7 @@ vfILConvolveImg::~vfILConvolveImg() = default;
 vfILStatus vfILConvolveImg::Verify()
 {
     if (VerifyFrame(GetClassNameW()) != VFIL_SUCCESS) return VFIL_FAILURE;
-    if (m_kernel == nullptr) return Fail(0x10021, "%s ERROR Verify: Kernel is NULL\n", GetClassNameW());
+    if (m_kernel == nullptr) return Fail(0x10021, GetClassNameW());
     return VFIL_SUCCESS;
 }
 

@@ -34,18 +34,12 @@ const wchar_t* vfILDyadicImgProc::GetClassNameW() const
 vfILStatus vfILDyadicImgProc::Verify()
 {
     if (vfILImgProc::Verify() != VFIL_SUCCESS) return VFIL_FAILURE;
-    if (m_inputImgA == nullptr)
-        return Fail(0x10013, "%s ERROR Verify: Input image A is NULL\n", GetClassNameW());
-    if (m_inputImgB == nullptr)
-        return Fail(0x10014, "%s ERROR Verify: Input image B is NULL\n", GetClassNameW());
-    if (!ImageView(m_inputImgA).HasPixels()) {
-        return Fail(0x10015, "%s ERROR Verify: Input image A pixel array is NULL\n", GetClassNameW());
-    }
-    if (!ImageView(m_inputImgB).HasPixels()) {
-        return Fail(0x10016, "%s ERROR Verify: Input image B pixel array is NULL\n", GetClassNameW());
-    }
+    if (m_inputImgA == nullptr) return Fail(0x10013, GetClassNameW());
+    if (m_inputImgB == nullptr) return Fail(0x10014, GetClassNameW());
+    if (!ImageView(m_inputImgA).HasPixels()) return Fail(0x10015, GetClassNameW());
+    if (!ImageView(m_inputImgB).HasPixels()) return Fail(0x10016, GetClassNameW());
     if (m_dominantInput == nullptr || (m_dominantInput != m_inputImgA && m_dominantInput != m_inputImgB)) {
-        return Fail(0x10017, "%s ERROR Verify: Invalid dominant input image\n", GetClassNameW());
+        return Fail(0x10017, GetClassNameW());
     }
     if (GetOutputImg() == GetMaskImg() && VerifyOwnMask() != VFIL_SUCCESS) return VFIL_FAILURE;
     return VerifyTopDownInputs();
@@ -66,7 +60,7 @@ vfILStatus vfILDyadicImgProc::VerifyOwnMask()
         inPlace = inPlace && GetROI().GetOffset()[i] == GetOutputOffset()[i] + moved;
     }
     if (m_dominantInput != GetMaskImg() || channels <= 1 || written || !inPlace) {
-        return Fail(0x1006C, "%s ERROR Verify: Output image is used as mask\n", GetClassNameW());
+        return Fail(0x1006C, GetClassNameW());
     }
     return VFIL_SUCCESS;
 }
@@ -76,12 +70,9 @@ vfILStatus vfILDyadicImgProc::VerifyTopDownInputs()
     const ImageView output(GetOutputImg());
     if (!output.format->topDown) return VFIL_SUCCESS;
     if (!(ImageView(m_inputImgA).Box() == output.Box()) || !(ImageView(m_inputImgB).Box() == output.Box())) {
-        return Fail(0x10062, "%s ERROR Verify: Input/Output images must have the same size\n",
-                    GetClassNameW());
+        return Fail(0x10062, GetClassNameW());
     }
-    if (m_inputOffset[0] != 0 || m_inputOffset[1] != 0) {
-        return Fail(0x10061, "%s ERROR Verify: Input offset not supported\n", GetClassNameW());
-    }
+    if (m_inputOffset[0] != 0 || m_inputOffset[1] != 0) return Fail(0x10061, GetClassNameW());
     return VFIL_SUCCESS;
 }
 

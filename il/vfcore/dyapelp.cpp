@@ -24,8 +24,7 @@ vfILStatus vfILDyadicPixelProc::Verify()
     if (vfILDyadicImgProc::Verify() != VFIL_SUCCESS) return VFIL_FAILURE;
     const GUID output = OutputFormat();
     if (!(FormatOf(GetInputImgA()) == output) || !(FormatOf(GetInputImgB()) == output)) {
-        return Fail(0x1000E, "%s ERROR: Verify(): Input and output image formats do not match\n",
-                    GetClassNameW());
+        return Fail(0x1000E, GetClassNameW());
     }
     return VFIL_SUCCESS;
 }

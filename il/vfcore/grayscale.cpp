@@ -20,9 +20,7 @@ vfILStatus vfILGrayscaleImg::Verify()
     if (!RgbaFormats::Contains(OutputFormat())) {
         return Fail(0x1000D, "%s ERROR Verify: Invalid image formats\n", GetClassNameW());
     }
-    if ((GetProcessingMode() & VFIL_MODE_RGB) != VFIL_MODE_RGB) {
-        return Fail(0x20002, "%s WARNING Verify: Specified channels cannot be processed\n", GetClassNameW());
-    }
+    if ((GetProcessingMode() & VFIL_MODE_RGB) != VFIL_MODE_RGB) return Fail(0x20002, GetClassNameW());
     return VFIL_SUCCESS;
 }
 

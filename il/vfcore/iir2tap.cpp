@@ -57,18 +57,13 @@ IPXImage* vfIL2TapIIR::GetOutputImg() const
 vfILStatus vfIL2TapIIR::Verify()
 {
     if (vfILProcessor::Verify() != VFIL_SUCCESS) return VFIL_FAILURE;
-    if (m_inputImg == nullptr)
-        return Fail(0x1000B, "%s ERROR Verify: Input image is NULL\n", GetClassNameW());
-    if (m_outputImg == nullptr)
-        return Fail(0x10002, "%s ERROR Verify: Output image is NULL\n", GetClassNameW());
+    if (m_inputImg == nullptr) return Fail(0x1000B, GetClassNameW());
+    if (m_outputImg == nullptr) return Fail(0x10002, GetClassNameW());
     const ImageView input(m_inputImg);
     const ImageView output(m_outputImg);
-    if (!input.HasPixels())
-        return Fail(0x1000C, "%s ERROR Verify: Input image pixel array is NULL\n", GetClassNameW());
-    if (!(FormatOf(m_inputImg) == PXFormat_RGBA32))
-        return Fail(0x10034, "%s ERROR Verify: Invalid input image format\n", GetClassNameW());
-    if (!(FormatOf(m_outputImg) == PXFormat_RGBA32))
-        return Fail(0x1000D, "%s ERROR Verify: Invalid image format \n", GetClassNameW());
+    if (!input.HasPixels()) return Fail(0x1000C, GetClassNameW());
+    if (!(FormatOf(m_inputImg) == PXFormat_RGBA32)) return Fail(0x10034, GetClassNameW());
+    if (!(FormatOf(m_outputImg) == PXFormat_RGBA32)) return Fail(0x1000D, GetClassNameW());
     if (!output.HasPixels() || !(input.Box() == output.Box())) return Fail(0x10003, GetClassNameW());
     return VFIL_SUCCESS;
 }

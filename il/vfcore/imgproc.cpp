@@ -55,25 +55,17 @@ vfILStatus vfILImgProc::Execute()
 vfILStatus vfILImgProc::Verify()
 {
     if (vfILProcessor::Verify() != VFIL_SUCCESS) return VFIL_FAILURE;
-    if (m_outputImg == nullptr)
-        return Fail(0x10002, "%s ERROR Verify: Output image is NULL\n", GetClassNameW());
+    if (m_outputImg == nullptr) return Fail(0x10002, GetClassNameW());
     const ImageView output(m_outputImg);
-    if (!output.HasPixels()) {
-        return Fail(0x10003, "%s ERROR Verify: Output image pixel array is NULL\n", GetClassNameW());
-    }
-    if (m_defaultColor.Verify() != 1) {
-        return Fail(0x10004, "%s ERROR Verify: Default color is invalid\n", GetClassNameW());
-    }
+    if (!output.HasPixels()) return Fail(0x10003, GetClassNameW());
+    if (m_defaultColor.Verify() != 1) return Fail(0x10004, GetClassNameW());
     if (m_maskImg != nullptr && VerifyMask() != VFIL_SUCCESS) return VFIL_FAILURE;
 
     const vfILBbox2l target = TargetBox(m_roi, m_outputOffset);
-    if (!((target & output.Box()) == target)) {
-        return Fail(0x1000A, "%s ERROR Verify: ROI and output offset does not fit into output image\n",
-                    GetClassNameW());
-    }
+    if (!((target & output.Box()) == target)) return Fail(0x1000A, GetClassNameW());
     if (output.format->topDown && VerifyTopDown(output.Box()) != VFIL_SUCCESS) return VFIL_FAILURE;
     if (output.format->ycc && (GetProcessingMode() & VFIL_MODE_RGB) != VFIL_MODE_RGB) {
-        return Fail(0x20002, "%s WARNING Verify: Specified channels cannot be processed\n", GetClassNameW());
+        return Fail(0x20002, GetClassNameW());
     }
     return VFIL_SUCCESS;
 }
@@ -81,26 +73,17 @@ vfILStatus vfILImgProc::Verify()
 vfILStatus vfILImgProc::VerifyMask()
 {
     const ImageView mask(m_maskImg);
-    if (!mask.HasPixels())
-        return Fail(0x10005, "%s ERROR Verify: Mask pixel array is NULL\n", GetClassNameW());
+    if (!mask.HasPixels()) return Fail(0x10005, GetClassNameW());
     if (mask.width != m_maskBox.GetSizeX() || mask.height != m_maskBox.GetSizeY()) {
-        return Fail(0x10006, "%s ERROR Verify: Mask width and height don't match mask resolution\n",
-                    GetClassNameW());
+        return Fail(0x10006, GetClassNameW());
     }
     const GUID format = FormatOf(m_maskImg);
     const bool mono = MonoFormats::Contains(format);
-    if (!mono && !RgbaFormats::Contains(format)) {
-        return Fail(0x10007, "%s ERROR Verify: Invalid mask image format\n", GetClassNameW());
-    }
+    if (!mono && !RgbaFormats::Contains(format)) return Fail(0x10007, GetClassNameW());
     const bool oneOfFour = m_maskChannel == PXImageChannel_RED || m_maskChannel == PXImageChannel_GREEN ||
                            m_maskChannel == PXImageChannel_BLUE || m_maskChannel == PXImageChannel_ALPHA;
-    if (mono ? m_maskChannel != PXImageChannel_MONO : !oneOfFour) {
-        return Fail(0x10008, "%s ERROR Verify: Invalid mask channel\n", GetClassNameW());
-    }
-    if (mask.channelBytes != ImageView(m_outputImg).channelBytes) {
-        return Fail(0x10009, "%s ERROR Verify: Output image format must match mask format\n",
-                    GetClassNameW());
-    }
+    if (mono ? m_maskChannel != PXImageChannel_MONO : !oneOfFour) return Fail(0x10008, GetClassNameW());
+    if (mask.channelBytes != ImageView(m_outputImg).channelBytes) return Fail(0x10009, GetClassNameW());
     return VFIL_SUCCESS;
 }
 
@@ -109,11 +92,9 @@ vfILStatus vfILImgProc::VerifyTopDown(const vfILBbox2l& wholeOutput)
     // Both boxes have to start at (0, 0): an offset would name other memory rows than in the bottom-up
     // formats.
     if (!(m_roi == wholeOutput) || m_outputOffset[0] != 0 || m_outputOffset[1] != 0) {
-        return Fail(0x10060, "%s ERROR Verify: Image format does not support ROI\n", GetClassNameW());
+        return Fail(0x10060, GetClassNameW());
     }
-    if (m_maskImg != nullptr || !Covers(m_maskBox, wholeOutput)) {
-        return Fail(0x20001, "%s WARNING Verify: Mask are not allowed\n", GetClassNameW());
-    }
+    if (m_maskImg != nullptr || !Covers(m_maskBox, wholeOutput)) return Fail(0x20001, GetClassNameW());
     return VFIL_SUCCESS;
 }
 

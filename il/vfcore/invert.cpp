@@ -20,9 +20,7 @@ const wchar_t* vfILInvertImg::GetClassNameW() const
 vfILStatus vfILInvertImg::Verify()
 {
     if (vfILMonadicPixelProc::Verify() != VFIL_SUCCESS) return VFIL_FAILURE;
-    if (!PointFormats::Contains(OutputFormat())) {
-        return Fail(0x1000D, "%s ERROR Verify: Invalid image format \n", GetClassNameW());
-    }
+    if (!PointFormats::Contains(OutputFormat())) return Fail(0x1000D, GetClassNameW());
     return VFIL_SUCCESS;
 }
 

@@ -46,12 +46,10 @@ vfILStatus vfILMonadicConvertProc::Verify()
 {
     if (vfILMonadicImgProc::Verify() != VFIL_SUCCESS) return VFIL_FAILURE;
     if (GetInputImg() == GetOutputImg()) return Fail(0x10033, GetClassNameW());
-    if (IsAllChannelProcessed() == 0) {
-        return Fail(0x20002, "%s WARNING Verify: Specified channels cannot be processed\n", GetClassNameW());
-    }
+    if (IsAllChannelProcessed() == 0) return Fail(0x20002, GetClassNameW());
     const vfILBbox2l whole = ImageView(GetInputImg()).Box();
     if (GetMaskImg() != nullptr || whole.IsNull() || !((GetROI() & whole) == whole)) {
-        return Fail(0x20001, "%s WARNING Verify: Mask are not allowed\n", GetClassNameW());
+        return Fail(0x20001, GetClassNameW());
     }
     return VFIL_SUCCESS;
 }

@@ -31,12 +31,9 @@ const wchar_t* vfILMonadicImgProc::GetClassNameW() const
 vfILStatus vfILMonadicImgProc::Verify()
 {
     if (vfILImgProc::Verify() != VFIL_SUCCESS) return VFIL_FAILURE;
-    if (m_inputImg == nullptr)
-        return Fail(0x1000B, "%s ERROR Verify: Input image is NULL\n", GetClassNameW());
+    if (m_inputImg == nullptr) return Fail(0x1000B, GetClassNameW());
     const ImageView input(m_inputImg);
-    if (!input.HasPixels()) {
-        return Fail(0x1000C, "%s ERROR Verify: Input image pixel array is NULL\n", GetClassNameW());
-    }
+    if (!input.HasPixels()) return Fail(0x1000C, GetClassNameW());
     if (GetOutputImg() == GetMaskImg()) {
         // A picture may mask itself by a channel that isn't written, as long as no pixel moves.
         long channels = 0;
@@ -47,14 +44,11 @@ vfILStatus vfILMonadicImgProc::Verify()
             GetROI().GetOffsetX() == GetOutputOffset()[0] && GetROI().GetOffsetY() == GetOutputOffset()[1];
         const bool written = (GetProcessingMode() & static_cast<unsigned long>(channel)) != 0;
         if (m_inputImg != GetMaskImg() || channels <= 1 || written || !inPlace) {
-            return Fail(0x1006C, "%s ERROR Verify: Output image is used as mask\n", GetClassNameW());
+            return Fail(0x1006C, GetClassNameW());
         }
     }
     const ImageView output(GetOutputImg());
-    if (output.format->topDown && !(input.Box() == output.Box())) {
-        return Fail(0x10062, "%s ERROR Verify: Input/Output images must have the same size\n",
-                    GetClassNameW());
-    }
+    if (output.format->topDown && !(input.Box() == output.Box())) return Fail(0x10062, GetClassNameW());
     return VFIL_SUCCESS;
 }
 

@@ -22,10 +22,7 @@ const wchar_t* vfILMonadicPixelProc::GetClassNameW() const
 vfILStatus vfILMonadicPixelProc::Verify()
 {
     if (vfILMonadicImgProc::Verify() != VFIL_SUCCESS) return VFIL_FAILURE;
-    if (!(FormatOf(GetInputImg()) == OutputFormat())) {
-        return Fail(0x1000E, "%s ERROR: Verify(): Input and output image formats do not match\n",
-                    GetClassNameW());
-    }
+    if (!(FormatOf(GetInputImg()) == OutputFormat())) return Fail(0x1000E, GetClassNameW());
     return VFIL_SUCCESS;
 }
 

@@ -21,12 +21,8 @@ vfILStatus vfILRGBA2Alpha::Verify()
 {
     if (vfILMonadicPixelProc::Verify() != VFIL_SUCCESS) return VFIL_FAILURE;
     const vfILBbox2l whole = ImageView(GetInputImg()).Box();
-    if (whole.IsNull() || !((GetROI() & whole) == whole)) {
-        return Fail(0x20001, "%s WARNING Verify: Mask are not allowed\n", GetClassNameW());
-    }
-    if (!RgbaFormats::Contains(OutputFormat())) {
-        return Fail(0x10034, GetClassNameW());
-    }
+    if (whole.IsNull() || !((GetROI() & whole) == whole)) return Fail(0x20001, GetClassNameW());
+    if (!RgbaFormats::Contains(OutputFormat())) return Fail(0x10034, GetClassNameW());
     return VFIL_SUCCESS;
 }
 

@@ -33,15 +33,12 @@ vfILStatus vfILYCCYCC2YCCA::Verify()
 {
     if (vfILImgProc::Verify() != VFIL_SUCCESS) return VFIL_FAILURE;
     const bool complete = m_inputImgA != nullptr && m_inputImgB != nullptr;
-    if (!complete && m_fillMissingInput == 0)
-        return Fail(0x1000B, "%s ERROR Verify: Input image is NULL\n", GetClassNameW());
+    if (!complete && m_fillMissingInput == 0) return Fail(0x1000B, GetClassNameW());
     for (IPXImage* input : {m_inputImgA, m_inputImgB}) {
         if (input == nullptr) continue;
         const ImageView from(input);
-        if (!from.HasPixels())
-            return Fail(0x1000C, "%s ERROR Verify: Input image pixel array is NULL\n", GetClassNameW());
-        if (!IsSubsampled(from))
-            return Fail(0x10034, "%s ERROR Verify: Invalid input image format\n", GetClassNameW());
+        if (!from.HasPixels()) return Fail(0x1000C, GetClassNameW());
+        if (!IsSubsampled(from)) return Fail(0x10034, GetClassNameW());
     }
     if (!ImageView(GetOutputImg()).format->alphaPlane) return Fail(0x10003, GetClassNameW());
     if (VerifyInput(m_inputImgA) != VFIL_SUCCESS) return VFIL_FAILURE;
@@ -53,12 +50,8 @@ vfILStatus vfILYCCYCC2YCCA::VerifyInput(IPXImage* input)
     if (input == nullptr) return VFIL_SUCCESS;
     const ImageView from(input);
     const ImageView output(GetOutputImg());
-    if (!(from.Box() == output.Box())) {
-        return Fail(0x10062, "%s ERROR Verify: Input/Output images must have the same size\n",
-                    GetClassNameW());
-    }
-    if (!IsOfStandard(from, output))
-        return Fail(0x1000D, "%s ERROR Verify: Invalid image format \n", GetClassNameW());
+    if (!(from.Box() == output.Box())) return Fail(0x10062, GetClassNameW());
+    if (!IsOfStandard(from, output)) return Fail(0x1000D, GetClassNameW());
     return VFIL_SUCCESS;
 }
 

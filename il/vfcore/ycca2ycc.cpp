@@ -36,21 +36,16 @@ vfILStatus vfILYCCA2YCCYCC::Execute()
 vfILStatus vfILYCCA2YCCYCC::Verify()
 {
     if (vfILProcessor::Verify() != VFIL_SUCCESS) return VFIL_FAILURE;
-    if (m_inputImg == nullptr)
-        return Fail(0x1000B, "%s ERROR Verify: Input image is NULL\n", GetClassNameW());
+    if (m_inputImg == nullptr) return Fail(0x1000B, GetClassNameW());
     const ImageView input(m_inputImg);
-    if (!input.HasPixels())
-        return Fail(0x1000C, "%s ERROR Verify: Input image pixel array is NULL\n", GetClassNameW());
-    if (m_outputImgA == nullptr && m_outputImgB == nullptr)
-        return Fail(0x10002, "%s ERROR Verify: Output image is NULL\n", GetClassNameW());
-    if (!input.format->alphaPlane)
-        return Fail(0x10034, "%s ERROR Verify: Invalid input image format\n", GetClassNameW());
+    if (!input.HasPixels()) return Fail(0x1000C, GetClassNameW());
+    if (m_outputImgA == nullptr && m_outputImgB == nullptr) return Fail(0x10002, GetClassNameW());
+    if (!input.format->alphaPlane) return Fail(0x10034, GetClassNameW());
     if (VerifyOutput(m_outputImgA) != VFIL_SUCCESS || VerifyOutput(m_outputImgB) != VFIL_SUCCESS)
         return VFIL_FAILURE;
-    if (m_defaultColor.Verify() != 1)
-        return Fail(0x10004, "%s ERROR Verify: Default color is invalid\n", GetClassNameW());
+    if (m_defaultColor.Verify() != 1) return Fail(0x10004, GetClassNameW());
     if (!(m_roi == input.Box()) || m_outputOffset[0] != 0 || m_outputOffset[1] != 0)
-        return Fail(0x10060, "%s ERROR Verify: Image format does not support ROI\n", GetClassNameW());
+        return Fail(0x10060, GetClassNameW());
     return VFIL_SUCCESS;
 }
 
@@ -60,12 +55,8 @@ vfILStatus vfILYCCA2YCCYCC::VerifyOutput(IPXImage* output)
     const ImageView to(output);
     const ImageView input(m_inputImg);
     if (!IsSubsampled(to)) return Fail(0x10003, GetClassNameW());
-    if (!(to.Box() == input.Box())) {
-        return Fail(0x10062, "%s ERROR Verify: Input/Output images must have the same size\n",
-                    GetClassNameW());
-    }
-    if (!IsOfStandard(to, input))
-        return Fail(0x1000D, "%s ERROR Verify: Invalid image format \n", GetClassNameW());
+    if (!(to.Box() == input.Box())) return Fail(0x10062, GetClassNameW());
+    if (!IsOfStandard(to, input)) return Fail(0x1000D, GetClassNameW());
     return VFIL_SUCCESS;
 }
 

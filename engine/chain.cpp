@@ -50,8 +50,8 @@ private:
     using Reader = void (Chain::*)(const std::string& name, Place place, const toml::table& table,
                                    const std::string& path);
 
-    void ReadFiles(const char* section, const std::string& option, const ChainFiles& given, Reader read);
-    std::string FileOf(const std::string& name, Place entry, const std::string& option,
+    void ReadFiles(const char* section, const std::string& kind, const ChainFiles& given, Reader read);
+    std::string FileOf(const std::string& name, Place entry, const std::string& kind,
                        const ChainFiles& given) const;
     void ReadInput(const std::string& name, Place place, const toml::table& table, const std::string& path);
     void ReadOutput(const std::string& name, Place place, const toml::table& table, const std::string& path);
@@ -71,15 +71,15 @@ private:
     Job m_job;
 };
 
-[[noreturn]] void RefuseName(const std::string& option, const std::string& name,
+[[noreturn]] void RefuseName(const std::string& kind, const std::string& name,
                              const std::vector<std::string>& names)
 {
-    throw RequestError(OfRun(option) + " " + name + ": the chain has no such " + option +
+    throw RequestError(OfRun(kind) + " " + name + ": the chain has no such " + kind +
                        DidYouMean(name, names));
 }
 
 // An entry of [inputs] or [outputs] is a file, or a table with one.
-void Chain::ReadFiles(const char* section, const std::string& option, const ChainFiles& given, Reader read)
+void Chain::ReadFiles(const char* section, const std::string& kind, const ChainFiles& given, Reader read)
 {
     static const toml::table kNothing;
     std::vector<std::string> names;
@@ -88,15 +88,15 @@ void Chain::ReadFiles(const char* section, const std::string& option, const Chai
     for (const auto& [name, entry] : ChainFile::InOrder(table)) {
         names.push_back(name);
         const toml::table* const details = entry->as_table();
-        (this->*read)(name, *entry, details ? *details : kNothing, FileOf(name, *entry, option, given));
+        (this->*read)(name, *entry, details ? *details : kNothing, FileOf(name, *entry, kind, given));
     }
     for (const auto& [name, path] : given) {
-        if (std::find(names.begin(), names.end(), name) == names.end()) RefuseName(option, name, names);
+        if (std::find(names.begin(), names.end(), name) == names.end()) RefuseName(kind, name, names);
     }
 }
 
-// The command line has the last word.
-std::string Chain::FileOf(const std::string& name, Place entry, const std::string& option,
+// Who calls has the last word.
+std::string Chain::FileOf(const std::string& name, Place entry, const std::string& kind,
                           const ChainFiles& given) const
 {
     if (const auto found = given.find(name); found != given.end()) return found->second;
@@ -104,8 +104,8 @@ std::string Chain::FileOf(const std::string& name, Place entry, const std::strin
     const toml::node* const file = details ? details->get("file") : &entry;
     std::string path = file ? m_file.Text(*file, "the file of " + name) : "";
     if (path.empty()) {
-        m_file.Refuse(entry, option + " '" + name + "' has no file; add one, or " + OfRun(option) + " " +
-                                 name + "=FILE");
+        m_file.Refuse(entry, kind + " '" + name + "' has no file; add one, or " + OfRun(kind) + " " + name +
+                                 "=FILE");
     }
     return path;
 }

@@ -36,10 +36,12 @@ void FinishStreaming();
 /// Declares the functions that fill a family's table, one a level: each takes the entries that its level has
 /// a vector form of, and is defined in the *_simd.cpp of the family.
 #define VFIL_DECLARE_FILL(Rows) VFIL_EACH_LEVEL(VFIL_DECLARE_FILL_AT, Rows)
+// NOLINTBEGIN(bugprone-macro-parentheses): Rows is a type
 #define VFIL_DECLARE_FILL_AT(level, Rows)                                                                    \
     namespace level {                                                                                        \
     void Fill(Rows& rows);                                                                                   \
     }
+// NOLINTEND(bugprone-macro-parentheses)
 
 /// These functions, as LevelTables takes them; null for levels that have no vector sources here.
 template <class Rows>

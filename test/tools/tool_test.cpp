@@ -77,7 +77,8 @@ TEST_F(Tool, MakesThePixelsAskedFor)
         {"atop soft.png front.png --roi 1,0,2,1", 3, "128 128"},
         {"composite back.png front.png --roi 0,0,3,1 --mask mask.png", 0, "200 11 12"},
         {"lighter back.png front.png --format rgba64 --roi 1,0,2,1", 0, "51400 3084"},
-        // 32768 / 65535 of 51400 and 32767 / 65535 of 2570; by the other arithmetic the front all but vanishes.
+        // 32768 / 65535 of 51400 and 32767 / 65535 of 2570; by the other arithmetic the front all but
+        // vanishes.
         {"over back.png front.png --format rgba64 --roi 0,0,1,1 --extra-transparency 0.5", 0, "26985"},
         {"over back.png front.png --format rgba64 --roi 0,0,2,1", 0, "51400 51400"},
         {"over back.png front.png --format rgba64 --roi 0,0,2,1 --legacy-16", 0, "1 1"},

@@ -10,15 +10,6 @@ using namespace vfil::test;
 
 namespace {
 
-int g_polls = 0;
-int g_stopAtPoll = 0;
-
-/// Fires at the chosen poll and at every later one.
-int StopLater()
-{
-    return ++g_polls >= g_stopAtPoll;
-}
-
 /// Notes the stages of a run, one of which may fail.
 class Staged : public vfILInvertImg {
 public:
@@ -42,14 +33,13 @@ TEST(Interrupt, TheFlagIsReadBeforeTheFunction)
 {
     Staged p;
     volatile long flag = 1;
-    g_polls = 0;
-    g_stopAtPoll = 9;
-    p.SetInterruptFct(StopLater, &flag);
+    g_pollsLeft = 9;
+    p.SetInterruptFct(StopAfterPolls, &flag);
     EXPECT_EQ(p.MustInterrupt(), 1);
-    EXPECT_EQ(g_polls, 0);
+    EXPECT_EQ(g_pollsLeft, 9);
     flag = 0;
     EXPECT_EQ(p.MustInterrupt(), 0);
-    EXPECT_EQ(g_polls, 1);
+    EXPECT_EQ(g_pollsLeft, 8);
     p.SetInterruptFct([] { return -3; }, &flag);
     EXPECT_EQ(p.MustInterrupt(), 1) << "whatever is not 0";
     flag = -4;
@@ -84,9 +74,8 @@ TEST(Interrupt, BeforeTheRunSkipsTheEffectAlone)
         Staged p;
         Connect(p, &in, nullptr, &out);
         volatile long flag = byFlag;
-        g_polls = 0;
-        g_stopAtPoll = 1;
-        p.SetInterruptFct(byFlag ? nullptr : StopLater, &flag);
+        g_pollsLeft = 0;
+        p.SetInterruptFct(byFlag ? nullptr : StopAfterPolls, &flag);
         EXPECT_EQ(p.Execute(), VFIL_SUCCESS);
         EXPECT_EQ(p.stages, "pc");
         EXPECT_EQ(Difference(before, out), "");
@@ -112,9 +101,8 @@ constexpr long kRows = 6;
 long RowsUntilStopped(vfILImgProc& p, GuardedImage& out)
 {
     const Snapshot before(out);
-    g_polls = 0;
-    g_stopAtPoll = 3; // one poll between the stages, one a row
-    p.SetInterruptFct(StopLater, nullptr);
+    g_pollsLeft = 2; // one between the stages, one after the first row
+    p.SetInterruptFct(StopAfterPolls, nullptr);
     EXPECT_EQ(p.Execute(), VFIL_SUCCESS);
     EXPECT_TRUE(p.GetLastError().IsNoError());
     long rows = 0;

@@ -128,7 +128,8 @@ TEST(Rank, VerifyChecksInOrder)
                 selective->SetThreshold(c.threshold);
             filter->SetRadius(c.radius);
             const unsigned long expected = c.code == 0x10046 && which != kSelective ? 0 : c.code;
-            EXPECT_EQ(CodeOf(*filter, *c.picture), expected) << "case " << &c - cases << " filter " << which;
+            EXPECT_EQ(CodeOf(*filter, *c.picture), expected)
+                << "case " << &c - cases << ' ' << ClassOf(*filter);
         }
 }
 
@@ -144,7 +145,7 @@ TEST(Rank, RunsThatCannotBeHad)
             filter->SetInputImg(&picture);
             filter->SetOutputImg(&picture);
             filter->SetRadius(radius);
-            EXPECT_GE(CountRefusedRuns(*filter, picture), 6) << which;
+            EXPECT_GE(CountRefusedRuns(*filter, picture), 6) << ClassOf(*filter);
             const Snapshot filtered(picture);
             filter->SetRadius(NAN, 1.0F);
             EXPECT_EQ(filter->Execute(), VFIL_SUCCESS);

@@ -82,13 +82,6 @@ inline const Converter kConverters[] = {
 };
 #undef VFIL_CONVERTER
 
-/// An interrupt function that fires after so many polls, and at every later one.
-inline int g_pollsLeft = 0;
-inline int StopAfterPolls()
-{
-    return --g_pollsLeft < 0;
-}
-
 inline void Configure(vfILImgProc& processor, const ConvertSetup& setup)
 {
     if (auto* encoder = dynamic_cast<vfILRGB2YCCProc*>(&processor)) {

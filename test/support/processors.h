@@ -116,6 +116,13 @@ inline void Configure(vfILCompImg& processor, const LayerSetup& setup)
     processor.SetDominantInput(setup.dominantB ? processor.GetInputImgB() : processor.GetInputImgA());
 }
 
+/// An interrupt function that fires after so many polls, and at every later one.
+inline int g_pollsLeft = 0;
+inline int StopAfterPolls()
+{
+    return --g_pollsLeft < 0;
+}
+
 /// Mostly none of the mode's field bits, else one or both.
 inline unsigned long RandomFieldBits(std::mt19937& random)
 {

@@ -27,7 +27,7 @@ summary() {
     cat <<'TEXT'
 # Filters, before and after
 
-Made by `docs/gallery.sh` from `examples/filters.txt`. What the filters have in common is in [Filters](filters.md);
+Made by `docs/gallery.sh` from `examples/filters.txt`. What filters have in common is told with the [windows](frame.md#windows);
 `vfil help OPERATOR` explains the options.
 
 Before:

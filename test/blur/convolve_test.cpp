@@ -295,7 +295,7 @@ TEST(Convolve, FixedPassesAreOneCodeFromFloatUpToTheirBound)
     EXPECT_EQ(DistanceToFloat({std::vector<float>(301, 0.5F), std::vector<float>(3, 0.002F)}, in).second, 0);
 }
 
-// What docs/filters.md says of noise.
+// What docs/blur.md says of noise.
 TEST(Convolve, FixedPassesOfSmallKernelsDifferHereAndThere)
 {
     std::mt19937 random(6);

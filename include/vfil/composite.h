@@ -1,7 +1,6 @@
 /// \file
-/// The layer operators: fifteen that combine a front with a back under one set of rules for
-/// premultiplication, strength and output alpha, and the masked mix. Input A is the back, input B the front:
-/// B goes over A.
+/// The layer operators, which combine a front with a back under one set of rules for premultiplication,
+/// strength and output alpha, and the masked mix. Input A is the back, input B the front: B goes over A.
 #pragma once
 
 #include <vfil/frame.h>

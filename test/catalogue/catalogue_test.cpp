@@ -112,6 +112,10 @@ TEST(Names, FollowTheLibrary)
 {
     EXPECT_EQ(catalogue::ParameterName("SetImgAPremultiplied"), "img-a-premultiplied");
     EXPECT_EQ(catalogue::CommandName("vfILYCCA2BGRA"), "ycca2bgra");
+    EXPECT_EQ(catalogue::CommandName("vfIL16to8"), "16to8");
+    EXPECT_EQ(catalogue::CommandName("vfIL2TapIIR"), "2tap-iir");
+    EXPECT_EQ(catalogue::CommandName("vfILInvNonAddImage"), "inv-non-add");
+    EXPECT_EQ(catalogue::CommandName("vfILMorphologicalEdge"), "morphological-edge");
     EXPECT_EQ(catalogue::FormatName(PXFormat_YUV422_709_SplitOdd), "yuv422-709-splitodd");
     for (std::size_t i = 0; const vfILFormatInfo* info = vfILFormatAt(i); ++i) {
         EXPECT_EQ(catalogue::FindFormat(catalogue::FormatName(info->id)), info);
@@ -119,22 +123,15 @@ TEST(Names, FollowTheLibrary)
     EXPECT_EQ(catalogue::FindFormat("RGBA32"), nullptr);
 }
 
-TEST(Catalogue, HasEveryOperatorOnce)
+// Which class is missing tells `./run check names`.
+TEST(Catalogue, HasEveryNameOnce)
 {
-    std::string names;
     for (const Entry& entry : catalogue::Entries()) {
-        names += std::string(entry.name) + ' ';
         EXPECT_EQ(catalogue::Find(entry.name), &entry);
         const std::string rule = catalogue::CommandName(entry.className);
         EXPECT_EQ(entry.alias.empty() ? entry.name : entry.alias, rule);
         EXPECT_EQ(catalogue::Find(rule), &entry);
     }
-    EXPECT_EQ(names,
-              "over in out atop xor add add-no-clip diff mult lighter darker lum col non-add inv-non-add "
-              "composite invert copy grayscale blur convolve sharpen gradient emboss roberts sobel laplace "
-              "max-rank min-rank median-rank selective-rank erode dilate open close morphological-edge "
-              "rgba2ycca bgra2ycca dib2ycca ycca2rgba ycca2bgra 16to8 8to16 rgba2hlsa hlsa2rgba rgb2rgba "
-              "rgba2bgra rgba2alpha split-key join-key 2tap-iir ");
 }
 
 TEST(Operator, PlainArithmeticIsAFlagOfItsProcessor)

@@ -52,7 +52,7 @@ enum class Layer {
     NonAdd,
     InvNonAdd
 };
-inline constexpr int kLayers = 15;
+inline constexpr int kLayers = static_cast<int>(Layer::InvNonAdd) + 1;
 
 struct LayerSetup {
     Layer layer = Layer::Over;

@@ -85,6 +85,7 @@ inline constexpr auto kOperators =
                vfILOverImage, vfILInImage, vfILOutImage, vfILAtopImage, vfILXorImage, vfILAddImage,
                vfILAddNoClipImage, vfILDiffImage, vfILMultImage, vfILLighterImage, vfILDarkerImage,
                vfILLumImage, vfILColImage, vfILNonAddImage, vfILInvNonAddImage>;
+static_assert(kOperators.back().make != nullptr, "a Kind or a Layer without its class");
 
 inline std::unique_ptr<vfILImgProc> MakeProcessor(int kind, bool simd)
 {

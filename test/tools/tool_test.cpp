@@ -81,7 +81,7 @@ TEST_F(Tool, MakesThePixelsAskedFor)
         // vanishes.
         {"over back.png front.png --format rgba64 --roi 0,0,1,1 --extra-transparency 0.5", 0, "26985"},
         {"over back.png front.png --format rgba64 --roi 0,0,2,1", 0, "51400 51400"},
-        {"over back.png front.png --format rgba64 --roi 0,0,2,1 --legacy-16", 0, "1 1"},
+        {"over back.png front.png --format rgba64 --roi 0,0,2,1 --legacy-16", 3, "1 1"},
         {"over back.png front.png --fields odd --input-offset 1,1", 0,
          "30 31 32 33, 20 200 200 23, 10 11 12 13"},
         {"over front.png back.png --fields even --input-offset 0,1 --dominant-input b", 0,

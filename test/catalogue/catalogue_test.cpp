@@ -249,6 +249,9 @@ TEST(EachEntry, ParametersReadBackAndHaveTheirDefaults)
     for (const Entry& entry : catalogue::Entries()) {
         for (const Parameter& changed : entry.parameters) {
             const Bench bench(entry);
+            const Value usual = changed.fallback.value_or(Value{});
+            EXPECT_TRUE(changed.required || changed.read(bench.op->Processor()) == usual)
+                << entry.name << " " << changed.name;
             changed.apply(bench.op->Processor(), OtherThanDefault(changed));
             for (const Parameter& parameter : entry.parameters) {
                 const bool same = parameter.name == changed.name;

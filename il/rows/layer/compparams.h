@@ -54,7 +54,7 @@ constexpr bool AreLayersInOrder()
     }
     return true;
 }
-static_assert(AreLayersInOrder());
+static_assert(AreLayersInOrder(), "kLayers is not in the order of LayerOp");
 
 /// The result's alpha: none, full, or what the operator says.
 enum class AlphaRule { Zero, Full, Computed };

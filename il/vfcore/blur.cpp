@@ -103,7 +103,7 @@ vfILStatus vfILBlurImg::PrepareData()
     ReadInputItself(isBox || IsRecursive());
     vfILVector2l radius = WholeRadius();
     if (isBox) { // beyond the size of the picture its windows see nothing new
-        const ImageView input(GetInputImg());
+        const vfILPictureView& input = ViewInput();
         radius[0] = static_cast<std::int32_t>(std::min<long>(radius[0], input.width));
         radius[1] = static_cast<std::int32_t>(std::min<long>(radius[1], input.height));
     }
@@ -239,7 +239,7 @@ vfILStatus vfILBlurImg::DoEffect()
 /// False when memory is short.
 bool vfILBlurImg::BlurBox()
 {
-    return RunBox(*this, Run(), WholeRadius(), OutputFormat(), m_simdAvailable != 0);
+    return RunBox(*this, Run(), WholeRadius(), FormatOf(Run()), m_simdAvailable != 0);
 }
 
 /// False when memory is short. What a row becomes depends on all rows, by the filter's roundings: bands would
@@ -249,7 +249,7 @@ bool vfILBlurImg::BlurRecursively()
     const auto design = IsFastGauss(m_type) ? DesignFastGauss : DesignExponential;
     const RecursiveBlur blur{design(double{GetRadiusX()} * m_degree, Run().radiusX),
                              design(double{GetRadiusY()} * m_degree, Run().radiusY), IsFixed(m_type)};
-    return RunRecursiveBlur(*this, Run(), blur, OutputFormat(), m_simdAvailable != 0);
+    return RunRecursiveBlur(*this, Run(), blur, FormatOf(Run()), m_simdAvailable != 0);
 }
 
 void vfILBlurImg::SetType(vfILBlurType type)

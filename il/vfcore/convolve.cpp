@@ -241,11 +241,11 @@ vfILStatus vfILConvolveImg::SinglePassConvolve(vfILWindowRun& run, const float* 
 {
     const Convolution by{*this, run, m_simdAvailable != 0};
     bool done = true;
-    if (OutputFormat() == PXFormat_RGBA32 && m_simdAvailable != 0 && m_offset == 0 &&
+    if (FormatOf(run) == PXFormat_RGBA32 && m_simdAvailable != 0 && m_offset == 0 &&
         AreFixedWeightsExact(kernel, by.Weights())) {
         done = SinglePassFixed(by, kernel);
     } else {
-        PointFormats::Visit(OutputFormat(), [&](auto format) {
+        PointFormats::Visit(FormatOf(run), [&](auto format) {
             done = SinglePassFloat<decltype(format)>(by, kernel, m_offset);
         });
     }
@@ -256,11 +256,11 @@ vfILStatus vfILConvolveImg::DualPassConvolve(const float* kx, const float* ky)
 {
     const Convolution by{*this, Run(), m_simdAvailable != 0};
     bool done = true;
-    if (OutputFormat() == PXFormat_RGBA32 && m_simdAvailable != 0 &&
+    if (FormatOf(Run()) == PXFormat_RGBA32 && m_simdAvailable != 0 &&
         AreFixedPassesExact(kx, Run().kernelWidth, ky, Run().kernelHeight)) {
         done = DualPassConvolve_RGBA32_Fixed(by, kx, ky);
     } else {
-        PointFormats::Visit(OutputFormat(),
+        PointFormats::Visit(FormatOf(Run()),
                             [&](auto format) { done = DualPassFloat<decltype(format)>(by, kx, ky); });
     }
     return done ? VFIL_SUCCESS : OutOfMemory("%s ERROR DoEffect: insufficient memory space\n");

@@ -24,7 +24,8 @@ vfILStatus vfILEmbossImg::Verify()
 vfILStatus vfILEmbossImg::DoEffect()
 {
     // Full sensitivity without bias is no threshold: what is not above 0 becomes 0.
-    return RunEdges({*this, Run(), OutputFormat(), m_simdAvailable != 0}, CompassOps(m_directions), 1.0, 0.0);
+    return RunEdges({*this, Run(), FormatOf(Run()), m_simdAvailable != 0}, CompassOps(m_directions), 1.0,
+                    0.0);
 }
 
 void vfILEmbossImg::SetDirection(unsigned long directions)

@@ -24,7 +24,7 @@ vfILStatus vfILGradientImg::Verify()
 
 vfILStatus vfILGradientImg::DoEffect()
 {
-    return RunEdges({*this, Run(), OutputFormat(), m_simdAvailable != 0}, CompassOps(m_directions),
+    return RunEdges({*this, Run(), FormatOf(Run()), m_simdAvailable != 0}, CompassOps(m_directions),
                     GetEdgeSensitivity(), GetBias());
 }
 

@@ -25,7 +25,7 @@ vfILStatus vfILLaplaceImg::Verify()
 vfILStatus vfILLaplaceImg::DoEffect()
 {
     const EdgeOp op = m_type == VFIL_LAPLACE_DIAMOND ? EdgeOp::DiamondLaplace : EdgeOp::SquareLaplace;
-    return RunEdges({*this, Run(), OutputFormat(), m_simdAvailable != 0}, {{op}}, GetEdgeSensitivity(),
+    return RunEdges({*this, Run(), FormatOf(Run()), m_simdAvailable != 0}, {{op}}, GetEdgeSensitivity(),
                     GetBias());
 }
 

@@ -28,7 +28,7 @@ vfILStatus vfILMaxRankImg::Verify()
 vfILStatus vfILMaxRankImg::PrepareData()
 {
     WindowShape shape;
-    return FindExtremeShape(*this, shape) ? PrepareWindows(shape.Radius()) : OutOfMemory();
+    return FindExtremeShape(*this, ViewInput(), shape) ? PrepareWindows(shape.Radius()) : OutOfMemory();
 }
 
 vfILStatus vfILMaxRankImg::DoEffect()

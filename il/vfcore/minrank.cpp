@@ -28,7 +28,7 @@ vfILStatus vfILMinRankImg::Verify()
 vfILStatus vfILMinRankImg::PrepareData()
 {
     WindowShape shape;
-    return FindExtremeShape(*this, shape) ? PrepareWindows(shape.Radius()) : OutOfMemory();
+    return FindExtremeShape(*this, ViewInput(), shape) ? PrepareWindows(shape.Radius()) : OutOfMemory();
 }
 
 vfILStatus vfILMinRankImg::DoEffect()

@@ -1,6 +1,7 @@
 /// \file
 /// The frame of the operators that read a neighbourhood.
 
+#include "il/loops/frame/fills.h"
 #include "il/loops/frame/padding.h"
 #include "il/loops/frame/pixelrun.h"
 #include "il/loops/frame/rowloop.h"
@@ -110,17 +111,18 @@ vfILStatus vfILMonadicSpatialProc::PrepareData()
 
 vfILStatus vfILMonadicSpatialProc::PrepareWindows(const vfILVector2l& radius)
 {
-    const ImageView output(GetOutputImg());
-    if (!AreConnected(GetInputImg(), output))
-        return Fail(WhyUnconnected(GetInputImg(), output), GetClassNameW());
+    const ImageView input(ViewInput());
+    const ImageView output = ViewOf(GetOutputImg(), {input});
+    if (!AreConnected(input, output)) return Fail(WhyUnconnected(input, output), GetClassNameW());
     if (radius[0] < 0 || radius[1] < 0) return Fail(0x10023, GetClassNameW());
     const long pixelBytes = output.RowPixelBytes();
     if (pixelBytes < 1 || pixelBytes > long{sizeof ColourPixel::bytes}) return Fail(0x1000D, GetClassNameW());
     PXImageChannel channel{};
     const vfILBbox2l& maskBox = GetMask(nullptr, &channel);
-    ComputeRegions(m_run, ImageView(GetInputImg()).Box(), GetROI(), maskBox, GetOutputOffset());
-    if (!PrepareMaskAndOutput(m_run, GetOutputImg(), GetMaskImg(), maskBox, channel))
-        return Fail(WhyUnprepared(m_run, GetMaskImg()), GetClassNameW());
+    const ImageView mask = ViewOf(GetMaskImg(), {input, output});
+    ComputeRegions(m_run, input.Box(), GetROI(), maskBox, GetOutputOffset());
+    if (!PrepareMaskAndOutput(m_run, output, mask, maskBox, channel))
+        return Fail(WhyUnprepared(m_run, mask), GetClassNameW());
 
     m_validBox = m_run.shiftedValidBox;
     m_outputBox = m_run.targetBox;
@@ -136,15 +138,22 @@ vfILStatus vfILMonadicSpatialProc::PrepareWindows(const vfILVector2l& radius)
     return VFIL_SUCCESS;
 }
 
+const vfILPictureView& vfILMonadicSpatialProc::ViewInput()
+{
+    m_run.inputPicture = ViewOf(GetInputImg(), {m_run.inputPicture});
+    return m_run.inputPicture;
+}
+
 /// Keeps the pixels that are shown outside the mask's box, which a shifted run in place would overwrite.
 vfILStatus vfILMonadicSpatialProc::PreparePassThrough()
 {
-    const bool isOutput = GetInputImg() == GetOutputImg();
+    const bool isOutput = m_run.inputPicture.image == m_run.picture.image;
     const bool showsOutside = !(m_run.maskedBox == m_run.validBox);
     const bool hazard = isOutput && showsOutside && IsHazard(m_run.targetBox, GetROI());
     vfILRowWalk unpadded;
-    switch (PrepareInput({GetInputImg(), m_run.validBox, m_run.maskedBox, isOutput, hazard, showsOutside},
-                         m_run, unpadded, m_passThrough)) {
+    switch (
+        PrepareInput({m_run.inputPicture, m_run.validBox, m_run.maskedBox, isOutput, hazard, showsOutside},
+                     m_run, unpadded, m_passThrough)) {
     case InputState::OutOfMemory:
         return Fail(0x10001, "%s ERROR PrepareData: insufficient memory space\n", GetClassNameW());
     case InputState::Unreadable:
@@ -170,8 +179,8 @@ bool vfILMonadicSpatialProc::PrepareScratch(const vfILVector2l& radius)
     m_run.kernelWidth = 2 * m_run.radiusX + 1;
     m_run.kernelHeight = static_cast<long>(kernelHeight);
 
-    const ImageView input(GetInputImg());
-    const bool shared = ShareMemory(input, ImageView(GetOutputImg()));
+    const ImageView input(m_run.inputPicture);
+    const bool shared = ShareMemory(input, m_run.picture);
     m_bandRows = effect.GetSizeY();
     if (m_readsInput) return PrepareInputRows(shared);
     const bool unpadded = !shared && Covers(input.Box(), m_run.windowBox);
@@ -194,7 +203,7 @@ bool vfILMonadicSpatialProc::PrepareScratch(const vfILVector2l& radius)
 /// Gives the leaf the input, or a copy of what it may read of it.
 bool vfILMonadicSpatialProc::PrepareInputRows(bool shared)
 {
-    const ImageView input(GetInputImg());
+    const ImageView input(m_run.inputPicture);
     const vfILBbox2l read = shared && Covers(input.Box(), m_run.windowBox) ? m_run.windowBox : input.Box();
     const std::int64_t pixelBytes = input.RowPixelBytes();
     const std::int64_t rowBytes = read.GetSizeX() * pixelBytes;
@@ -241,8 +250,8 @@ void vfILMonadicSpatialProc::FillScratch(long firstRow, long rows)
 /// Reads a window, in parts between which an interruption stops the run.
 void vfILMonadicSpatialProc::Read(const vfILBbox2l& window, unsigned char* to)
 {
-    const ImageView input(GetInputImg());
-    const EdgeRule edge = EdgeRuleOf(*this);
+    const ImageView input(m_run.inputPicture);
+    const EdgeRule edge = EdgeRuleOf(*this, m_run);
     const long rowBytes = window.GetSizeX() * input.RowPixelBytes();
     const long rows = std::max(kReadBytes / rowBytes, 1L);
     for (long first = 0; first < window.GetSizeY() && !m_run.stopped; first += rows) {
@@ -266,8 +275,9 @@ void vfILMonadicSpatialProc::SelectFieldRows()
 
 vfILStatus vfILMonadicSpatialProc::ProcessData()
 {
-    FillOutput(m_validBox, m_outputBox, GetDefaultColor());
-    FillOutput(m_maskedBox, m_validOutBox, m_run.source, m_run.sourceStride);
+    const FillRule rule{GetProcessingMode(), m_simdAvailable != 0};
+    FillAround(m_run.picture, m_validBox, m_outputBox, GetDefaultColor(), rule);
+    FillAround(m_run.picture, m_maskedBox, m_validOutBox, m_run.source, m_run.sourceStride, rule);
     if (m_effectBox.IsNull() || m_run.stopped) return VFIL_SUCCESS;
     return m_bandRows == m_effectBox.GetSizeY() ? DoEffect() : DoEffectInBands();
 }

@@ -71,7 +71,9 @@ vfILMorphologyMode vfILMorphologicalProc::GetMode() const
 vfILStatus vfILMorphologicalProc::PrepareData()
 {
     const vfILVector2l radius = WholeRadius();
-    return PrepareWindows(m_type == VFIL_STRUCT_CUSTOM ? radius : TaughtRadius(WindowGround(*this), radius));
+    return PrepareWindows(m_type == VFIL_STRUCT_CUSTOM
+                              ? radius
+                              : TaughtRadius({GetEdgeMode(), ViewInput().width, ViewInput().height}, radius));
 }
 
 vfILStatus vfILMorphologicalProc::BuildStructuringElement(Element& element)
@@ -100,7 +102,7 @@ vfILStatus vfILMorphologicalProc::WriteExtremes(bool largest, const vfILProcesso
     Element element;
     if (BuildStructuringElement(element) != VFIL_SUCCESS) return VFIL_FAILURE;
     bool done = true;
-    PointFormats::Visit(OutputFormat(), [&](auto format) {
+    PointFormats::Visit(FormatOf(Run()), [&](auto format) {
         done = RunExtremes<decltype(format)>(polled, Run(), element.shape,
                                              {largest, m_simdAvailable != 0, Run().streaming},
                                              [](long, auto*) {});

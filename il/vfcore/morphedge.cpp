@@ -64,7 +64,7 @@ vfILStatus vfILMorphologicalEdge::DoEffect()
     Element element;
     if (BuildStructuringElement(element) != VFIL_SUCCESS) return VFIL_FAILURE;
     bool done = true;
-    PointFormats::Visit(OutputFormat(), [&](auto format) {
+    PointFormats::Visit(FormatOf(Run()), [&](auto format) {
         using Format = decltype(format);
         using Sample = typename Format::Sample;
         const long samples = Run().processBox.GetSizeX() * Format::kChannels;

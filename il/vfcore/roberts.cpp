@@ -14,7 +14,7 @@ const wchar_t* vfILRobertsImg::GetClassNameW() const
 
 vfILStatus vfILRobertsImg::DoEffect()
 {
-    const EdgeRun run{*this, Run(), OutputFormat(), m_simdAvailable != 0};
+    const EdgeRun run{*this, Run(), FormatOf(Run()), m_simdAvailable != 0};
     if (GetType() == VFIL_EDGE_ANGLE) return RunAngle(run, AngleOp::Roberts);
     return RunEdges(run, {{EdgeOp::Roberts}}, GetEdgeSensitivity(), GetBias());
 }

@@ -100,7 +100,7 @@ vfILStatus vfILSharpenImg::Esharpen()
     vfILWindowRun everywhere = Run();
     const vfILBbox2l& box = everywhere.processBox;
     const std::ptrdiff_t rowBytes =
-        std::ptrdiff_t{box.GetSizeX()} * ImageView(GetOutputImg()).RowPixelBytes();
+        std::ptrdiff_t{box.GetSizeX()} * ImageView(everywhere.picture).RowPixelBytes();
     vfILRunBuffer buffer;
     unsigned char* pixels = buffer.Allocate(static_cast<std::size_t>(rowBytes * box.GetSizeY()));
     if (pixels == nullptr) {
@@ -112,7 +112,7 @@ vfILStatus vfILSharpenImg::Esharpen()
     if (SinglePassConvolve(everywhere, m_runKernel) != VFIL_SUCCESS) return VFIL_FAILURE;
     Run().stopped = everywhere.stopped;
     if (!everywhere.stopped)
-        SelectAtEdges({*this, Run(), OutputFormat(), m_simdAvailable != 0}, everywhere.output,
+        SelectAtEdges({*this, Run(), FormatOf(Run()), m_simdAvailable != 0}, everywhere.output,
                       m_edgeSensitivity);
     return VFIL_SUCCESS;
 }

@@ -17,6 +17,7 @@ enum vfILEdgeMode : int {
 /// there the walks hold every row; rows that the mode's field bits select are `firstRow + i * rowStep` for i
 /// in 0 .. rows - 1.
 struct vfILWindowRun : vfILPixelRun {
+    vfILPictureView inputPicture; ///< the input
     /// The padded input. Row j holds, side by side and overlapping, the top-left corners of the windows of
     /// effect row j; the window's further rows are the rows j + 1 ... of the walk. Never the output's memory.
     vfILRowWalk windows;
@@ -65,6 +66,8 @@ protected:
     /// For the PrepareData of a leaf whose windows have other radii than SetRadius says: PrepareData is this
     /// with WholeRadius(). Negative radii fail with 0x10023.
     vfILStatus PrepareWindows(const vfILVector2l& radius);
+    /// For the same PrepareData: the input, which the frame does not ask again in this run.
+    const vfILPictureView& ViewInput();
     /// Computes Run().processBox, which is never null. Called once a run, or once a band: see AllowBands.
     virtual vfILStatus DoEffect() = 0;
 

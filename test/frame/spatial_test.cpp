@@ -54,7 +54,7 @@ protected:
     {
         ++effects;
         CheckSkipLine();
-        vfil::PointFormats::Visit(OutputFormat(), [this](auto format) {
+        vfil::PointFormats::Visit(vfil::FormatOf(Run()), [this](auto format) {
             using Sample = typename decltype(format)::Sample;
             vfil::RunWindowOp<decltype(format)>(*this, Run(), [this](const auto& window) {
                 return static_cast<Sample>(rule.Of(window, vfil::Arith<Sample>::kFull));

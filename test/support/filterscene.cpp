@@ -2,6 +2,8 @@
 
 #include "support/layermodel.h"
 
+#include <vfil/morphology.h>
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -125,8 +127,13 @@ void FilterScene::Check(vfILMonadicSpatialProc& filter, const Snapshot& expected
 {
     SCOPED_TRACE(ClassOf(filter));
     ASSERT_EQ(filter.Verify(), VFIL_SUCCESS) << std::hex << filter.GetLastError().GetErrorCode();
+    input.asked = output->asked = {};
     ASSERT_EQ(filter.Execute(), VFIL_SUCCESS);
     ASSERT_EQ(Difference(expected, *output), "");
+    // Asking may cost a host a lock: a run asks once, but for those that run others inside.
+    if (dynamic_cast<vfILMorphologicalChain*>(&filter) != nullptr) return;
+    ASSERT_EQ(input.asked, (GuardedImage::Asked{1, 1, 1, 1, 1}));
+    ASSERT_EQ(output->asked, input.asked);
 }
 
 unsigned long CodeOf(vfILMonadicSpatialProc& filter)

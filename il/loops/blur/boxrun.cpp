@@ -43,7 +43,7 @@ class ColumnSums {
 public:
     ColumnSums(const vfILMonadicSpatialProc& filter, const vfILWindowRun& run, const vfILVector2l& radius,
                bool useVectors)
-        : m_input(run.input), m_edge(EdgeRuleOf(filter)), m_poll(filter),
+        : m_input(run.input), m_edge(EdgeRuleOf(filter, run)), m_poll(filter),
           m_x(m_edge.mode, radius[0], run.inputSize[0]), m_y(m_edge.mode, radius[1], run.inputSize[1]),
           m_left(run.windowBox.GetOffsetX() + run.radiusX - m_x.radius),
           m_top(run.windowBox.GetOffsetY() + run.radiusY), m_useVectors(useVectors),

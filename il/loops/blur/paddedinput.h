@@ -14,7 +14,7 @@ class PaddedInput {
 public:
     /// Of a run whose filter reads its input itself.
     PaddedInput(const vfILMonadicSpatialProc& filter, const vfILWindowRun& run, bool useVectors)
-        : m_run(run), m_input(InputOf(filter, run)), m_edge(EdgeRuleOf(filter)), m_useVectors(useVectors)
+        : m_run(run), m_input(InputOf(run)), m_edge(EdgeRuleOf(filter, run)), m_useVectors(useVectors)
     {}
     /// False when memory is short.
     bool Prepare();

@@ -94,16 +94,16 @@ void ReadRow(const ImageView& picture, const unsigned char* row, const vfILBbox2
 
 } // namespace
 
-EdgeRule EdgeRuleOf(const vfILMonadicSpatialProc& filter)
+EdgeRule EdgeRuleOf(const vfILMonadicSpatialProc& filter, const vfILWindowRun& run)
 {
     EdgeRule rule{filter.GetEdgeMode(), {}};
-    rule.colour.Set(*ImageView(filter.GetInputImg()).format, filter.GetEdgeColor());
+    rule.colour.Set(*run.inputPicture.format, filter.GetEdgeColor());
     return rule;
 }
 
-ImageView InputOf(const vfILMonadicSpatialProc& filter, const vfILWindowRun& run)
+ImageView InputOf(const vfILWindowRun& run)
 {
-    ImageView view(filter.GetInputImg());
+    ImageView view(run.inputPicture);
     view.pixels = run.input.first;
     view.width = run.inputSize[0];
     view.height = run.inputSize[1];

@@ -15,11 +15,11 @@ struct EdgeRule {
     ColourPixel colour; ///< in the picture's format
 };
 
-/// The rule of a filter for its input.
-EdgeRule EdgeRuleOf(const vfILMonadicSpatialProc& filter);
+/// The rule of a filter for the input of its run.
+EdgeRule EdgeRuleOf(const vfILMonadicSpatialProc& filter, const vfILWindowRun& run);
 
 /// What a filter that reads its input itself is to read, in the format of its input.
-ImageView InputOf(const vfILMonadicSpatialProc& filter, const vfILWindowRun& run);
+ImageView InputOf(const vfILWindowRun& run);
 
 /// Which of \p size samples of an axis the place \p at shows; -1 for the edge colour.
 std::int64_t PlaceAt(vfILEdgeMode mode, std::int64_t at, std::int64_t size);

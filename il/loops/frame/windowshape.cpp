@@ -111,13 +111,6 @@ void ForEachMeeting(const Ellipse<double>& ellipse, const vfILVector2l& radius, 
 
 } // namespace
 
-WindowGround::WindowGround(const vfILMonadicSpatialProc& filter) : mode(filter.GetEdgeMode())
-{
-    const ImageView input(filter.GetInputImg());
-    width = input.width;
-    height = input.height;
-}
-
 vfILVector2l TaughtRadius(const WindowGround& ground, const vfILVector2l& radius)
 {
     if (ground.width < 1 || ground.height < 1) return radius;

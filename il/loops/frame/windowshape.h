@@ -12,7 +12,6 @@ namespace vfil {
 
 /// What windows lie on: a picture, which goes on beyond its edges by a mode.
 struct WindowGround {
-    explicit WindowGround(const vfILMonadicSpatialProc& filter);
     WindowGround(vfILEdgeMode edges, long pixels, long rows) : mode(edges), width(pixels), height(rows) {}
 
     vfILEdgeMode mode;

@@ -11,10 +11,11 @@ namespace vfil {
 
 /// The window of such a filter: that of its radii, as far as it meets the picture. False when memory is
 /// short.
-inline bool FindExtremeShape(const vfILMonadicSpatialProc& filter, WindowShape& shape)
+inline bool FindExtremeShape(const vfILMonadicSpatialProc& filter, const vfILPictureView& input,
+                             WindowShape& shape)
 {
     return shape.SetFirstMeetings(double{filter.GetRadiusX()}, double{filter.GetRadiusY()},
-                                  WindowGround(filter));
+                                  {filter.GetEdgeMode(), input.width, input.height});
 }
 
 /// Runs over windows of FindExtremeShape. Does nothing for an output format that is not in the list. False
@@ -24,9 +25,9 @@ bool RunRankExtremes(const vfILMonadicSpatialProc& filter, vfILWindowRun& run, b
                      bool useVectors)
 {
     WindowShape shape;
-    if (!FindExtremeShape(filter, shape)) return false;
+    if (!FindExtremeShape(filter, run.inputPicture, shape)) return false;
     bool done = true;
-    Formats::Visit(FormatOf(filter.GetOutputImg()), [&](auto format) {
+    Formats::Visit(FormatOf(run), [&](auto format) {
         using Format = decltype(format);
         using Sample = typename Format::Sample;
         const auto runRows = [&](auto rows) {

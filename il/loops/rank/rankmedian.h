@@ -218,7 +218,7 @@ bool RunMedians(const vfILMonadicSpatialProc& filter, vfILWindowRun& run, const 
                           {run.radiusX, run.radiusY}))
         return false;
     bool done = true;
-    Formats::Visit(FormatOf(filter.GetOutputImg()), [&](auto format) {
+    Formats::Visit(FormatOf(run), [&](auto format) {
         using Format = decltype(format);
         if (shape.IsEmpty()) return CopyCentres<Format>(filter, run);
         MedianWindow<Format> window(run, shape, rule);

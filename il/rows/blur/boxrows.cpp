@@ -32,8 +32,8 @@ void PlainBox(const Sum* columns, std::size_t width, const Sum* beyond, std::uin
 
 const LevelTables<BoxRows>& Tables()
 {
-    static const LevelTables<BoxRows> tables({PlainMove<std::uint32_t>, PlainBox<4>, PlainBox<1>},
-                                             VFIL_FILLS);
+    static const LevelTables<BoxRows> tables(
+        {.move = PlainMove<std::uint32_t>, .pixels = PlainBox<4>, .mono = PlainBox<1>}, VFIL_FILLS);
     return tables;
 }
 

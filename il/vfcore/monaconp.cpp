@@ -73,9 +73,11 @@ unsigned long FindRows(const ImageView& image, const vfILBbox2l& box, unsigned l
 vfILStatus vfILMonadicConvertProc::PrepareData()
 {
     const ImageView from(GetInputImg());
-    const ImageView to(GetOutputImg());
+    const ImageView to = ViewOf(GetOutputImg(), {from});
     if (GetInputImg() == nullptr) return Fail(0x1000B, GetClassNameW());
     if (GetInputImg() == GetOutputImg()) return Fail(0x10033, GetClassNameW());
+    m_run.from = from;
+    m_run.to = to;
     m_run.inputBox = GetROI() & from.Box();
     m_run.outputBox = Moved(m_run.inputBox, GetOutputOffset()[0] - std::int64_t{GetROI().GetOffsetX()},
                             GetOutputOffset()[1] - std::int64_t{GetROI().GetOffsetY()});
@@ -107,5 +109,10 @@ vfILStatus vfILMonadicConvertProc::CleanData()
 
 GUID vfILMonadicConvertProc::InputFormat() const
 {
-    return FormatOf(GetInputImg());
+    return m_run.from.format != nullptr ? m_run.from.format->id : FormatOf(GetInputImg());
+}
+
+GUID vfILMonadicConvertProc::OutputFormat() const
+{
+    return m_run.to.format != nullptr ? m_run.to.format->id : vfILMonadicImgProc::OutputFormat();
 }

@@ -143,7 +143,7 @@ void vfILRGB2YCCProc::Convert8_RGBA2YCC422(int hasAlpha, PXColorModel model, int
     const YccLayout layout = LayoutOf(model, InputFormat(), alternate);
     const auto arithmetic = vectors && hasAlpha != 0 ? YccArithmetic::Fast : YccArithmetic::Exact;
     const EncodeRow encode = FindEncodeRow({arithmetic, pixelBytes, filtered, vectors, Run().streaming});
-    const ImageView output(GetOutputImg());
+    const ImageView output(Run().to);
     ForEachRow(*this, Run().rows, [&](long row) {
         const auto* rgb = RowOf<const std::uint8_t>(Run().input, row);
         auto* ycc = RowOf<std::uint8_t>(Run().output, output.MemoryRow(row));

@@ -28,7 +28,7 @@ vfILStatus vfILRGBA2Alpha::Verify()
 
 vfILStatus vfILRGBA2Alpha::DoEffect()
 {
-    const GUID format = OutputFormat();
+    const GUID& format = FormatOf(Run());
     if (format == PXFormat_RGBA32) return Convert8();
     if (format == PXFormat_RGBA64) return Convert16();
     return VFIL_SUCCESS;

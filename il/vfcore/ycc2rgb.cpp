@@ -117,7 +117,7 @@ void vfILYCC2RGBProc::Convert8_YCC4222RGBA(int hasAlpha, PXColorModel model, int
     const auto arithmetic = vectors && hasAlpha != 0 ? YccArithmetic::Fast : YccArithmetic::Exact;
     const DecodeRow decode =
         FindDecodeRow({arithmetic, hasAlpha != 0 ? 4 : 3, DoFiltering != 0, vectors, Run().streaming});
-    const ImageView input(GetInputImg());
+    const ImageView input(Run().from);
     ForEachRow(*this, Run().rows, [&](long row) {
         const long from = input.MemoryRow(row);
         const long next = input.MemoryRow(std::min(row + 1, Run().rows - 1));

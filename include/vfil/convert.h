@@ -14,6 +14,8 @@
 
 /// What a converter knows of a run, from PrepareData to CleanData.
 struct vfILConvertRun {
+    vfILPictureView from;   ///< the input
+    vfILPictureView to;     ///< the output
     vfILBbox2l inputBox;    ///< the region on the input
     vfILBbox2l outputBox;   ///< the region on the output
     vfILRowWalk input;      ///< memory rows of the region on the input, the lowest address first
@@ -48,8 +50,9 @@ public:
 
 protected:
     const vfILConvertRun& Run() const { return m_run; }
-    /// The format of the input; all zero without one.
+    // The formats of a run's pictures; outside of a run the pictures are asked. All zero without one.
     vfILGuid InputFormat() const;
+    vfILGuid OutputFormat() const;
 
     std::array<std::uint8_t, 4> m_color8{};   ///< where GetConvertedColor leaves 8-bit samples
     std::array<std::uint16_t, 4> m_color16{}; ///< and 16-bit ones

@@ -144,8 +144,11 @@ void CompareWithModel(const Converter& converter, int settings, const Model& mod
         Configure(*p, setup);
         if (width % 3 == 0) p = converter.copy(*p, setup.fast, height % 2);
         ASSERT_EQ(p->Verify(), VFIL_SUCCESS);
+        in.asked = out.asked = {};
         ASSERT_EQ(p->Execute(), VFIL_SUCCESS);
         ASSERT_EQ(Mismatch(expected, out), "");
+        ASSERT_EQ(in.asked, (GuardedImage::Asked{1, 1, 1, 1, 1}));
+        ASSERT_EQ(out.asked, in.asked);
     };
     for (const FormatCase& from : kFormats)
         for (const FormatCase& to : kFormats) {

@@ -1,5 +1,5 @@
 /// \file
-/// RGB to YCC.
+/// RGB to YCC, and what all conversions to YCC share.
 
 #include "il/loops/convert/colmodels.h"
 #include "il/loops/convert/yccloop.h"
@@ -14,18 +14,10 @@ using namespace vfil;
 namespace {
 
 constexpr vfILRGBFormats kRgba{L"vfILRGBA2YCCA", PXFormat_RGBA32, PXFormat_RGB24, true};
-constexpr vfILRGBFormats kBgra{L"vfILBGRA2YCCA", PXFormat_BGRA32, PXFormat_BGR24, false};
-constexpr vfILRGBFormats kDib{L"vfILDIB2YCCA", PXFormat_Dib32, PXFormat_Dib24, false};
 
 } // namespace
 
 vfILRGBA2YCCA::vfILRGBA2YCCA() : vfILRGB2YCCProc(kRgba)
-{}
-
-vfILBGRA2YCCA::vfILBGRA2YCCA() : vfILRGB2YCCProc(kBgra)
-{}
-
-vfILDIB2YCCA::vfILDIB2YCCA() : vfILRGB2YCCProc(kDib)
 {}
 
 vfILRGB2YCCProc::vfILRGB2YCCProc(const vfILRGBFormats& formats) : m_formats(formats)

@@ -1,5 +1,5 @@
 /// \file
-/// YCC to RGB.
+/// YCC to RGB, and what all conversions from YCC share.
 
 #include "il/loops/convert/colmodels.h"
 #include "il/loops/convert/yccloop.h"
@@ -16,14 +16,10 @@ using namespace vfil;
 namespace {
 
 constexpr vfILRGBFormats kRgba{L"vfILYCCA2RGBA", PXFormat_RGBA32, PXFormat_RGB24, true};
-constexpr vfILRGBFormats kBgra{L"vfILYCCA2BGRA", PXFormat_BGRA32, PXFormat_BGR24, false};
 
 } // namespace
 
 vfILYCCA2RGBA::vfILYCCA2RGBA() : vfILYCC2RGBProc(kRgba)
-{}
-
-vfILYCCA2BGRA::vfILYCCA2BGRA() : vfILYCC2RGBProc(kBgra)
 {}
 
 vfILYCC2RGBProc::vfILYCC2RGBProc(const vfILRGBFormats& formats) : m_formats(formats)
@@ -140,18 +136,5 @@ void* vfILYCCA2RGBA::GetConvertedColor(const vfILColor& color)
         return m_color8.data();
     }
     color.GetColorAs64(m_color16.data(), PXColorModel_RGB);
-    return m_color16.data();
-}
-
-void* vfILYCCA2BGRA::GetConvertedColor(const vfILColor& color)
-{
-    const GUID output = OutputFormat();
-    if (output == PXFormat_BGRA32 || output == PXFormat_BGR24) {
-        color.GetColorAs32(m_color8.data(), PXColorModel_RGB);
-        std::swap(m_color8[0], m_color8[2]);
-        return m_color8.data();
-    }
-    color.GetColorAs64(m_color16.data(), PXColorModel_RGB);
-    std::swap(m_color16[0], m_color16[2]);
     return m_color16.data();
 }

@@ -79,13 +79,16 @@ struct OperatorClass {
     std::unique_ptr<vfILImgProc> (*copy)(const vfILImgProc& of, bool simd, bool assigns);
 };
 template <class... Processors>
-inline constexpr std::array<OperatorClass, kKinds> kClassesOf{{{Make<Processors>, Copy<Processors>}...}};
+constexpr std::array<OperatorClass, kKinds> ClassesOf()
+{
+    static_assert(sizeof...(Processors) == kKinds, "a Kind or a Layer without its class");
+    return {{{Make<Processors>, Copy<Processors>}...}};
+}
 inline constexpr auto kOperators =
-    kClassesOf<vfILInvertImg, vfILCopyImg, vfILGrayscaleImg, ProbeMonadic, ProbeDyadic, vfILCompositeImg,
-               vfILOverImage, vfILInImage, vfILOutImage, vfILAtopImage, vfILXorImage, vfILAddImage,
-               vfILAddNoClipImage, vfILDiffImage, vfILMultImage, vfILLighterImage, vfILDarkerImage,
-               vfILLumImage, vfILColImage, vfILNonAddImage, vfILInvNonAddImage>;
-static_assert(kOperators.back().make != nullptr, "a Kind or a Layer without its class");
+    ClassesOf<vfILInvertImg, vfILCopyImg, vfILGrayscaleImg, ProbeMonadic, ProbeDyadic, vfILCompositeImg,
+              vfILOverImage, vfILInImage, vfILOutImage, vfILAtopImage, vfILXorImage, vfILAddImage,
+              vfILAddNoClipImage, vfILDiffImage, vfILMultImage, vfILLighterImage, vfILDarkerImage,
+              vfILLumImage, vfILColImage, vfILNonAddImage, vfILInvNonAddImage>();
 
 inline std::unique_ptr<vfILImgProc> MakeProcessor(int kind, bool simd)
 {

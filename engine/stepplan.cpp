@@ -11,7 +11,6 @@
 
 namespace vfil::engine {
 
-using catalogue::Entry;
 using catalogue::FormatName;
 using catalogue::ParameterRole;
 

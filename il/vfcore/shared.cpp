@@ -26,7 +26,8 @@ vfILSharedBytes::vfILSharedBytes(std::size_t count) noexcept
     if (count > PTRDIFF_MAX - sizeof(Head)) return;
     void* const block = ::operator new(sizeof(Head) + count, std::nothrow);
     if (block == nullptr) return;
-    m_bytes = ::new (block) Head + 1;
+    Head* const head = ::new (block) Head;
+    m_bytes = head + 1;
     std::memset(m_bytes, 0, count);
 }
 

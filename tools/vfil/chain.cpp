@@ -17,7 +17,8 @@ engine::ChainFiles FilesOf(const Arguments& arguments, const std::string& option
         if (equals == 0 || equals == std::string::npos || equals + 1 == text.size())
             throw RequestError("--" + option + " '" + text + "' is not NAME=FILE");
         if (!files.emplace(text.substr(0, equals), text.substr(equals + 1)).second)
-            throw RequestError("--" + option + " gives " + text.substr(0, equals) + " two files");
+            throw RequestError("--" + std::string(option).append(" gives ").append(text, 0, equals) +
+                               " two files");
     }
     return files;
 }

@@ -52,6 +52,7 @@ std::vector<Option> Described(const std::vector<engine::Setting>& settings,
                               const std::map<std::string, std::string>& summaries)
 {
     std::vector<Option> options;
+    options.reserve(settings.size());
     for (const engine::Setting& setting : settings) {
         options.push_back({.name = setting.name,
                            .letter = "",

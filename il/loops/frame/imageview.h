@@ -11,7 +11,7 @@ namespace vfil {
 /// What a run knows of one host picture, and how to reach its rows.
 struct ImageView : vfILPictureView {
     /// Asks the picture. Not explicit: a picture may stand where a view is wanted.
-    ImageView(IPXImage* image);
+    ImageView(IPXImage* asked);
     ImageView(const vfILPictureView& view);
 
     bool HasPixels() const { return pixels != nullptr; }

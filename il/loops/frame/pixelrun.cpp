@@ -75,19 +75,19 @@ InputState PrepareInput(const InputPart& input, vfILPixelRun& run, vfILRowWalk& 
     return InputState::Ready;
 }
 
-bool PrepareMaskAndOutput(vfILPixelRun& run, const ImageView& to, const ImageView& mask,
+bool PrepareMaskAndOutput(vfILPixelRun& run, const ImageView& output, const ImageView& mask,
                           const vfILBbox2l& maskBox, PXImageChannel channel)
 {
-    run.picture = to;
+    run.picture = output;
     run.rows = run.processBox.GetSizeY();
-    if (!Covers(to.Box(), run.processBox)) return false;
-    const std::int64_t bytes = std::int64_t{to.RowPixelBytes()} * run.processBox.GetSizeX() * run.rows;
+    if (!Covers(output.Box(), run.processBox)) return false;
+    const std::int64_t bytes = std::int64_t{output.RowPixelBytes()} * run.processBox.GetSizeX() * run.rows;
     run.streaming = bytes >= static_cast<std::int64_t>(kStreamingBytes);
-    run.output = to.Walk(run.processBox.GetOffsetX(), run.processBox.GetOffsetY());
+    run.output = output.Walk(run.processBox.GetOffsetX(), run.processBox.GetOffsetY());
     if (mask.image == nullptr) return true;
 
     const vfILBbox2l sampled = Moved(run.maskedBox, -maskBox.GetOffsetX(), -maskBox.GetOffsetY());
-    if (!mask.HasPixels() || !Covers(mask.Box(), sampled) || mask.channelBytes != to.channelBytes)
+    if (!mask.HasPixels() || !Covers(mask.Box(), sampled) || mask.channelBytes != output.channelBytes)
         return false;
     run.mask = mask.Walk(sampled.GetOffsetX(), sampled.GetOffsetY());
     run.mask.first += ChannelIndex(channel) * mask.channelBytes;
@@ -95,10 +95,10 @@ bool PrepareMaskAndOutput(vfILPixelRun& run, const ImageView& to, const ImageVie
     return true;
 }
 
-bool AreConnected(const ImageView& from, const ImageView& to)
+bool AreConnected(const ImageView& input, const ImageView& output)
 {
-    if (from.image == nullptr || !to.HasPixels()) return false;
-    return from.Box().IsNull() || (from.HasPixels() && from.RowPixelBytes() == to.RowPixelBytes());
+    if (input.image == nullptr || !output.HasPixels()) return false;
+    return input.Box().IsNull() || (input.HasPixels() && input.RowPixelBytes() == output.RowPixelBytes());
 }
 
 unsigned long WhyUnconnected(const ImageView& input, const ImageView& output, unsigned long noInput,

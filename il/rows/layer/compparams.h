@@ -56,6 +56,10 @@ constexpr bool AreLayersInOrder()
 }
 static_assert(AreLayersInOrder(), "kLayers is not in the order of LayerOp");
 
+/// What the last branch of a formula asserts: false, but not before it is asked of an operator.
+template <LayerOp>
+constexpr bool kHasFormula = false;
+
 /// The result's alpha: none, full, or what the operator says.
 enum class AlphaRule { Zero, Full, Computed };
 

@@ -44,7 +44,7 @@ Sample Value(Sample f, Sample q, [[maybe_unused]] Sample u, [[maybe_unused]] Sam
     else if constexpr (op == LayerOp::Darker)
         return std::min(f, q);
     else
-        static_assert(op != op, "an operator without a formula");
+        static_assert(kHasFormula<op>, "an operator without a formula");
 }
 
 /// The constant alpha of a rule that is not Computed.

@@ -40,7 +40,7 @@ Vector SamplewiseValue(Vector f, Vector q)
     else if constexpr (op == LayerOp::Darker)
         return Min(f, q);
     else
-        static_assert(op != op, "an operator without a formula");
+        static_assert(kHasFormula<op>, "an operator without a formula");
 }
 
 /// f is the front at its strength and q the back, both premultiplied where the operator is; u is the front's
@@ -66,7 +66,7 @@ U16 Value(Lanes, U16 f, U16 q, [[maybe_unused]] U16 u, [[maybe_unused]] U16 back
     else if constexpr (op == LayerOp::Mult)
         return Lanes::Mult(f, q);
     else
-        static_assert(op != op, "an operator without a formula");
+        static_assert(kHasFormula<op>, "an operator without a formula");
 }
 
 template <LayerOp op>
@@ -84,7 +84,7 @@ U16 Value(NarrowWordLanes, U16 f, U16 q, [[maybe_unused]] U16 u, [[maybe_unused]
     else if constexpr (op == LayerOp::Diff)
         return AbsDiff(f, q) & Splat(0xFF);
     else
-        static_assert(op != op, "an operator without a formula of its own");
+        static_assert(kHasFormula<op>, "an operator without a formula of its own");
 }
 
 /// Colour times the pixel's alpha; the alpha lane's factor is full, which leaves alpha as it is.

@@ -14,11 +14,11 @@ engine::ChainFiles FilesOf(const Arguments& arguments, const std::string& option
     engine::ChainFiles files;
     for (const std::string& text : arguments.options.All(option)) {
         const std::size_t equals = text.find('=');
+        std::string wrong = "--" + option;
         if (equals == 0 || equals == std::string::npos || equals + 1 == text.size())
-            throw RequestError("--" + option + " '" + text + "' is not NAME=FILE");
+            throw RequestError(wrong.append(" '").append(text).append("' is not NAME=FILE"));
         if (!files.emplace(text.substr(0, equals), text.substr(equals + 1)).second)
-            throw RequestError("--" + std::string(option).append(" gives ").append(text, 0, equals) +
-                               " two files");
+            throw RequestError(wrong.append(" gives ").append(text, 0, equals).append(" two files"));
     }
     return files;
 }

@@ -13,6 +13,7 @@
 #include <vfil/frame.h>
 #include <vfil/geometry.h>
 #include <vfil/image.h>
+#include <vfil/keyer.h>
 #include <vfil/matrix.h>
 #include <vfil/models.h>
 #include <vfil/morphology.h>

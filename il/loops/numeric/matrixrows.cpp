@@ -44,8 +44,11 @@ bool UnitOffsetRows::Allocate(long rows, long cols) noexcept
 void UnitOffsetRows::Copy(const double* const* rows, long numRows, long numCols, int exponent) noexcept
 {
     for (long i = 0; i < numRows; ++i)
-        for (long j = 0; j < numCols; ++j)
-            m_rows[i + 1][j + 1] = exponent == 0 ? rows[i][j] : std::ldexp(rows[i][j], -exponent);
+        std::copy_n(rows[i], numCols, m_rows[i + 1] + 1);
+    if (exponent == 0) return;
+    for (long i = 1; i <= numRows; ++i)
+        for (long j = 1; j <= numCols; ++j)
+            m_rows[i][j] = std::ldexp(m_rows[i][j], -exponent);
 }
 
 double GreatestElement(const double* const* rows, long numRows, long numCols) noexcept

@@ -21,7 +21,7 @@ public:
     /// The index of the largest singular value, the first of equals; 0 when one is NaN.
     long Largest() const noexcept;
     /// Singular value \p k, from 1; infinite when a double does not hold it.
-    double Value(long k) const noexcept { return std::ldexp(w[k], exponent); }
+    double Value(long k) const noexcept { return exponent == 0 ? w[k] : std::ldexp(w[k], exponent); }
 
     long rows = 0;
     long cols = 0;

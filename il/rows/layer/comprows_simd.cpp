@@ -94,8 +94,10 @@ U16 Premultiply(U16 pixels, U16 alpha)
     return Lanes::Mult(pixels, alpha | SplatPixel(Lanes::kAlphaLane));
 }
 
+// What follows is inlined by order: a compiler that calls it for each vector also loads its constants anew.
+
 template <LayerOp op, class Lanes, bool frontPremultiplied, bool backPremultiplied, bool whole>
-U16 LaneValue(U16 back, U16 front, [[maybe_unused]] U16 strength)
+[[gnu::always_inline]] inline U16 LaneValue(U16 back, U16 front, [[maybe_unused]] U16 strength)
 {
     const U16 backAlpha = SplatAlpha(back);
     const U16 frontAlpha = SplatAlpha(front);
@@ -138,7 +140,7 @@ Selection SelectionOf(const LayerParams<Sample>& params)
 
 /// A vector of bytes.
 template <LayerOp op, class Lanes, bool frontPremultiplied, bool backPremultiplied, bool whole>
-U8 LayerValue(ByteLanes, U8 backs, U8 fronts, [[maybe_unused]] U16 strength)
+[[gnu::always_inline]] inline U8 LayerValue(ByteLanes, U8 backs, U8 fronts, [[maybe_unused]] U16 strength)
 {
     if constexpr (TraitsOf(op).samplewise && whole) return SamplewiseValue<op>(fronts, backs);
     const U16Pair b = Widen(backs);
@@ -153,7 +155,7 @@ U8 LayerValue(ByteLanes, U8 backs, U8 fronts, [[maybe_unused]] U16 strength)
 
 /// A vector of 16-bit samples.
 template <LayerOp op, class Lanes, bool frontPremultiplied, bool backPremultiplied, bool whole>
-U8 LayerValue(WordLanes, U8 backs, U8 fronts, U16 strength)
+[[gnu::always_inline]] inline U8 LayerValue(WordLanes, U8 backs, U8 fronts, U16 strength)
 {
     constexpr auto value = LaneValue<op, Lanes, frontPremultiplied, backPremultiplied, whole>;
     return {value({backs.bits}, {fronts.bits}, strength).bits};

@@ -30,6 +30,9 @@ std::vector<Entry> ConvertEntries();
 /// The entries of fill and key.
 std::vector<Entry> FillkeyEntries();
 
+/// The entries of the keyers of RGBA pictures.
+std::vector<Entry> KeyerEntries();
+
 /// The entries of what works on the fields of video.
 std::vector<Entry> FieldEntries();
 

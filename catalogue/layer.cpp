@@ -3,22 +3,15 @@
 #include <catalogue/entryof.h>
 #include <catalogue/families.h>
 #include <catalogue/parameters.h>
+#include <catalogue/twoinputs.h>
 
 #include <vfil/composite.h>
 
-#include <cstdint>
-#include <limits>
 #include <utility>
 
 namespace vfil::catalogue {
 
 namespace {
-
-constexpr double kLowest = std::numeric_limits<std::int32_t>::min();
-constexpr double kHighest = std::numeric_limits<std::int32_t>::max();
-
-constexpr double kDominantA = 0;
-constexpr double kDominantB = 1;
 
 // P is the class that declares the accessors: the layer frame and the masked mix each have their own.
 template <class P>
@@ -30,58 +23,6 @@ Parameter AlphaMode()
          {"full", VFIL_ALPHA_FULL, "opaque"},
          {"computed", VFIL_ALPHA_COMPUTED, "by the operator's rule"}},
         0x1005A);
-}
-
-Parameter InputOffset()
-{
-    return {
-        .name = ParameterName("SetInputOffset"),
-        .type = ParameterType::Point,
-        .unit = "pixels",
-        .minimum = kLowest,
-        .maximum = kHighest,
-        .fallback = Value{},
-        .summary =
-            "position of the front relative to the back; x to the right, y up, between bottom-left pixels",
-        .choices = {},
-        .refusal = 0,
-        .apply =
-            [](vfILProcessor& p, const Value& v) {
-                As<vfILDyadicImgProc>(p).SetInputOffset({static_cast<long>(v.x), static_cast<long>(v.y)});
-            },
-        .read =
-            [](const vfILProcessor& p) {
-                const vfILVector2l& offset = As<vfILDyadicImgProc>(p).GetInputOffset();
-                return Value{static_cast<double>(offset[0]), static_cast<double>(offset[1])};
-            },
-        .role = ParameterRole::InputOffset};
-}
-
-Parameter DominantInput()
-{
-    return {.name = ParameterName("SetDominantInput"),
-            .type = ParameterType::Choice,
-            .unit = "",
-            .minimum = kDominantA,
-            .maximum = kDominantB,
-            .fallback = Value{kDominantA},
-            .summary =
-                "the picture that shows where the two do not overlap and in channels that are not selected",
-            .choices = {{"a", kDominantA, "the back"}, {"b", kDominantB, "the front"}},
-            .refusal = 0,
-            .apply =
-                [](vfILProcessor& p, const Value& v) {
-                    auto& dyadic = As<vfILDyadicImgProc>(p);
-                    dyadic.SetDominantInput(v.x == kDominantB ? dyadic.GetInputImgB()
-                                                              : dyadic.GetInputImgA());
-                },
-            .read =
-                [](const vfILProcessor& p) {
-                    const auto& dyadic = As<vfILDyadicImgProc>(p);
-                    const bool isA = dyadic.GetDominantInput() == dyadic.GetInputImgA();
-                    return Value{isA ? kDominantA : kDominantB};
-                },
-            .role = ParameterRole::DominantInput};
 }
 
 Parameter ExtraTransparency()
@@ -145,10 +86,23 @@ Parameter Legacy16()
     return parameter;
 }
 
+Parameter FrontOffset()
+{
+    return InputOffset(
+        "position of the front relative to the back; x to the right, y up, between bottom-left pixels");
+}
+
 std::vector<Parameter> LayerParameters()
 {
-    return {ExtraTransparency(), AlphaMode<vfILCompImg>(), InputOffset(),
-            DominantInput(),     ImgAPremultiplied(),      ImgBPremultiplied()};
+    return {ExtraTransparency(),
+            AlphaMode<vfILCompImg>(),
+            FrontOffset(),
+            DominantInput(kDominantA,
+                          "the picture that shows where the two do not overlap and in channels that are not "
+                          "selected",
+                          "the back", "the front"),
+            ImgAPremultiplied(),
+            ImgBPremultiplied()};
 }
 
 template <class P>
@@ -200,7 +154,7 @@ Entry Over()
 Entry Composite()
 {
     Entry entry = Layer<vfILCompositeImg>("vfILCompositeImg", "mix the front over the back by a mask");
-    entry.parameters = {MixAmount(), AlphaMode<vfILCompositeImg>(), InputOffset()};
+    entry.parameters = {MixAmount(), AlphaMode<vfILCompositeImg>(), FrontOffset()};
     entry.fixedChannels = VFIL_MODE_RGBA;
     entry.mask = MaskUse::Required;
     return entry;

@@ -23,12 +23,19 @@ public:
     /// What those with one output and a region share beside that: region, mask, default colour. Null for the
     /// others. Connect pictures by the calls below instead, which know what the class adds to these setters.
     virtual vfILImgProc* Frame() = 0;
-    /// \param index 0 is the first input, A of two. Connecting A also makes it dominant.
+    /// \param index 0 is the first input, A of two. Connecting A also makes it dominant, or B of a class that
+    ///              is DominatedByB.
     /// \param image Not owned; must outlive the run. Null for an optional input that is missing.
     virtual void SetInput(std::size_t index, IPXImage* image) = 0;
     /// \param index 0 is the first output, A of two.
     /// \param image Not owned; must outlive the run. Null for an optional output that is not wanted.
     virtual void SetOutput(std::size_t index, IPXImage* image) = 0;
+};
+
+/// A class whose pixels are those of B, which therefore shows where the two inputs do not overlap.
+template <class P>
+struct DominatedByB : P {
+    static constexpr std::size_t kDominant = 1;
 };
 
 /// The operator of a processor class.
@@ -50,14 +57,14 @@ public:
 
     void SetInput(std::size_t index, IPXImage* image) override
     {
-        if constexpr (requires(P p) { p.SetInputImg(image); }) {
+        if constexpr (requires(P p) { p.SetInputImg(image); })
             m_processor.SetInputImg(image);
-        } else if (index == 0) {
+        else if (index == 0)
             m_processor.SetInputImgA(image);
-            if constexpr (std::derived_from<P, vfILDyadicImgProc>) m_processor.SetDominantInput(image);
-        } else {
+        else
             m_processor.SetInputImgB(image);
-        }
+        if constexpr (std::derived_from<P, vfILDyadicImgProc>)
+            if (index == DominantIndex()) m_processor.SetDominantInput(image);
     }
 
     void SetOutput(std::size_t index, IPXImage* image) override
@@ -71,6 +78,14 @@ public:
     }
 
 private:
+    static constexpr std::size_t DominantIndex()
+    {
+        if constexpr (requires { P::kDominant; })
+            return P::kDominant;
+        else
+            return 0;
+    }
+
     // The flag is the processor's own: only a class that derives from it can clear it.
     struct Concrete final : P {
         explicit Concrete(bool simd)

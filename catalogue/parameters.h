@@ -1,15 +1,17 @@
 /// \file
 /// What the parameters of all families are made of. A parameter is written once, as a setter and a getter:
-/// its name is the setter's.
+/// its name is the setter's, unless that sets several.
 #pragma once
 
 #include <catalogue/entry.h>
 #include <catalogue/names.h>
 
+#include <array>
 #include <concepts>
 #include <cstddef>
 #include <optional>
 #include <string_view>
+#include <tuple>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -66,6 +68,31 @@ struct Accessors<kSet, kGet> {
     static Value Read(const vfILProcessor& processor) { return ToValue((As<P>(processor).*kGet)()); }
 };
 
+/// The same of one of the numbers that a setter takes, and a getter gives through pointers, together; the
+/// others stay as they are.
+template <auto kSet, auto kGet, std::size_t kIndex>
+struct PartAccessors;
+
+template <class P, class... Numbers, class... Pointers, void (P::*kSet)(Numbers...),
+          void (P::*kGet)(Pointers...) const, std::size_t kIndex>
+struct PartAccessors<kSet, kGet, kIndex> {
+    static void Apply(vfILProcessor& processor, const Value& value)
+    {
+        auto numbers = ReadAll(processor);
+        numbers[kIndex] = value.x;
+        std::apply([&](auto... number) { (As<P>(processor).*kSet)(number...); }, numbers);
+    }
+    static Value Read(const vfILProcessor& processor) { return {ReadAll(processor)[kIndex]}; }
+
+private:
+    static auto ReadAll(const vfILProcessor& processor)
+    {
+        std::array<double, sizeof...(Numbers)> numbers{};
+        std::apply([&](auto&... number) { (As<P>(processor).*kGet)(&number...); }, numbers);
+        return numbers;
+    }
+};
+
 /// The text in which a compiler names a template's argument. std::source_location would tell the same; not
 /// every compiler and library have it together.
 template <auto kMember>
@@ -115,6 +142,42 @@ template <auto kSet, auto kGet>
 Parameter ShareParameter(double fallback, const char* summary, unsigned long refusal)
 {
     return UnitParameter<kSet, kGet>(ParameterType::Number, Value{fallback}, summary, refusal);
+}
+
+/// The numbers that a parameter takes, and the one that it has by default.
+struct Range {
+    double minimum;
+    double maximum;
+    double fallback;
+    const char* unit = "";
+};
+
+template <auto kSet, auto kGet>
+Parameter NumberParameter(const Range& range, const char* summary, unsigned long refusal)
+{
+    auto parameter = ShareParameter<kSet, kGet>(range.fallback, summary, refusal);
+    parameter.unit = range.unit;
+    parameter.minimum = range.minimum;
+    parameter.maximum = range.maximum;
+    return parameter;
+}
+
+/// One of the numbers of a setter of several, by a name of its own: SetLiftAndGain gives "lift" and "gain".
+template <auto kSet, auto kGet, std::size_t kIndex>
+Parameter PartParameter(const char* name, const Range& range, const char* summary, unsigned long refusal)
+{
+    using HowItIsSet = PartAccessors<kSet, kGet, kIndex>;
+    return {.name = name,
+            .type = ParameterType::Number,
+            .unit = range.unit,
+            .minimum = range.minimum,
+            .maximum = range.maximum,
+            .fallback = Value{range.fallback},
+            .summary = summary,
+            .choices = {},
+            .refusal = refusal,
+            .apply = HowItIsSet::Apply,
+            .read = HowItIsSet::Read};
 }
 
 template <auto kSet, auto kGet>

@@ -62,6 +62,8 @@ void PlanInputs(JobPlan& plan, StepPlan& planned)
 void PlanDominant(const JobPlan& plan, StepPlan& planned)
 {
     vfILVector2l offset;
+    const catalogue::Parameter* dominant = FindRole(*planned.step.entry, ParameterRole::DominantInput);
+    if (dominant != nullptr && dominant->fallback) planned.dominant = dominant->fallback->x == 0 ? 0 : 1;
     for (const auto& [parameter, value] : planned.step.parameters) {
         if (parameter->role == ParameterRole::DominantInput) planned.dominant = value.x == 0 ? 0 : 1;
         if (parameter->role == ParameterRole::InputOffset) {

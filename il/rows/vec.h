@@ -137,6 +137,12 @@ inline U8 AddClip(U8 a, U8 b)
     return {VFIL_MM(adds_epu8)(a.bits, b.bits)};
 }
 
+/// The difference, 0 where b is larger.
+inline U8 SubClip(U8 a, U8 b)
+{
+    return {VFIL_MM(subs_epu8)(a.bits, b.bits)};
+}
+
 inline U8 AbsDiff(U8 a, U8 b)
 {
     return {VFIL_BITS(or)(VFIL_MM(subs_epu8)(a.bits, b.bits), VFIL_MM(subs_epu8)(b.bits, a.bits))};

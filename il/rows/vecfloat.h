@@ -37,6 +37,16 @@ inline F32 operator*(F32 a, F32 b)
     return {VFIL_MM(mul_ps)(a.v, b.v)};
 }
 
+inline F32 operator/(F32 a, F32 b)
+{
+    return {VFIL_MM(div_ps)(a.v, b.v)};
+}
+
+inline F32 ToFloat(S32 v)
+{
+    return {VFIL_MM(cvtepi32_ps)(v.bits)};
+}
+
 inline F32 LoadFloats(const float* p)
 {
     return {VFIL_MM(loadu_ps)(p)};

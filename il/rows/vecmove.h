@@ -55,6 +55,20 @@ inline U8 NarrowLanes(S32 a, S32 b, S32 c, S32 d)
 #endif
 }
 
+/// The byte of a table at each index, with what follows it above: reads 3 bytes more than that.
+inline S32 GatherBytes(const std::uint8_t* table, S32 indices)
+{
+#if defined(__AVX512BW__)
+    return {_mm512_i32gather_epi32(indices.bits, table, 1)};
+#elif defined(__AVX2__)
+    return {_mm256_i32gather_epi32(reinterpret_cast<const int*>(table), indices.bits, 1)};
+#else
+    std::uint32_t at[kLanes32];
+    std::memcpy(at, &indices, sizeof at);
+    return {_mm_setr_epi32(table[at[0]], table[at[1]], table[at[2]], table[at[3]])};
+#endif
+}
+
 #if defined(__AVX2__)
 /// Pixels of 3 bytes in the lower bytes of 32 bits each, whose top byte is undefined. Four pixels, 12 bytes,
 /// fill each 128 bits; the highest of these loads starts 4 bytes early, so that none reads behind the last.

@@ -26,6 +26,38 @@ inline U8 NarrowPairs(S32 a, S32 b)
     return OrderNarrowed({NarrowFull({a, b}).bits});
 }
 
+/// Signed lanes to 16 bits with saturation: each of the first vector in the lower half of 32 bits, with that
+/// of the second in the upper one.
+inline U16 PackBeside(S32 low, S32 high)
+{
+    const U16 fours = PackSigned(low, high); // four of low, four of high in each 128 bits
+#if defined(__AVX2__)
+    return {Shuffle16(fours.bits, 0x0B0A'0302'0908'0100, 0x0F0E'0706'0D0C'0504)};
+#else
+    return {_mm_unpacklo_epi16(fours.bits, _mm_unpackhi_epi64(fours.bits, fours.bits))};
+#endif
+}
+
+/// The halves of each 32 bits exchanged.
+inline U16 SwapHalves(U16 v)
+{
+#if defined(__AVX2__)
+    return {Shuffle16(v.bits, 0x0504'0706'0100'0302, 0x0D0C'0F0E'0908'0B0A)};
+#else
+    return {_mm_shufflehi_epi16(_mm_shufflelo_epi16(v.bits, 0xB1), 0xB1)}; // [1 0 3 2]
+#endif
+}
+
+/// The lower half of each 32 bits in both.
+inline U16 SplatLowHalves(U16 v)
+{
+#if defined(__AVX2__)
+    return {Shuffle16(v.bits, 0x0504'0504'0100'0100, 0x0D0C'0D0C'0908'0908)};
+#else
+    return {_mm_shufflehi_epi16(_mm_shufflelo_epi16(v.bits, 0xA0), 0xA0)}; // [0 0 2 2]
+#endif
+}
+
 /// Each byte twice, in the order of the bytes.
 struct U8Pair {
     U8 lo, hi;
@@ -36,7 +68,7 @@ inline U8Pair Twice(U8 v)
 #if defined(__AVX512BW__)
     v.bits = _mm512_permutexvar_epi64(_mm512_setr_epi64(0, 4, 1, 5, 2, 6, 3, 7), v.bits);
 #elif defined(__AVX2__)
-    v.bits = _mm256_permute4x64_epi64(v.bits, 0xD8); // [0 2 1 3]
+    v.bits = _mm256_permute4x64_epi64(v.bits, 0xD8);                       // [0 2 1 3]
 #endif
     return {{VFIL_MM(unpacklo_epi8)(v.bits, v.bits)}, {VFIL_MM(unpackhi_epi8)(v.bits, v.bits)}};
 }

@@ -29,6 +29,12 @@ inline Where16 Equal(U16 a, U16 b)
     return {_mm512_cmpeq_epi16_mask(a.bits, b.bits)};
 }
 
+/// Of signed lanes.
+inline Where16 Greater(U16 a, U16 b)
+{
+    return {_mm512_cmpgt_epi16_mask(a.bits, b.bits)};
+}
+
 inline Where32 Greater(S32 a, S32 b)
 {
     return {_mm512_cmpgt_epi32_mask(a.bits, b.bits)};
@@ -65,6 +71,12 @@ inline Where Equal(U16 a, U16 b)
     return {VFIL_MM(cmpeq_epi16)(a.bits, b.bits)};
 }
 
+/// Of signed lanes.
+inline Where Greater(U16 a, U16 b)
+{
+    return {VFIL_MM(cmpgt_epi16)(a.bits, b.bits)};
+}
+
 inline Where Greater(S32 a, S32 b)
 {
     return {VFIL_MM(cmpgt_epi32)(a.bits, b.bits)};
@@ -81,6 +93,18 @@ V Select(Where where, V there, V elsewhere)
 #endif
 }
 #endif
+
+/// True when no bit is set.
+inline bool IsZero(U16 v)
+{
+#if defined(__AVX512BW__)
+    return _mm512_test_epi64_mask(v.bits, v.bits) == 0;
+#elif defined(__AVX2__)
+    return _mm256_testz_si256(v.bits, v.bits) != 0;
+#else
+    return _mm_movemask_epi8(_mm_cmpeq_epi8(v.bits, Register{})) == 0xFFFF;
+#endif
+}
 
 } // namespace
 } // namespace vfil

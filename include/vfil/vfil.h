@@ -23,3 +23,4 @@
 #include <vfil/rank.h>
 #include <vfil/spatial.h>
 #include <vfil/tables.h>
+#include <vfil/videokeyer.h>

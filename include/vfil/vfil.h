@@ -22,4 +22,5 @@
 #include <vfil/pxformat.h>
 #include <vfil/rank.h>
 #include <vfil/spatial.h>
+#include <vfil/tablekeyer.h>
 #include <vfil/tables.h>

@@ -46,8 +46,10 @@ vfILStatus vfILFGSurpress::DoEffect()
 {
     const GUID& format = FormatOf(Run());
     if (format == PXFormat_RGBA32) return Process8();
-    // A host that runs it on 16 bits is not stopped by that.
-    return format == PXFormat_RGBA64 ? VFIL_SUCCESS : Fail(0x1000D, GetClassNameW());
+    if (format != PXFormat_RGBA64) return Fail(0x1000D, GetClassNameW());
+    // A host that runs it on 16 bits is told so, but not stopped by that: the code is that of no error.
+    Fail(0, "%s 16 bit processing not supported currently\n", GetClassNameW());
+    return VFIL_SUCCESS;
 }
 
 vfILStatus vfILFGSurpress::Process8()

@@ -12,8 +12,9 @@ const std::vector<Entry>& Entries()
 {
     static const std::vector<Entry> entries = [] {
         std::vector<Entry> all;
-        for (const auto family : {LayerEntries, PixelEntries, BlurEntries, EdgeEntries, RankEntries,
-                                  MorphEntries, ConvertEntries, FillkeyEntries, KeyerEntries, FieldEntries}) {
+        for (const auto family :
+             {LayerEntries, PixelEntries, BlurEntries, EdgeEntries, RankEntries, MorphEntries, ConvertEntries,
+              FillkeyEntries, KeyerEntries, TableKeyerEntries, FieldEntries}) {
             std::vector<Entry> some = family();
             std::move(some.begin(), some.end(), std::back_inserter(all));
         }

@@ -6,6 +6,11 @@
 
 namespace vfil::catalogue {
 
+Table ConstantCurve(double number)
+{
+    return {std::vector<double>(static_cast<std::size_t>(kCurvePoints), number), kCurvePoints};
+}
+
 const Parameter* FindRole(const Entry& entry, ParameterRole role)
 {
     const auto found = std::find_if(entry.parameters.begin(), entry.parameters.end(),
@@ -47,6 +52,10 @@ const char* TypeName(ParameterType type)
         return "colour";
     case ParameterType::Table:
         return "table";
+    case ParameterType::Curve:
+        return "curve";
+    case ParameterType::Box:
+        return "box";
     }
     return "";
 }

@@ -23,6 +23,8 @@ enum class ParameterType {
     Pair, ///< two numbers, of x and y; one stands for both
     Colour,
     Table, ///< numbers of the pixels of a window
+    Curve, ///< a whole number for each of 0 .. kCurvePoints - 1
+    Box,   ///< x and y of its lowest corner, width and height
 };
 
 /// Numbers by rows, the top one first, an odd count of rows and of columns.
@@ -35,8 +37,15 @@ struct Table {
     friend bool operator==(const Table&, const Table&) = default;
 };
 
+/// The numbers of a curve, in a table of one row.
+inline constexpr long kCurvePoints = 256;
+
+/// The curve that has the same number everywhere.
+Table ConstantCurve(double number);
+
 /// The value of a parameter of any type: a number, a choice's value, the bits of a set or a flag (0 or 1) in
-/// x; a point or a pair in x and y; red, green, blue and alpha of a colour in x, y, z and w.
+/// x; a point or a pair in x and y; red, green, blue and alpha of a colour, or the numbers of a box, in x, y,
+/// z and w.
 struct Value {
     double x = 0;
     double y = 0;
@@ -63,6 +72,7 @@ enum class ParameterRole {
     Radius,            ///< how far a window reaches, and with it how much memory a run takes
     ChromaFilter,      ///< of a conversion that halves or doubles chroma
     Dither,            ///< of a conversion
+    KeyColour,         ///< the colour that a key removes from its first input
 };
 
 /// A parameter of a processor.
@@ -155,7 +165,8 @@ bool Takes(const Entry& entry, const GUID& from, const GUID& to);
 /// Whether the processor makes nothing but another format of a picture.
 bool IsConverter(const Entry& entry);
 
-/// The type in words: "number", "integer", "choice", "set", "flag", "point", "pair", "colour", "table".
+/// The type in words: "number", "integer", "choice", "set", "flag", "point", "pair", "colour", "table",
+/// "curve", "box".
 const char* TypeName(ParameterType type);
 
 } // namespace vfil::catalogue

@@ -33,6 +33,9 @@ std::vector<Entry> FillkeyEntries();
 /// The entries of the keyers of RGBA pictures.
 std::vector<Entry> KeyerEntries();
 
+/// The entries of the keys by tables, and of what corrects the colour beside a key.
+std::vector<Entry> TableKeyerEntries();
+
 /// The entries of what works on the fields of video.
 std::vector<Entry> FieldEntries();
 

@@ -12,14 +12,6 @@
 
 namespace vfil::catalogue {
 
-Parameter KeyColor(const Value& fallback)
-{
-    Parameter parameter = ColourParameter<&vfILKeyerBase::SetKeyColor, &vfILKeyerBase::GetKeyColor>(
-        fallback, "the colour to remove, that of the screen");
-    parameter.refusal = 0x10048;
-    return parameter;
-}
-
 namespace {
 
 // A pure green screen: a guess, but one that shows something.

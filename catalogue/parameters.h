@@ -201,6 +201,15 @@ Parameter TableParameter(double minimum, double maximum, const char* summary)
     return parameter;
 }
 
+/// A curve of bytes; an empty one stands for none.
+template <auto kSet, auto kGet>
+Parameter CurveParameter(const Value& fallback, const char* summary)
+{
+    Parameter parameter = UnitParameter<kSet, kGet>(ParameterType::Curve, fallback, summary, 0);
+    parameter.maximum = 255;
+    return parameter;
+}
+
 /// A choice among values without a gap, in ascending order.
 template <auto kSet, auto kGet>
 Parameter ChoiceParameter(double fallback, const char* summary, std::vector<Choice> choices,

@@ -22,5 +22,6 @@
 #include <vfil/pxformat.h>
 #include <vfil/rank.h>
 #include <vfil/spatial.h>
+#include <vfil/tablekeyer.h>
 #include <vfil/tables.h>
 #include <vfil/videokeyer.h>

@@ -45,6 +45,10 @@ Value OtherThanDefault(const Parameter& parameter)
         return {0.25};
     case ParameterType::Table:
         return {.table = {{1, 0, 1}, 3}};
+    case ParameterType::Curve:
+        return {.table = catalogue::ConstantCurve(7)};
+    case ParameterType::Box:
+        return {1, 0, 2, 1};
     case ParameterType::Flag:
         return {usual == 0 ? 1.0 : 0.0};
     case ParameterType::Choice:
@@ -158,6 +162,7 @@ TEST(EachEntry, RolesAreThoseOfTheNames)
                                        : is("input-offset") ? ParameterRole::InputOffset
                                        : is("do-filtering") ? ParameterRole::ChromaFilter
                                        : is("do-dithering") ? ParameterRole::Dither
+                                       : is("key-color")    ? ParameterRole::KeyColour
                                                             : ParameterRole::None;
             EXPECT_EQ(parameter.role, role) << entry.name << " " << parameter.name;
         }
@@ -227,7 +232,7 @@ TEST(EachEntry, RangesAreThoseOfVerify)
 {
     for (const Entry& entry : catalogue::Entries()) {
         for (const Parameter& parameter : entry.parameters) {
-            if (parameter.refusal == 0 || parameter.required) continue;
+            if (parameter.refusal == 0 || parameter.required || parameter.type == ParameterType::Box) continue;
             const Bench bench(entry);
             const double low = parameter.minimum;
             const double high = parameter.maximum;

@@ -17,6 +17,9 @@ void RunList(const Arguments& arguments);
 /// \return the exit status
 int RunInfo(const Arguments& arguments);
 
+/// Compares a matte with the true one.
+void RunScore(const Arguments& arguments);
+
 /// Explains an operator, or the command.
 void RunHelp(const Arguments& arguments);
 

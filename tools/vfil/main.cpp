@@ -42,6 +42,10 @@ int RunCommand(const Command& command, const std::vector<std::string>& words)
         CatchInterrupts();
         RunChains(arguments);
     }
+    if (command.name == "score") {
+        CatchInterrupts();
+        RunScore(arguments);
+    }
     if (command.name == "list") RunList(arguments);
     if (command.name == "help") RunHelp(arguments);
     if (command.name == "man") std::cout << ManPage();

@@ -212,6 +212,28 @@ std::vector<Option> ChainOptions()
                     RunOptions()});
 }
 
+// Those of the options for reading by which a matte can be read.
+std::vector<Option> ScoreOptions()
+{
+    std::vector<Option> options = {
+        {"diff", "", "FILE",
+         "write what matte minus truth is, as a grey picture, or as a clip where one is compared: mid grey "
+         "where they are equal, lighter where the matte holds too much, darker where it holds too little"},
+        {"channel",
+         "",
+         "alpha|luma",
+         "what the mattes are (default alpha of a clip that has it and of a picture that is not opaque "
+         "everywhere, else luma)",
+         {"alpha", "luma"}},
+        {"json", "", "", "write a record, with each frame's figures, to standard output"}};
+    for (const Option& option : SourceOptions()) {
+        if (option.name == "in-format" || option.name == "in-size" || option.name == "range")
+            options.push_back(option);
+    }
+    options.back().summary = "range of the luma of clips, when the file is wrong or does not say";
+    return options;
+}
+
 } // namespace
 
 const std::vector<Command>& Commands()
@@ -230,6 +252,8 @@ const std::vector<Command>& Commands()
          "run chains of operators that stand in files, on pictures or clips", ChainOptions()},
         {"info", "FILE... [--json]", "show what pictures and clips hold, and who says so",
          Combine({{{"json", "", "", "write a JSON array"}}, SourceOptions()})},
+        {"score", "MATTE TRUTH [--json] [--diff FILE]",
+         "tell how near a matte is to the true one: pictures or clips", ScoreOptions()},
         {"help", "[OPERATOR]", "explain an operator or the command", {}},
         {"completion", "bash", "write a completion script", {}, true, {"bash"}},
         {"man", "", "write the manual page, as roff", {}, false},

@@ -48,10 +48,8 @@ void ExpectLumaKey(vfILLumaKeyer& keyer)
 template <class P>
 Parameter KeepOrigAlpha()
 {
-    Parameter parameter = FlagParameter<&P::SetKeepOrigAlphaFlag, &P::GetKeepOrigAlphaFlag>(
+    return FlagParameter<&P::SetKeepOrigAlphaFlag, &P::GetKeepOrigAlphaFlag>(
         Value{0}, "let the result's alpha be no more than the picture's own");
-    parameter.name = "keep-orig-alpha";
-    return parameter;
 }
 
 template <class P>

@@ -28,10 +28,10 @@ std::size_t Mirrored(std::size_t i, std::size_t count)
     return place < count ? place : 2 * count - 1 - place;
 }
 
-/// The bundled photograph, set side by side in mirrored copies up to the size of the frames.
-PicturePtr Photograph(const GUID& format)
+/// A bundled picture, set side by side in mirrored copies up to the size of the frames.
+PicturePtr Tiled(const std::string& name, const GUID& format)
 {
-    const PicturePtr file = vfil::host::ReadPicture(VFIL_MEDIA "/cat-fur-rgb8.png", {format});
+    const PicturePtr file = vfil::host::ReadPicture(VFIL_MEDIA "/" + name, {format});
     PicturePtr photo = Picture::Create(format, kWidth, kHeight);
     const auto pixelBytes = static_cast<std::size_t>(file->PixelBytes());
     const auto width = static_cast<std::size_t>(file->Width());
@@ -85,8 +85,9 @@ Frames::Frames()
                         std::ref(random));
         return made;
     };
-    const PicturePtr photo = Photograph(PXFormat_RGBA32);
-    const PicturePtr photo16 = Photograph(PXFormat_RGBA64);
+    const PicturePtr photo = Tiled("cat-fur-rgb8.png", PXFormat_RGBA32);
+    const PicturePtr photo16 = Tiled("cat-fur-rgb8.png", PXFormat_RGBA64);
+    const PicturePtr plate = Tiled("greenscreen-cup-plate.png", PXFormat_RGBA32);
     const PicturePtr gray = Planes(*photo, 1);
     const PicturePtr planes = Planes(*photo, 4);
     for (std::size_t i = 0; i < kFrames; ++i) {
@@ -100,7 +101,8 @@ Frames::Frames()
                     {},
                     {},
                     {Copy(*photo), Copy(*photo16), Copy(*gray)},
-                    Copy(*planes)};
+                    Copy(*planes),
+                    Copy(*plate)};
         frame.inputs = {frame.back, frame.back16};
         frame.outputs = {frame.out, frame.out16, picture(PXFormat_Mono8)};
         for (const GUID& format : kConverted) {

@@ -33,6 +33,8 @@ struct Frame {
     std::vector<PicturePtr> photos;
     /// ... and the planes G, B, R and A of 8 bits, one below the other.
     PicturePtr photoPlanes;
+    /// A subject before a green screen, in RGBA, opaque, for the keyers.
+    PicturePtr plate;
 
     vfil::host::Picture& In(const GUID& format) const { return Find(inputs, format); }
     vfil::host::Picture& Out(const GUID& format) const { return Find(outputs, format); }
@@ -117,6 +119,12 @@ inline constexpr char kFillCopied[] = "split fill, same order";
 inline constexpr char kFillSwapped[] = "split fill, other order";
 inline constexpr char kKey[] = "split key";
 inline constexpr char kJoin[] = "join fill and key";
+
+// Keys, by what they go by.
+inline constexpr char kKeyHue[] = "key, hue";
+inline constexpr char kKeyDifference[] = "key, difference";
+inline constexpr char kKeyRamp[] = "key, ramp";
+inline constexpr char kKeyLuma[] = "key, luma";
 
 /// The ending of operations that write over the back, as pixman does.
 inline constexpr char kInPlace[] = ", in place";

@@ -21,15 +21,16 @@ constexpr Value kGreen{0, 1, 0, 1};
 void ExpectSectorKey(vfILChromaKeyer& keyer)
 {
     keyer.SetKeyColor({0, 1, 0, 1});
-    keyer.SetAngleTolerance(60);
-    keyer.SetLiftAndGain(0.1, 0.5);
+    keyer.SetAngleTolerance(120);
+    keyer.SetLiftAndGain(0, 1);
 }
 
 void ExpectDifferenceKey(vfILBlueGreenKeyer& keyer)
 {
     keyer.SetKeyColor({0, 1, 0, 1});
-    keyer.SetC0(2);
+    keyer.SetC0(4);
     keyer.SetC1(1);
+    keyer.SetC2(0.25);
 }
 
 void ExpectLinearKey(vfILLinearKeyer& keyer)
@@ -47,10 +48,8 @@ void ExpectLumaKey(vfILLumaKeyer& keyer)
 template <class P>
 Parameter KeepOrigAlpha()
 {
-    Parameter parameter = FlagParameter<&P::SetKeepOrigAlphaFlag, &P::GetKeepOrigAlphaFlag>(
+    return FlagParameter<&P::SetKeepOrigAlphaFlag, &P::GetKeepOrigAlphaFlag>(
         Value{0}, "let the result's alpha be no more than the picture's own");
-    parameter.name = "keep-orig-alpha";
-    return parameter;
 }
 
 template <class P>
@@ -89,11 +88,11 @@ Entry ChromaKeyer()
     return RgbaKeyer<P, &ExpectSectorKey>(
         "vfILChromaKeyer", "key by hue: a sector of the chroma plane around the key colour",
         {KeyColor(kGreen),
-         NumberParameter<&P::SetAngleTolerance, &P::GetAngleTolerance>({0, 360, 60, "degrees"},
+         NumberParameter<&P::SetAngleTolerance, &P::GetAngleTolerance>({0, 360, 120, "degrees"},
                                                                        "how wide the sector opens", 0x10023),
          PartParameter<&P::SetLiftAndGain, &P::GetLiftAndGain, 0>(
-             "lift", {0, 1, 0.1}, "how far from grey the sector begins, which saves pale colours", 0x10023),
-         PartParameter<&P::SetLiftAndGain, &P::GetLiftAndGain, 1>("gain", {0, 1, 0.5},
+             "lift", {0, 1, 0}, "how far from grey the sector begins, which saves pale colours", 0x10023),
+         PartParameter<&P::SetLiftAndGain, &P::GetLiftAndGain, 1>("gain", {0, 1, 1},
                                                                   "how steep the matte's edge is", 0x10023),
          FlagParameter<&P::SetOutputChromaMap, &P::GetOutputChromaMap>(
              Value{0}, "paint the chroma plane with what is keyed of it"),
@@ -111,10 +110,10 @@ Entry BlueGreenKeyer()
     return RgbaKeyer<P, &ExpectDifferenceKey>(
         "vfILBlueGreenKeyer", "key by how much more of green, or blue, there is than of the other channels",
         {KeyColor(kGreen),
-         NumberParameter<&P::SetC0, &P::GetC0>(Coefficient(2), "how strong the screen's channel keys", 0),
+         NumberParameter<&P::SetC0, &P::GetC0>(Coefficient(4), "how strong the screen's channel keys", 0),
          NumberParameter<&P::SetC1, &P::GetC1>(Coefficient(1),
                                                "how much red, of a blue screen green, saves from the key", 0),
-         NumberParameter<&P::SetC2, &P::GetC2>(Coefficient(0),
+         NumberParameter<&P::SetC2, &P::GetC2>(Coefficient(0.25),
                                                "how much blue, of a blue screen red, saves from the key", 0),
          KeepOrigAlpha<P>()});
 }

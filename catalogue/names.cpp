@@ -63,7 +63,7 @@ std::string CommandName(std::string_view className)
 
 std::string ParameterName(std::string_view setter)
 {
-    return KebabCase(WithoutStart(setter, "Set"));
+    return KebabCase(WithoutEnd(WithoutStart(setter, "Set"), "Flag"));
 }
 
 std::string FormatName(const GUID& format)

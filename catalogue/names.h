@@ -17,7 +17,7 @@ std::string KebabCase(std::string_view camelCase);
 /// The command of a class: the name without "vfIL" and the ending "Img" or "Image".
 std::string CommandName(std::string_view className);
 
-/// The option of a setter: the name without "Set".
+/// The option of a setter: the name without "Set", and without the ending "Flag".
 std::string ParameterName(std::string_view setter);
 
 /// The name of a format: its identifier's in lower case with "-" for "_". "unknown" for an identifier that is

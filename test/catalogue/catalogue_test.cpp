@@ -115,6 +115,7 @@ long RowSum(const host::Picture& picture, long y)
 TEST(Names, FollowTheLibrary)
 {
     EXPECT_EQ(catalogue::ParameterName("SetImgAPremultiplied"), "img-a-premultiplied");
+    EXPECT_EQ(catalogue::ParameterName("SetReverseFlag"), "reverse");
     EXPECT_EQ(catalogue::CommandName("vfILYCCA2BGRA"), "ycca2bgra");
     EXPECT_EQ(catalogue::CommandName("vfIL16to8"), "16to8");
     EXPECT_EQ(catalogue::CommandName("vfIL2TapIIR"), "2tap-iir");

@@ -38,7 +38,7 @@ void CallIt(Entry& entry, const char* name)
 
 Entry Split()
 {
-    Entry entry = WholePictureEntry<vfILYCCA2YCCYCC>("vfILYCCA2YCCYCC", "key",
+    Entry entry = WholePictureEntry<vfILYCCA2YCCYCC>("vfILYCCA2YCCYCC", "fill and key",
                                                      "split a picture with alpha into fill and key");
     entry.inputs = {{"picture", "the picture with alpha"}};
     entry.outputs = {{"fill", "its colour", true}, {"key", "its alpha as luma", true}};
@@ -63,7 +63,7 @@ Parameter FillColor()
 
 Entry Join()
 {
-    Entry entry = WholePictureEntry<vfILYCCYCC2YCCA>("vfILYCCYCC2YCCA", "key",
+    Entry entry = WholePictureEntry<vfILYCCYCC2YCCA>("vfILYCCYCC2YCCA", "fill and key",
                                                      "join fill and key to a picture with alpha");
     entry.inputs = {{"fill", "its colour", true}, {"key", "its alpha as luma", true}};
     for (const Side& side : Sides()) {

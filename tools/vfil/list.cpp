@@ -115,16 +115,20 @@ void RunList(const Arguments& arguments)
             all.push_back(EntryRecord(entry));
         return PrintRecord(all, std::cout);
     }
-    std::size_t width = 0;
-    for (const Entry& entry : catalogue::Entries())
-        width = std::max(width, entry.name.size());
+    std::size_t nameWidth = 0;
+    std::size_t inputsWidth = 0;
+    for (const Entry& entry : catalogue::Entries()) {
+        nameWidth = std::max(nameWidth, entry.name.size());
+        inputsWidth = std::max(inputsWidth, PictureNames(entry).size());
+    }
+    const auto padded = [](std::size_t width) { return std::setw(static_cast<int>(width) + 1); };
     std::string family;
     for (const Entry& entry : catalogue::Entries()) {
         if (family != entry.family)
             std::cout << (family.empty() ? "" : "\n") << FamilyTitle(entry.family) << '\n';
         family = entry.family;
-        std::cout << "  " << std::left << std::setw(static_cast<int>(width) + 1) << entry.name
-                  << std::setw(13) << PictureNames(entry) << entry.summary << '\n';
+        std::cout << "  " << std::left << padded(nameWidth) << entry.name << padded(inputsWidth)
+                  << PictureNames(entry) << entry.summary << '\n';
     }
 }
 

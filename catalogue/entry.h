@@ -96,6 +96,7 @@ struct Parameter {
 /// What a mask picture does to a processor.
 enum class MaskUse {
     None,     ///< refused
+    Ignored,  ///< taken, and of no use but that its box bounds the region: better refused by who offers masks
     BoxOnly,  ///< only the box of the mask counts: it bounds the region
     Sampled,  ///< mixes the result with the input
     Required, ///< the processor does not run without one

@@ -78,7 +78,7 @@ Entry RgbaKeyer(const char* className, const char* summary, std::vector<Paramete
                                              "the picture that shows where the two do not overlap",
                                              "the plate", "the picture that gets the matte"));
     entry.fixedChannels = VFIL_MODE_RGBA;
-    entry.mask = MaskUse::BoxOnly;
+    entry.mask = MaskUse::Ignored;
     return entry;
 }
 

@@ -188,7 +188,7 @@ Entry ChromaReplace()
         DominantInput(kDominantB, "the picture that shows where the two do not overlap", "the first",
                       "the one whose alpha is kept")};
     entry.fixedChannels = VFIL_MODE_RGBA;
-    entry.mask = MaskUse::BoxOnly;
+    entry.mask = MaskUse::Ignored;
     return entry;
 }
 

@@ -184,7 +184,7 @@ Entry DifferenceKeyerEntry()
     entry.parameters.push_back(DominantInput(
         kDominantB, "the picture that shows where the two do not overlap", "the plate", "the back"));
     entry.fixedChannels = VFIL_MODE_RGBA;
-    entry.mask = MaskUse::BoxOnly;
+    entry.mask = MaskUse::Ignored;
     return entry;
 }
 

@@ -217,8 +217,12 @@ GUID ResultFormat(const JobPlan& plan, const StepPlan& planned)
 
 void CheckTaken(const Step& step)
 {
-    if (step.mask && step.entry->mask == catalogue::MaskUse::None)
+    using enum catalogue::MaskUse;
+    if (step.mask && step.entry->mask == None)
         throw RequestError(step.entry->name + " takes no " + Named("mask"));
+    if (step.mask && step.entry->mask == Ignored)
+        throw RequestError(step.entry->name + " takes no " + Named("mask") +
+                           "; for a part of the picture see " + Named("roi"));
     if (!step.entry->whole) return;
     if (step.roi || step.outputOffset || step.outputSize || (step.mode & kFieldBits) != 0) {
         throw RequestError(step.entry->name + " works on whole pictures: it takes no " + Named("roi") + ", " +

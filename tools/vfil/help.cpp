@@ -69,6 +69,7 @@ const char* MaskText(MaskUse use)
 {
     switch (use) {
     case MaskUse::None:
+    case MaskUse::Ignored:
         return "none";
     case MaskUse::BoxOnly:
         return "only the box of a mask counts: outside it the dominant picture stays";

@@ -28,6 +28,7 @@ const char* MaskName(MaskUse use)
 {
     switch (use) {
     case MaskUse::None:
+    case MaskUse::Ignored:
         return "none";
     case MaskUse::BoxOnly:
         return "box";

@@ -68,14 +68,6 @@ Entry VideoKeyer(const char* className, const char* summary)
     return entry;
 }
 
-template <auto kSet, auto kGet>
-Parameter Flag(const char* name, double fallback, const char* summary)
-{
-    Parameter parameter = FlagParameter<kSet, kGet>(Value{fallback}, summary);
-    parameter.name = name;
-    return parameter;
-}
-
 constexpr const char* kMatteSummary = "write the matte instead of the composite";
 constexpr const char* kSpillSummary = "take the screen's colour out of what is kept";
 
@@ -150,9 +142,9 @@ std::vector<Parameter> DifferenceParameters()
                                                                "what of the key becomes clear", 0),
         PartParameter<&P::SetClipValues, &P::GetClipValues, 1>("clip-high", {-1, 2, 1},
                                                                "what of the key becomes full", 0),
-        Flag<&P::SetOutputMatteFlag, &P::GetOutputMatteFlag>("output-matte", 0, kMatteSummary),
-        Flag<&P::SetApplySpillCorrectionFlag, &P::GetApplySpillCorrectionFlag>("apply-spill", 1,
-                                                                               kSpillSummary),
+        FlagParameter<&P::SetOutputMatteFlag, &P::GetOutputMatteFlag>(Value{0}, kMatteSummary),
+        FlagParameter<&P::SetApplySpillCorrectionFlag, &P::GetApplySpillCorrectionFlag>(Value{1},
+                                                                                        kSpillSummary),
         ColourParameter<&P::SetSpillColor, &P::GetSpillColor>({0, 0, 0, 0},
                                                               "whose chroma takes the place of the spill's"),
         PartParameter<&P::SetSpillThresholdAndSoftness, &P::GetSpillThresholdAndSoftness, 0>(
@@ -201,7 +193,7 @@ Entry LumaKeyer()
         NumberParameter<&P::SetBrightness, &P::GetBrightness>(
             {-1, 1, 0}, "what is added to the luma that is looked at", 0x20002),
         NumberParameter<&P::SetGain, &P::GetGain>({0, 2, 1}, "what that is multiplied by before", 0x20002),
-        Flag<&P::SetOutputMatteFlag, &P::GetOutputMatteFlag>("output-matte", 0, kMatteSummary),
+        FlagParameter<&P::SetOutputMatteFlag, &P::GetOutputMatteFlag>(Value{0}, kMatteSummary),
         FlagParameter<&P::SetReverseFlag, &P::GetReverseFlag>(Value{0}, "keep what is dark"),
     };
     return entry;

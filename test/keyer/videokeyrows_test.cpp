@@ -1,0 +1,196 @@
+/// \file
+/// The vector forms of the kernels of the 4:2:2 keyers against the plain ones.
+#include "il/loops/keyer/yuvkeysetup.h"
+#include "il/rows/keyer/videokeyrows.h"
+
+#include "support/rowcheck.h"
+
+#include <cmath>
+
+namespace vfil {
+namespace {
+
+using Byte = std::uint8_t;
+
+std::int32_t Any(std::mt19937& random, long low, long high)
+{
+    return static_cast<std::int32_t>(test::RandomIn(random, low, high));
+}
+
+double Real(std::mt19937& random, double low, double high)
+{
+    return std::uniform_real_distribution<double>(low, high)(random);
+}
+
+KeySector AnySector(std::mt19937& random)
+{
+    return {random() % 2 ? Any(random, -32767, 32767) : Any(random, 0, 2000), Any(random, 0, 102),
+            Any(random, 256, random() % 4 ? 2304 : 65535), Any(random, 0, random() % 2 ? 40 : 255),
+            Any(random, 256, random() % 2 ? 2000 : 200000)};
+}
+
+SpillLuma AnyLuma(std::mt19937& random)
+{
+    return {Any(random, 0, random() % 2 ? 600 : 32000), Any(random, -40000, 300)};
+}
+
+ChromaKeyParams AnyParams(std::mt19937& random, ChromaKeyParams)
+{
+    const double turn = Real(random, 0, 6.3);
+    return {Any(random, 0, 1) ? 256 : static_cast<std::int32_t>(256 * std::cos(turn)),
+            static_cast<std::int32_t>(256 * std::sin(turn)),
+            AnySector(random),
+            AnySector(random),
+            AnyLuma(random),
+            static_cast<Byte>(random()),
+            static_cast<Byte>(random())};
+}
+
+YccForm AnyForm(std::mt19937& random, long most)
+{
+    return {Any(random, -most, most), Any(random, -most, most), Any(random, -most, most),
+            Any(random, -most, most)};
+}
+
+/// Of the key equation, or of any numbers that the lanes hold.
+template <class Params>
+Params FromSettings(std::mt19937& random, Params (*make)(const vfILYUVKeySettings&))
+{
+    const vfILColor key(Real(random, 0, 1), Real(random, 0, 1), Real(random, 0, 1), 1);
+    const double low = random() % 2 ? 0 : Real(random, 0, 0.5);
+    return make({Real(random, -1, 4), Real(random, 0, 2), Real(random, -1, 1), low,
+                 random() % 2 ? 1 : low + Real(random, 0.01, 0.5), key, key, Real(random, 0, 3),
+                 Real(random, -1, 1), Real(random, -0.5, 0.5), Real(random, -0.1, 1.2),
+                 random() % 2 ? PXColorModel_YCC : PXColorModel_YCC709});
+}
+
+ChannelKeyParams AnyParams(std::mt19937& random, ChannelKeyParams)
+{
+    ChannelKeyParams params = FromSettings(random, ChannelKeyOf);
+    if (random() % 4 == 0) {
+        params.rest = AnyForm(random, 32767);
+        params.factor = Any(random, -32768, 32767);
+        params.limit = Any(random, -32768, 32767);
+    }
+    return params;
+}
+
+FoldedKeyParams AnyParams(std::mt19937& random, FoldedKeyParams)
+{
+    return FromSettings(random, FoldedKeyOf);
+}
+
+LumaKeyParams AnyParams(std::mt19937& random, LumaKeyParams)
+{
+    const std::int32_t low = Any(random, 16, 234);
+    const std::int32_t high = Any(random, low + 1, 235);
+    const std::int32_t gain = 16711680 / (high - low);
+    const bool plain = random() % 2;
+    return {plain ? 65536 : Any(random, 0, 200000),
+            plain ? 0 : Any(random, -250, 250),
+            plain ? 0 : 16,
+            plain ? 255 : 235,
+            random() % 2 == 0,
+            {low, high, gain, low * gain}};
+}
+
+/// Bytes of a few values, so that runs of one matte come up, or of all, or of the ends.
+std::vector<Byte> AnyBytes(std::mt19937& random, std::size_t count)
+{
+    std::vector<Byte> bytes = EndRichSamples<Byte>(count, random);
+    const auto kind = random() % 3;
+    const std::array<Byte, 4> few{static_cast<Byte>(random()), 60, 145, 54};
+    for (std::size_t i = 0; kind != 0 && i < count; ++i)
+        bytes[i] = kind == 1 ? static_cast<Byte>(random()) : few[i % 4];
+    return bytes;
+}
+
+/// \param rows  The entries of a level for one result: [chroma first][streaming].
+template <class Params, class Rows>
+void CheckRows(const char* name, Level lowest, const Rows& rows)
+{
+    std::mt19937 random(71);
+    const auto check = [&](Level level, bool chromaFirst, std::size_t count, const Placement& place) {
+        Params params = AnyParams(random, Params());
+        while (!FitsLanes(params))
+            params = AnyParams(random, Params());
+        const auto a = AnyBytes(random, 4 * count);
+        const auto b = AnyBytes(random, 4 * count);
+        const auto with = [&](VideoKeyRow<Params> row) {
+            return [row, count, &params](const Byte* one, const Byte* two, Byte* out) {
+                row(one, two, out, count, params);
+            };
+        };
+        for (const auto row : rows(level)[chromaFirst])
+            ASSERT_TRUE(SameRuns(a, b, place, with(row), with(rows(Level::Plain)[chromaFirst][0])))
+                << name << ", level " << static_cast<int>(level) << ", macropixels " << count;
+    };
+    for (const Level level : VectorLevels()) {
+        if (level < lowest) continue;
+        for (const bool chromaFirst : {false, true}) {
+            EXPECT_NE(rows(level)[chromaFirst][0], rows(Below(level))[chromaFirst][0]) << name;
+            ForEachPlacement<Byte>([&](std::size_t count, const Placement& place) {
+                for (int turn = 0; turn < 5 && !testing::Test::HasFatalFailure(); ++turn)
+                    check(level, chromaFirst, count, place);
+            });
+            for (int turn = 0; turn < 60 && !testing::Test::HasFatalFailure(); ++turn)
+                check(level, chromaFirst, 5003, {});
+        }
+    }
+}
+
+TEST(VideoKeyRows, VectorFormsArePlainForms)
+{
+    const char* const results[] = {"composite", "spill", "matte"};
+    for (std::size_t i = 0; i < 3; ++i)
+        CheckRows<ChromaKeyParams>(
+            results[i], Level::Sse2, [=](Level level) -> auto& { return VideoKeyRowsAt(level).chroma[i]; });
+    for (const bool which : {false, true}) {
+        CheckRows<ChannelKeyParams>(
+            "channel",
+            Level::Sse2, [=](Level level) -> auto& { return VideoKeyRowsAt(level).channel[which]; });
+        CheckRows<LumaKeyParams>(
+            "luma", Level::Sse2, [=](Level level) -> auto& { return VideoKeyRowsAt(level).luma[which]; });
+    }
+    CheckRows<FoldedKeyParams>(
+        "folded", Level::Avx2, [](Level level) -> auto& { return VideoKeyRowsAt(level).folded[true]; });
+}
+
+// All chroma, and all luma pairs, decide by two bytes.
+TEST(VideoKeyRows, ParametersThatVerifyTakesFitAndAreRightForAllSamples)
+{
+    std::vector<Byte> all(4 * 65536);
+    for (std::size_t i = 0; i < 65536; ++i) {
+        all[4 * i] = all[4 * i + 1] = static_cast<Byte>(i);
+        all[4 * i + 2] = all[4 * i + 3] = static_cast<Byte>(i >> 8);
+    }
+    std::mt19937 random(5);
+    const std::vector<Byte> back = AnyBytes(random, all.size());
+    const auto check = [&](const auto& params, KeyResult result) {
+        ASSERT_TRUE(FitsLanes(params));
+        for (const bool chromaFirst : {false, true}) {
+            std::vector<Byte> fast(all.size()), plain(all.size());
+            FindVideoKeyRow({result, chromaFirst, true, true}, params)(all.data(), back.data(), fast.data(),
+                                                                       65536, params);
+            FindVideoKeyRow({result, chromaFirst, false, true}, params)(all.data(), back.data(), plain.data(),
+                                                                        65536, params);
+            ASSERT_TRUE(fast == plain);
+        }
+    };
+    for (const std::int32_t slope : {29335, 14667, 95, 0, -95, -14667})
+        for (const KeySector& sector : {KeySector{slope, 0, 256, 0, 256},
+                                        {slope, 102, 2304, 128, 512},
+                                        {slope, 40, 1280, 252, INT32_MAX}})
+            for (const KeyResult result : {KeyResult::Composite, KeyResult::SpillCorrected, KeyResult::Matte})
+                check(ChromaKeyParams{-181, 181, sector, sector, {256, 0}, 128, 128}, result);
+    for (std::int32_t low = 16; low < 235; low += 3)
+        for (std::int32_t high = low + 1; high <= 235; high += 7) {
+            const double d = 1.0 / (high - low);
+            const auto round = [](double v) { return static_cast<std::int32_t>(std::lround(v)); };
+            const MatteWindow window{low, high, round(16711680 * d), round(16711680.0 * low * d)};
+            check(LumaKeyParams{65536, 0, 0, 255, low % 2 == 0, window}, KeyResult::Composite);
+        }
+}
+
+} // namespace
+} // namespace vfil

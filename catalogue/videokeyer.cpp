@@ -55,7 +55,11 @@ std::vector<GUID> VideoFormats()
 void SetPictures(Entry& entry)
 {
     entry.inputs = {{"plate", "input A, the foreground before a screen"},
-                    {"back", "input B, what takes the screen's place"}};
+                    {.role = "back",
+                     .summary =
+                         "input B, what takes the screen's place; the plate again when it is missing, of use "
+                         "with --output-matte",
+                     .orFirst = true}};
     entry.note = "a 4:2:2 clip is keyed on its own samples; --output-matte shows what is kept of the plate";
 }
 
@@ -116,6 +120,7 @@ Entry SectorKeyer()
         PartParameter<&P::SetKeyMatteMap, &P::GetKeyMatteMap, 1>("key-matte-high", {0, 100, 100, "%"},
                                                                  "what of the matte becomes full", 0),
         FlagParameter<&P::SetOutputMatte, &P::GetOutputMatte>(Value{0}, kMatteSummary),
+        CropBox(),
     };
     for (const Parameter& parameter : SpillParameters())
         entry.parameters.push_back(parameter);
@@ -171,6 +176,7 @@ Entry DifferenceKeyerEntry()
     entry.formats = VideoFormats();
     entry.formats.insert(entry.formats.begin(), PXFormat_RGBA32);
     entry.parameters = DifferenceParameters();
+    entry.parameters.push_back(CropBox());
     entry.parameters.push_back(InputOffset(
         "position of the back relative to the plate; x to the right, y up, between bottom-left pixels"));
     entry.parameters.push_back(DominantInput(
@@ -195,6 +201,7 @@ Entry LumaKeyer()
         NumberParameter<&P::SetGain, &P::GetGain>({0, 2, 1}, "what that is multiplied by before", 0x20002),
         FlagParameter<&P::SetOutputMatteFlag, &P::GetOutputMatteFlag>(Value{0}, kMatteSummary),
         FlagParameter<&P::SetReverseFlag, &P::GetReverseFlag>(Value{0}, "keep what is dark"),
+        CropBox(),
     };
     return entry;
 }

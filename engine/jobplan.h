@@ -38,6 +38,7 @@ struct SourcePlan {
 struct StepInput {
     std::optional<std::size_t> signal; ///< none for an optional input that is missing
     Conversion conversion;
+    bool isFirst = false; ///< is the first input again, and prepared with it
 };
 
 /// The mask of a step.

@@ -28,7 +28,9 @@ void Stage::Prepare(std::size_t index, Stopwatch& watch)
     StepState& state = m_steps[index];
     const StepState* other = m_pictures ? &m_pictures->m_steps[index] : nullptr;
     for (std::size_t i = 0; i < state.inputs.size(); ++i) {
-        if (const host::PicturePtr picture = SignalOf(step.inputs[i]))
+        if (step.inputs[i].isFirst)
+            state.inputs[i] = state.inputs.front();
+        else if (const host::PicturePtr picture = SignalOf(step.inputs[i]))
             state.inputs[i] = state.runner.PrepareInput(i, picture, watch);
         else if (other)
             state.inputs[i] = other->inputs[i];

@@ -41,6 +41,14 @@ const Signal& DominantOf(const JobPlan& plan, const StepPlan& planned)
     return planned.dominant == 0 ? FirstOf(plan, planned) : SignalOf(plan, planned.inputs[planned.dominant]);
 }
 
+// Whether an input is the first one again, and lies where that does.
+bool IsFirstAgain(const Step& step, std::size_t index)
+{
+    const auto moves = [](const auto& given) { return given.first->role == ParameterRole::InputOffset; };
+    return index > 0 && step.entry->inputs[index].orFirst && step.inputs[index] == step.inputs.front() &&
+           std::none_of(step.parameters.begin(), step.parameters.end(), moves);
+}
+
 void PlanInputs(JobPlan& plan, StepPlan& planned)
 {
     Signals inputs;
@@ -54,8 +62,14 @@ void PlanInputs(JobPlan& plan, StepPlan& planned)
             planned.inputs.emplace_back();
             continue;
         }
+        if (IsFirstAgain(planned.step, planned.inputs.size())) {
+            planned.inputs.push_back(planned.inputs.front());
+            planned.inputs.back().isFirst = true;
+            continue;
+        }
         const std::size_t signal = *FindSignal(plan, name);
-        planned.inputs.push_back({signal, *Insert(plan, plan.signals[signal], planned.format)});
+        planned.inputs.push_back(
+            {.signal = signal, .conversion = *Insert(plan, plan.signals[signal], planned.format)});
         planned.clip = planned.clip || plan.signals[signal].clip;
     }
 }

@@ -24,7 +24,7 @@ vfILStatus vfILKeyerBase::Verify()
     // The box's height is open: a box that hangs over the top is cut where the rows are walked.
     if (m_cropBox.GetOffsetX() < 0 || m_cropBox.GetSizeX() > image.width || m_cropBox.GetOffsetY() < 0 ||
         m_cropBox.GetOffsetY() > image.height) {
-        return Fail(0x1000A, GetClassNameW());
+        return Fail(0x1000A, "%s ERROR Verify: Crop box does not fit into input image\n", GetClassNameW());
     }
     if (m_keyColor.Verify() == 0) return Fail(0x10048, "%s:Invalid Key Color!!!\n", GetClassNameW());
     return VFIL_SUCCESS;

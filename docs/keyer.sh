@@ -16,15 +16,15 @@ rm -f "$pictures"/*.jpg
 ln -s "$root/media" "$work/media"
 cd "$work"
 plate=media/greenscreen-cup-plate.png
-key=(--key-color-at 30,30,20)
+key=(--key-color-at "30,30,20")
 
 # Lines of the page between two markers, by those of standard input.
 replace() {
     awk -v name="$1" -v file=/dev/stdin '
         $0 == "<!-- " name " -->" { print; while ((getline line < file) > 0) print line; inside = 1; next }
         $0 == "<!-- end -->" { inside = 0 }
-        !inside' "$page" >page
-    cp page "$page"
+        !inside' "$page" >new
+    cp new "$page"
 }
 
 # The commands of the page.
@@ -34,9 +34,9 @@ while read -r line; do
     "$vfil" "${words[@]}" >/dev/null 2>&1 || { echo "fails: $line" >&2; exit 1; }
 done < <(awk '/^```$/ { inside = 0 } inside { print } /^```sh$/ { inside = 1 }' "$page")
 
-# show NAME FILE ARGUMENT...: a picture of the page.
+# show NAME FILE ARGUMENT...: a picture of the page, of the cup alone.
 show() {
-    "$vfil" convert "$2" -o "$pictures/$1.jpg" --quiet "${@:3}"
+    "$vfil" copy "$2" --roi 95,45,190,195 -o "$pictures/$1.jpg" --quiet "${@:3}"
 }
 show plate "$plate"
 for name in matte over spilt unspilt sectorspill difference; do
@@ -58,8 +58,8 @@ done
     done <<'LINES'
 linear-keyer
 linear-keyer --threshold -0.02
-blue-green-keyer --c0 2.5
-blue-green-keyer --c0 3.2 --c1 0.8
+blue-green-keyer
+blue-green-keyer --c0 3.2 --c1 0.8 --c2 0
 chroma-keyer
 chroma-keyer --angle-tolerance 140 --lift 0 --gain 0.6
 LINES

@@ -55,6 +55,7 @@ void DifferenceFile::Open(const host::Picture& first)
     settings.aspect = info.aspect;
     settings.matrix = info.matrix.value;
     settings.fieldOrder = info.fieldOrder.value;
+    settings.likeInput = m_like;
     std::optional<engine::Conversion> conversion;
     for (const vfILGuid& format : host::FormatsOfVideo(m_path, settings)) {
         conversion = engine::FindConversion(first.Format(), format);

@@ -16,7 +16,7 @@ namespace {
 
 constexpr int kBins = 64;
 constexpr float kLeastLight = 0.004F;     // below, hues are noise
-constexpr float kLeastSaturation = 0.25F; // excess by key channel
+constexpr float kLeastSaturation = 0.4F;  // excess by key channel
 constexpr float kLeastShare = 0.01F;      // of the plate
 constexpr float kLeastBorder = 0.04F;     // of the border, unless ...
 constexpr float kInnerShare = 0.15F;      // ... the screen is as large as this

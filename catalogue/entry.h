@@ -20,11 +20,11 @@ enum class ParameterType {
     Set, ///< any of the choices, one at least
     Flag,
     Point,
-    Pair, ///< two numbers, of x and y; one stands for both
-    Colour,
-    Table, ///< numbers of the pixels of a window
-    Curve, ///< a whole number for each of 0 .. kCurvePoints - 1
-    Box,   ///< x and y of its lowest corner, width and height
+    Pair,   ///< two numbers, of x and y; one stands for both
+    Colour, ///< red, green, blue and alpha
+    Table,  ///< numbers of the pixels of a window
+    Curve,  ///< a whole number for each of 0 .. kCurvePoints - 1
+    Box,    ///< x and y of its lowest corner, width and height
 };
 
 /// Numbers by rows, the top one first, an odd count of rows and of columns.
@@ -106,6 +106,7 @@ struct Input {
     const char* role; ///< "back", "front", "picture"
     const char* summary;
     bool optional = false; ///< may be missing, when the parameters say what takes its place
+    bool orFirst = false;  ///< when it is missing, the first one is this one, too
 };
 
 /// A picture that a processor writes.

@@ -36,6 +36,9 @@ std::vector<Entry> KeyerEntries();
 /// The entries of the keys by tables, and of what corrects the colour beside a key.
 std::vector<Entry> TableKeyerEntries();
 
+/// The entries of the keyers of 4:2:2 video.
+std::vector<Entry> VideoKeyerEntries();
+
 /// The entries of what works on the fields of video.
 std::vector<Entry> FieldEntries();
 

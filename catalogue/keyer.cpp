@@ -66,8 +66,11 @@ template <class P, auto kExpect>
 Entry RgbaKeyer(const char* className, const char* summary, std::vector<Parameter> parameters)
 {
     Entry entry = EntryOf<SetUp<DominatedByB<P>, kExpect>>(className, "keyer", summary);
-    entry.inputs = {{"plate", "input A, the picture that is looked at"},
-                    {"picture", "input B, the picture whose pixels get the matte; mostly the plate again"}};
+    entry.inputs = {
+        {"plate", "input A, the picture that is looked at"},
+        {.role = "picture",
+         .summary = "input B, the picture whose pixels get the matte; the plate again when it is missing",
+         .orFirst = true}};
     entry.formats = {PXFormat_RGBA32};
     entry.parameters = std::move(parameters);
     entry.parameters.push_back(InputOffset("position of the picture relative to the plate; x to the right, y "

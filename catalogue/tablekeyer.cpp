@@ -2,7 +2,9 @@
 /// The keyer family: keys of one picture by tables, and what corrects the colour beside a key.
 #include <catalogue/entryof.h>
 #include <catalogue/families.h>
+#include <catalogue/keyers.h>
 #include <catalogue/parameters.h>
+#include <catalogue/twoinputs.h>
 
 #include <vfil/tablekeyer.h>
 
@@ -118,6 +120,7 @@ Entry OnePictureEntry(const char* className, const char* summary, std::vector<Pa
     entry.formats = {PXFormat_RGBA32};
     entry.parameters = std::move(parameters);
     entry.fixedChannels = VFIL_MODE_RGBA;
+    entry.note = "of a mask all but 0 is full";
     return entry;
 }
 
@@ -133,7 +136,8 @@ Entry ChromaKeyImg()
          CurveParameter<&ChromaKey::SetSaturationMapLUT, &ChromaKey::GetSaturationMapLUT>(
              {.table = ConstantCurve(0)}, "255 for each saturation that is left so"),
          MatteMap<ChromaKey>(), KeepAlpha<vfILChromaKeyImg>()});
-    entry.note = "a grey has the hue of red: give low saturations 255 to keep greys";
+    entry.note =
+        "a grey has the hue of red: give low saturations 255 to keep greys; of a mask all but 0 is full";
     return entry;
 }
 
@@ -158,6 +162,36 @@ Entry FgSurpress()
                                      {std::move(type)});
 }
 
+Entry ChromaReplace()
+{
+    using P = vfILChromaReplace;
+    Entry entry = EntryOf<DominatedByB<P>>("vfILChromaReplace", "keyer",
+                                           "give clear pixels the chroma of a colour, and another luma");
+    entry.inputs = {{"picture", "input A, the picture whose alpha says where"},
+                    {.role = "alpha",
+                     .summary = "input B, the picture whose alpha is kept; the first one when it is missing",
+                     .orFirst = true}};
+    entry.formats = {PXFormat_RGBA32};
+    Parameter color = KeyColor({});
+    color.summary = "the colour whose chroma takes the place of that of clear pixels";
+    entry.parameters = {
+        color,
+        PartParameter<&P::SetLuma, &P::GetLuma, 0>("luma-offset", {-1, 1, 0},
+                                                   "what is added to the luma of clear pixels", 0),
+        PartParameter<&P::SetLuma, &P::GetLuma, 1>("luma-gain", {0, 2, 1}, "what it is multiplied by before",
+                                                   0),
+        ChoiceParameter<&P::SetColorModel, &P::GetColorModel>(
+            PXColorModel_YCC, "the weights of luma and chroma",
+            {{"601", PXColorModel_YCC, "BT.601"}, {"709", PXColorModel_YCC709, "BT.709"}}, 0x1006A),
+        InputOffset("position of the second picture relative to the first; x to the right, y up, between "
+                    "bottom-left pixels"),
+        DominantInput(kDominantB, "the picture that shows where the two do not overlap", "the first",
+                      "the one whose alpha is kept")};
+    entry.fixedChannels = VFIL_MODE_RGBA;
+    entry.mask = MaskUse::BoxOnly;
+    return entry;
+}
+
 } // namespace
 
 std::vector<Entry> TableKeyerEntries()
@@ -166,6 +200,7 @@ std::vector<Entry> TableKeyerEntries()
     entries.push_back(ChromaKeyImg());
     entries.push_back(LumKeyImg());
     entries.push_back(FgSurpress());
+    entries.push_back(ChromaReplace());
     return entries;
 }
 

@@ -66,7 +66,7 @@ void CheckCounts(const Step& step)
     check(step.inputs.size(), inputs.size(), ": the count of inputs is ");
     check(step.results.size(), step.entry->outputs.size(), ": the count of results is ");
     for (std::size_t i = 0; i < inputs.size(); ++i) {
-        if (step.inputs[i].empty() && !inputs[i].optional)
+        if (step.inputs[i].empty() && !inputs[i].optional && !inputs[i].orFirst)
             throw RequestError(step.entry->name + " needs its input " + inputs[i].role);
     }
 }
@@ -116,11 +116,20 @@ void PlanSteps(JobPlan& plan, std::vector<Step> steps)
     }
 }
 
+// Where one picture is given to an operator of two, it may be both.
+void ShareFirstInputs(Step& step)
+{
+    for (std::size_t i = 1; i < step.inputs.size(); ++i)
+        if (step.entry->inputs[i].orFirst && step.inputs[i].empty()) step.inputs[i] = step.inputs.front();
+}
+
 } // namespace
 
 CheckedJob CheckJob(Job job)
 {
     CheckNames(job);
+    for (Step& step : job.steps)
+        ShareFirstInputs(step);
     CheckStreams(job);
     auto plan = std::make_unique<JobPlan>();
     plan->settings = job.settings;

@@ -58,6 +58,7 @@ void Feed::SkipToFirst()
 
 std::vector<host::PicturePtr> Feed::Frames()
 {
+    if (!m_returned.empty()) return std::exchange(m_returned, {});
     if (!m_started) SkipToFirst();
     if (m_plan.settings.endFrame && m_next >= *m_plan.settings.endFrame) return {};
     std::vector<host::PicturePtr> frames;

@@ -5,6 +5,7 @@
 #include "engine/jobplan.h"
 
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace vfil::engine {
@@ -22,6 +23,8 @@ public:
     ///
     /// \throws RequestError  A clip has no frame in the range.
     std::vector<host::PicturePtr> Frames();
+    /// Gives frames back, to be the next ones.
+    void PutBack(std::vector<host::PicturePtr> frames) { m_returned = std::move(frames); }
     /// The frames of the shortest clip in the range, when all say so.
     std::optional<long> Count() const;
     /// Behind the last frame: what to say when clips differ in length, or nothing.
@@ -34,6 +37,7 @@ private:
     const JobPlan& m_plan;
     long m_next = 0;
     bool m_started = false;
+    std::vector<host::PicturePtr> m_returned;
     std::string m_remark;
 };
 

@@ -34,6 +34,14 @@ struct StepMask {
     vfILVector2l offset;
 };
 
+/// Where a picture has a colour: the mean of a disc, of what of it is in the picture.
+struct ColourPlace {
+    const catalogue::Parameter* parameter; ///< which takes the colour
+    long x;                                ///< of the middle, y up
+    long y;
+    long radius;
+};
+
 /// One operator of a job.
 struct Step {
     const catalogue::Entry* entry = nullptr;
@@ -42,6 +50,7 @@ struct Step {
     std::vector<std::string> results; ///< names of what it makes, as many as the entry has outputs; "" for an
                                       ///< optional one that is not wanted
     std::vector<std::pair<const catalogue::Parameter*, catalogue::Value>> parameters; ///< those given
+    std::optional<ColourPlace> keyColour; ///< where its first input has it, instead of a value
     std::optional<vfILBbox2l> roi;
     std::optional<vfILVector2l> outputOffset;
     std::optional<vfILVector2l> outputSize;

@@ -112,13 +112,32 @@ vfILColor DefaultColor(const Values& values)
 {
     const auto text = values.Get("default-color");
     if (!text) return {0, 0, 0, 0};
-    const auto c = ParseNumbers(*text, ',', 4);
-    if (!c) RefuseValue(Named("default-color"), *text, "four numbers R,G,B,A of 0 .. 1, such as 1,0.5,0,1");
+    const auto c = ParseColour(*text);
+    if (!c) RefuseValue(Named("default-color"), *text, kRightColour);
     if (std::any_of(c->begin(), c->end(), [](double v) { return v < 0 || v > 1; })) {
         throw RequestError(Named("default-color") + " " + *text +
                            " is out of range: each component is 0 .. 1");
     }
     return {(*c)[0], (*c)[1], (*c)[2], (*c)[3]};
+}
+
+// Where the first picture has the colour of a key.
+std::optional<ColourPlace> KeyColour(const Entry& entry, const Values& values)
+{
+    const Parameter* const parameter = FindRole(entry, catalogue::ParameterRole::KeyColour);
+    const std::string setting = parameter != nullptr ? PlaceSettingOf(*parameter) : "";
+    const auto text = values.Get(setting);
+    if (!text) return std::nullopt;
+    if (values.Has(parameter->name))
+        throw RequestError("takes " + Named(parameter->name) + " or " + Named(setting) + ", not both");
+    auto n = ParseIntegers(*text, ',', 2);
+    if (n) n->push_back(0);
+    if (!n) n = ParseIntegers(*text, ',', 3);
+    if (!n || (*n)[2] < 0) {
+        RefuseValue(Named(setting), *text,
+                    "two whole numbers X,Y, or three with a radius of at least 0, such as 40,20,3");
+    }
+    return ColourPlace{parameter, (*n)[0], (*n)[1], (*n)[2]};
 }
 
 } // namespace
@@ -131,6 +150,7 @@ Step MakeStep(const Entry& entry, const Values& values)
         if (const auto value = ParameterValue(parameter, values))
             step.parameters.emplace_back(&parameter, *value);
     }
+    step.keyColour = KeyColour(entry, values);
     step.roi = Roi(values);
     step.outputOffset = Offset(values, "output-offset");
     step.outputSize = Size(values, "output-size");

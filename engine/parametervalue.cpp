@@ -1,6 +1,7 @@
 /// \file
 /// The values of parameters.
 #include "engine/parametervalue.h"
+#include "engine/curve.h"
 #include "engine/failure.h"
 #include "engine/text.h"
 #include "engine/values.h"
@@ -68,11 +69,21 @@ Value PointValue(const Parameter& parameter, const std::string& text)
 
 Value ColourValue(const Parameter& parameter, const std::string& text)
 {
-    const auto n = ParseNumbers(text, ',', 4);
-    if (!n) RefuseValue(Named(parameter.name), text, "four numbers R,G,B,A, such as 1,0.5,0,1");
+    const auto n = ParseColour(text);
+    if (!n) RefuseValue(Named(parameter.name), text, kRightColour);
     for (const double component : *n)
         CheckRange(parameter, component, text);
     return {(*n)[0], (*n)[1], (*n)[2], (*n)[3]};
+}
+
+Value BoxValue(const Parameter& parameter, const std::string& text)
+{
+    const auto n = ParseIntegers(text, ',', 4);
+    if (!n) RefuseValue(Named(parameter.name), text, "four whole numbers X,Y,W,H, such as 10,20,100,50");
+    if ((*n)[2] < 0 || (*n)[3] < 0)
+        RefuseValue(Named(parameter.name), text, "a box: width and height are at least 0");
+    return {static_cast<double>((*n)[0]), static_cast<double>((*n)[1]), static_cast<double>((*n)[2]),
+            static_cast<double>((*n)[3])};
 }
 
 Value NumberValue(const Parameter& parameter, const std::string& text)
@@ -151,7 +162,8 @@ std::optional<Value> TableValue(const Parameter& parameter, const Values& values
     if (!text) return std::nullopt;
     const auto path = values.Get(FileSettingOf(parameter));
     try {
-        return Value{.table = ParseTable(parameter, *text)};
+        return Value{.table = parameter.type == ParameterType::Curve ? ParseCurve(parameter, *text)
+                                                                     : ParseTable(parameter, *text)};
     } catch (const RequestError& error) {
         throw RequestError((path ? Message(*path) : Message(Named(parameter.name))) + ": " +
                            error.What().text);
@@ -162,7 +174,8 @@ std::optional<Value> TableValue(const Parameter& parameter, const Values& values
 
 std::optional<Value> ParameterValue(const Parameter& parameter, const Values& values)
 {
-    if (parameter.type == ParameterType::Table) return TableValue(parameter, values);
+    if (parameter.type == ParameterType::Table || parameter.type == ParameterType::Curve)
+        return TableValue(parameter, values);
     const auto text = values.Get(parameter.name);
     if (!text) return std::nullopt;
     switch (parameter.type) {
@@ -178,9 +191,12 @@ std::optional<Value> ParameterValue(const Parameter& parameter, const Values& va
         return PairValue(parameter, *text);
     case ParameterType::Colour:
         return ColourValue(parameter, *text);
+    case ParameterType::Box:
+        return BoxValue(parameter, *text);
     case ParameterType::Number:
     case ParameterType::Integer:
     case ParameterType::Table:
+    case ParameterType::Curve:
         break;
     }
     return NumberValue(parameter, *text);

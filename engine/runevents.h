@@ -5,6 +5,7 @@
 #include "engine/jobplan.h"
 #include "engine/stopwatch.h"
 
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -24,6 +25,8 @@ public:
     virtual void OnRemark(const std::string& text) = 0;
     /// A conversion that was inserted. All of them are told before the first frame.
     virtual void OnConversion(const InsertedConversion& conversion) = 0;
+    /// A colour was taken from the first picture of a step.
+    virtual void OnKeyColour(const StepPlan& /*step*/, const catalogue::Value& /*colour*/) {}
     /// Frames begin; \p count is absent when nobody knows it.
     virtual void OnFrames(std::optional<long> count) = 0;
     /// One more frame is written.
@@ -44,7 +47,8 @@ struct RunResult {
     Stopwatch watch;
     long frames = 0; ///< of clips
     double framesPerSecond = 0;
-    std::vector<WrittenFile> files; ///< of the sinks, in their order
+    std::vector<WrittenFile> files;                         ///< of the sinks, in their order
+    std::map<const StepPlan*, catalogue::Value> keyColours; ///< that were taken from pictures
 };
 
 } // namespace vfil::engine

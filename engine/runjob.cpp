@@ -69,8 +69,9 @@ void Write(const std::vector<host::PicturePtr>& pictures, Outputs& outputs, Stop
 // Frames through all steps.
 class FrameWorker final : public Worker {
 public:
-    FrameWorker(const JobPlan& plan, const Stage& pictures, Feed& feed, Outputs& outputs, RunEvents& events)
-        : m_plan(plan), m_stage(plan, &pictures), m_feed(feed), m_outputs(outputs), m_events(events)
+    FrameWorker(const JobPlan& plan, KeyColours& colours, const Stage& pictures, Feed& feed, Outputs& outputs,
+                RunEvents& events)
+        : m_plan(plan), m_stage(plan, colours, &pictures), m_feed(feed), m_outputs(outputs), m_events(events)
     {}
 
     bool Take() override
@@ -116,16 +117,28 @@ unsigned WorkerCount(const RunSettings& settings)
     return std::max(1U, std::thread::hardware_concurrency());
 }
 
-void RunFrames(const JobPlan& plan, const Stage& pictures, Outputs& outputs, RunEvents& events,
-               RunResult& result)
+// Lets the steps see the first frame, which stays to be worked on, for the colours that they take of it.
+void TakeColours(const JobPlan& plan, KeyColours& colours, const Stage& pictures, Feed& feed)
+{
+    if (!colours.NeedFrame()) return;
+    const std::vector<host::PicturePtr> first = feed.Frames();
+    if (first.empty()) return;
+    Stopwatch unused;
+    Stage(plan, colours, &pictures).Run(first, unused);
+    feed.PutBack(first);
+}
+
+void RunFrames(const JobPlan& plan, KeyColours& colours, const Stage& pictures, Outputs& outputs,
+               RunEvents& events, RunResult& result)
 {
     Feed feed(plan);
+    TakeColours(plan, colours, pictures, feed);
     events.OnFrames(feed.Count());
     const auto start = std::chrono::steady_clock::now();
     std::vector<std::unique_ptr<Worker>> workers;
     std::vector<const FrameWorker*> frameWorkers;
     for (unsigned i = 0; i < WorkerCount(plan.settings); ++i) {
-        auto worker = std::make_unique<FrameWorker>(plan, pictures, feed, outputs, events);
+        auto worker = std::make_unique<FrameWorker>(plan, colours, pictures, feed, outputs, events);
         frameWorkers.push_back(worker.get());
         workers.push_back(std::move(worker));
     }
@@ -166,15 +179,17 @@ RunResult RunJob(const CheckedJob& job, RunEvents& events)
     watch.Start();
     const std::vector<host::PicturePtr> sources = Feed(plan).Pictures();
     watch.Lap(Phase::Read);
-    Stage pictures(plan);
+    KeyColours colours(plan, events);
+    Stage pictures(plan, colours);
     pictures.Run(sources, watch);
     Outputs outputs(plan, events);
     Write(SinkPictures(plan, pictures, watch), outputs, watch);
-    if (plan.clip) RunFrames(plan, pictures, outputs, events, result);
+    if (plan.clip) RunFrames(plan, colours, pictures, outputs, events, result);
     watch.Start();
     outputs.Finish();
     watch.Lap(Phase::Write);
     result.files = outputs.Written();
+    result.keyColours = colours.Taken();
     return result;
 }
 

@@ -34,9 +34,13 @@ std::string FormOf(const Parameter& parameter)
     case ParameterType::Pair:
         return "X[,Y]";
     case ParameterType::Colour:
-        return "R,G,B,A";
+        return kColourForm;
     case ParameterType::Table:
         return kTableForm;
+    case ParameterType::Curve:
+        return "CURVE";
+    case ParameterType::Box:
+        return "X,Y,W,H";
     }
     return "";
 }
@@ -75,7 +79,7 @@ const std::vector<Setting>& StepSettings()
         {"mask-offset", "X,Y"},
         {"channels", "LETTERS"},
         {"fields", "odd|even", {"odd", "even"}},
-        {"default-color", "R,G,B,A"},
+        {"default-color", kColourForm},
     };
     return settings;
 }
@@ -96,12 +100,20 @@ std::string FileSettingOf(const Parameter& parameter)
     return parameter.name + "-file";
 }
 
+std::string PlaceSettingOf(const Parameter& parameter)
+{
+    return parameter.name + "-at";
+}
+
 std::vector<Setting> ParameterSettings(const catalogue::Entry& entry)
 {
     std::vector<Setting> settings;
     for (const Parameter& parameter : entry.parameters) {
         settings.push_back({parameter.name, FormOf(parameter), ChoiceNames(parameter)});
-        if (parameter.type == ParameterType::Table) settings.push_back({FileSettingOf(parameter), "FILE"});
+        if (parameter.type == ParameterType::Table || parameter.type == ParameterType::Curve)
+            settings.push_back({FileSettingOf(parameter), "FILE"});
+        if (parameter.role == catalogue::ParameterRole::KeyColour)
+            settings.push_back({PlaceSettingOf(parameter), "X,Y[,RADIUS]"});
     }
     return settings;
 }

@@ -21,9 +21,10 @@ struct Setting {
     bool repeats = false;                  ///< may be given more than once
 };
 
-/// The forms of a size and of a table of numbers, which chains write in other ways too.
+/// The forms of a size and of a table of numbers, which chains write in other ways too, and of a colour.
 inline constexpr const char* kSizeForm = "WxH";
 inline constexpr const char* kTableForm = "TABLE";
+inline constexpr const char* kColourForm = "COLOUR";
 
 /// How a picture or clip is read.
 const std::vector<Setting>& SourceSettings();
@@ -31,13 +32,16 @@ const std::vector<Setting>& SourceSettings();
 const std::vector<Setting>& StepSettings();
 /// How a result is written.
 const std::vector<Setting>& SinkSettings();
-/// The parameters of an operator; a table has a second setting, of a file that holds it.
+/// The parameters of an operator; a table or curve has a second setting, of a file that holds it, and the
+/// colour of a key one of the place where the first picture has it.
 std::vector<Setting> ParameterSettings(const catalogue::Entry& entry);
 /// Everything that a step of an operator may say.
 std::vector<Setting> SettingsOfStep(const catalogue::Entry& entry);
 
-/// The setting that takes the value of a parameter, which is a table, from a file.
+/// The setting that takes the value of a parameter, which is a table or a curve, from a file.
 std::string FileSettingOf(const catalogue::Parameter& parameter);
+/// The setting that takes the value of a parameter, which is the colour of a key, from a picture.
+std::string PlaceSettingOf(const catalogue::Parameter& parameter);
 
 /// The texts that are given for settings.
 struct Values {

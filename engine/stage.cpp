@@ -4,13 +4,14 @@
 
 namespace vfil::engine {
 
-Stage::Stage(const JobPlan& plan, const Stage* pictures)
+Stage::Stage(const JobPlan& plan, KeyColours& colours, const Stage* pictures)
     : m_plan(plan), m_pictures(pictures), m_signals(plan.signals.size())
 {
     for (const SourcePlan& source : plan.sources)
         m_sources.emplace_back(source.conversion, plan.settings);
     for (const StepPlan& step : plan.steps)
-        m_steps.push_back({StepRunner(plan, step), std::vector<host::PicturePtr>(step.inputs.size()), {}});
+        m_steps.push_back(
+            {StepRunner(plan, step, colours), std::vector<host::PicturePtr>(step.inputs.size()), {}});
     for (const SinkPlan& sink : plan.sinks)
         m_sinks.emplace_back(sink.conversion, plan.settings);
 }

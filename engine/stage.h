@@ -13,11 +13,11 @@ namespace vfil::engine {
 class Stage {
 public:
     /// The stage for what does not change.
-    explicit Stage(const JobPlan& plan) : Stage(plan, nullptr) {}
+    Stage(const JobPlan& plan, KeyColours& colours) : Stage(plan, colours, nullptr) {}
     /// A stage for frames.
     ///
     /// \param pictures The stage for what does not change, which has run; must outlive this one.
-    Stage(const JobPlan& plan, const Stage* pictures);
+    Stage(const JobPlan& plan, KeyColours& colours, const Stage* pictures);
 
     /// \param sources A picture a source; null where the source is the other stage's.
     void Run(const std::vector<host::PicturePtr>& sources, Stopwatch& watch);

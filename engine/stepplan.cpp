@@ -3,6 +3,7 @@
 #include "catalogue/names.h"
 #include "engine/failure.h"
 #include "engine/planning.h"
+#include "engine/settings.h"
 #include "engine/text.h"
 #include "engine/words.h"
 
@@ -131,6 +132,16 @@ PXImageChannel MaskChannel(const StepMask& mask, const Signal& signal)
     if (mono == (*mask.channel == PXImageChannel_MONO)) return *mask.channel;
     throw RequestError(Named("mask") + " " + signal.label + " is a " + (mono ? "grey" : "colour") +
                        " picture: its channel is " + (mono ? "mono" : "red, green, blue or alpha"));
+}
+
+void CheckKeyColour(const JobPlan& plan, const StepPlan& planned)
+{
+    const std::optional<ColourPlace>& place = planned.step.keyColour;
+    if (!place) return;
+    const Signal& input = FirstOf(plan, planned);
+    if (place->x >= 0 && place->x < input.width && place->y >= 0 && place->y < input.height) return;
+    throw RequestError(Named(PlaceSettingOf(*place->parameter)) + " " + NumberList({place->x, place->y}) +
+                       " lies outside " + input.label + ", which is " + SizeText(input.width, input.height));
 }
 
 void PlanMask(JobPlan& plan, StepPlan& planned)
@@ -263,6 +274,7 @@ void PlanStep(JobPlan& plan, Step step)
     LeaveFullAlpha(plan, planned);
     PlanDominant(plan, planned);
     PlanRegions(plan, planned);
+    CheckKeyColour(plan, planned);
     PlanMask(plan, planned);
     planned.multiply = WorksMultiplied(planned);
     planned.resultFormat = ResultFormat(plan, planned);

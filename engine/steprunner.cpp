@@ -12,8 +12,8 @@ constexpr unsigned long kFieldBits = VFIL_MODE_ODD_ROWS | VFIL_MODE_EVEN_ROWS;
 
 } // namespace
 
-StepRunner::StepRunner(const JobPlan& plan, const StepPlan& step)
-    : m_plan(plan), m_step(step), m_op(step.step.entry->make(!plan.settings.plain))
+StepRunner::StepRunner(const JobPlan& plan, const StepPlan& step, KeyColours& colours)
+    : m_plan(plan), m_step(step), m_colours(colours), m_op(step.step.entry->make(!plan.settings.plain))
 {
     for (const StepInput& input : step.inputs)
         m_inputs.push_back({Converter(input.conversion, plan.settings), {}});
@@ -94,6 +94,8 @@ void StepRunner::Connect(const std::vector<host::PicturePtr>& inputs, const host
     m_op->Processor().SetProcessingMode(m_step.step.mode);
     for (const auto& [parameter, value] : m_step.step.parameters)
         parameter->apply(m_op->Processor(), value);
+    const std::optional<ColourPlace>& place = m_step.step.keyColour;
+    if (place) place->parameter->apply(m_op->Processor(), m_colours.Of(m_step, inputs.front()));
 }
 
 void StepRunner::PlaceRegion(vfILImgProc& processor, const host::PicturePtr& mask) const

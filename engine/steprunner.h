@@ -4,14 +4,15 @@
 
 #include "engine/execute.h"
 #include "engine/jobplan.h"
+#include "engine/keycolours.h"
 #include "engine/stopwatch.h"
 
 namespace vfil::engine {
 
 class StepRunner {
 public:
-    /// \param plan, step Must outlive this object.
-    StepRunner(const JobPlan& plan, const StepPlan& step);
+    /// \param plan, step, colours  Must outlive this object.
+    StepRunner(const JobPlan& plan, const StepPlan& step, KeyColours& colours);
 
     /// Input \p index in the format of the step, multiplied by alpha where the step works so. Holds until the
     /// next call for this input.
@@ -43,6 +44,7 @@ private:
 
     const JobPlan& m_plan;
     const StepPlan& m_step;
+    KeyColours& m_colours;
     std::unique_ptr<catalogue::Operator> m_op;
     std::vector<Input> m_inputs;
     std::optional<Converter> m_mask;

@@ -13,11 +13,12 @@ namespace vfil::engine {
 
 namespace {
 
-template <class Number>
-std::optional<Number> ParseWhole(std::string_view text)
+/// \param base Of a whole number, when it is not 10.
+template <class Number, class... Base>
+std::optional<Number> ParseWhole(std::string_view text, Base... base)
 {
     Number value{};
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value, base...);
     if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
     return value;
 }
@@ -91,6 +92,25 @@ std::optional<std::vector<double>> ParseNumbers(std::string_view text, char sepa
 std::optional<std::vector<long>> ParseIntegers(std::string_view text, char separator, std::size_t count)
 {
     return ParseList<long>(text, separator, count, ParseInteger);
+}
+
+std::optional<std::array<double, 4>> ParseColour(std::string_view text)
+{
+    if (!text.starts_with('#')) {
+        auto numbers = ParseNumbers(text, ',', 3);
+        if (numbers) numbers->push_back(1);
+        if (!numbers) numbers = ParseNumbers(text, ',', 4);
+        if (!numbers) return std::nullopt;
+        return std::array{(*numbers)[0], (*numbers)[1], (*numbers)[2], (*numbers)[3]};
+    }
+    std::array<double, 4> colour{0, 0, 0, 1};
+    if (text.size() != 7) return std::nullopt;
+    for (std::size_t i = 0; i < 3; ++i) {
+        const auto byte = ParseWhole<std::uint8_t>(text.substr(1 + 2 * i, 2), 16);
+        if (!byte) return std::nullopt;
+        colour[i] = *byte / 255.0;
+    }
+    return colour;
 }
 
 std::string NumberText(double value)

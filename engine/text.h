@@ -2,6 +2,7 @@
 /// Text helpers: joining, numbers, and what a misspelt word may have meant.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <optional>
 #include <string>
@@ -25,6 +26,9 @@ std::optional<std::vector<double>> ParseNumbers(std::string_view text, char sepa
 
 /// The same for whole numbers of 32 bits.
 std::optional<std::vector<long>> ParseIntegers(std::string_view text, char separator, std::size_t count);
+
+/// Red, green, blue and alpha of "#rrggbb", "R,G,B" or "R,G,B,A"; alpha is 1 unless it is given.
+std::optional<std::array<double, 4>> ParseColour(std::string_view text);
 
 /// The shortest decimal text of a number.
 std::string NumberText(double value);

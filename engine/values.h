@@ -15,6 +15,10 @@
 
 namespace vfil::engine {
 
+/// What a colour is, for RefuseValue.
+inline constexpr const char* kRightColour =
+    "a colour: R,G,B or R,G,B,A of 0 .. 1, such as 1,0.5,0, or #rrggbb";
+
 /// \throws RequestError "SETTING 'text' is not right"
 [[noreturn]] void RefuseValue(const SettingName& setting, const std::string& text, const Message& right);
 

@@ -57,9 +57,14 @@ std::string RangeText(const Parameter& parameter)
     case ParameterType::Pair:
         return "a number or two, " + range;
     case ParameterType::Colour:
-        return "components " + range;
+        return "R,G,B or R,G,B,A of " + range + ", or #rrggbb";
     case ParameterType::Table:
         return "rows of numbers " + range + ", the top one first, such as '0 1 0; 1 1 1; 0 1 0'";
+    case ParameterType::Curve:
+        return std::to_string(catalogue::kCurvePoints) + " whole numbers " + range +
+               ", or points that lines join, such as '0:0 64:0 128:255'";
+    case ParameterType::Box:
+        return "whole numbers";
     case ParameterType::Integer:
         return "whole numbers " + range;
     case ParameterType::Number:

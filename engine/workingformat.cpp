@@ -99,11 +99,29 @@ bool ArePictures(const Entry& entry, const Signals& inputs)
            std::any_of(entry.formats.begin(), entry.formats.end(), IsFileFormat);
 }
 
+// The format of the first clip of 4:2:2, when all inputs reach it: its own samples are worked on, and a
+// picture beside it comes to it. Not that of clips with alpha, which is straight there.
+std::optional<GUID> OwnSamples(const Step& step, const Signals& inputs)
+{
+    const auto isOwn = [&](const Signal* input) {
+        const vfILFormatInfo& info = InfoOf(input->format);
+        return input->clip && info.subsampled && !info.alpha && Takes(*step.entry, input->format);
+    };
+    const auto own = std::find_if(inputs.begin(), inputs.end(), isOwn);
+    if (own == inputs.end() || NeedsBottomUp(step)) return std::nullopt;
+    const auto reaches = [&](const Signal* input) {
+        return FindConversion(input->format, (*own)->format).has_value();
+    };
+    if (!std::all_of(inputs.begin(), inputs.end(), reaches)) return std::nullopt;
+    return (*own)->format;
+}
+
 } // namespace
 
 GUID WorkingFormat(const Step& step, const Signals& inputs)
 {
     if (IsNative(step, inputs)) return inputs.front()->format;
+    if (const auto own = OwnSamples(step, inputs)) return *own;
     if (ArePictures(*step.entry, inputs)) return FormatOfPictures(*step.entry, inputs);
     for (const GUID& format : WorkingFormats(step, inputs)) {
         const auto reaches = [&](const Signal* input) {

@@ -27,7 +27,7 @@ using catalogue::Value;
 // Formats that an entry takes.
 FormatPair UsualPair(const Entry& entry)
 {
-    return entry.conversions.empty() ? FormatPair{PXFormat_RGBA32, PXFormat_RGBA32}
+    return entry.conversions.empty() ? FormatPair{entry.formats.front(), entry.formats.front()}
                                      : entry.conversions.front();
 }
 

@@ -6,6 +6,7 @@
 #include "tools/vfil/progress.h"
 #include "tools/vfil/report.h"
 #include "tools/vfil/text.h"
+#include "tools/vfil/valuetext.h"
 
 #include <nlohmann/json.hpp>
 
@@ -46,11 +47,15 @@ Json BoxRecord(const vfILBbox2l& box)
     return {box.GetOffsetX(), box.GetOffsetY(), box.GetSizeX(), box.GetSizeY()};
 }
 
-Json StepRecord(const StepPlan& planned)
+Json StepRecord(const StepPlan& planned, const RunResult& result)
 {
     Json parameters = Json::object();
     for (const auto& [parameter, value] : planned.step.parameters)
         parameters[parameter->name] = ValueRecord(*parameter, value);
+    if (const auto taken = result.keyColours.find(&planned); taken != result.keyColours.end()) {
+        const catalogue::Parameter& parameter = *planned.step.keyColour->parameter;
+        parameters[parameter.name] = ValueRecord(parameter, taken->second);
+    }
     return {{"operator", planned.step.entry->name},
             {"parameters", parameters},
             {"roi", BoxRecord(planned.roi)},
@@ -121,13 +126,13 @@ Json RunRecord(const JobPlan& plan, const RunResult& result)
 {
     const bool single = plan.steps.size() <= 1 && plan.sinks.size() == 1;
     Json record = Json::object();
-    if (single && !plan.steps.empty()) record = StepRecord(plan.steps.front());
+    if (single && !plan.steps.empty()) record = StepRecord(plan.steps.front(), result);
     record["inputs"] = InputRecords(plan);
     if (single) {
         record["output"] = OutputRecord(plan.sinks.front(), result.files.front());
     } else {
         for (const StepPlan& step : plan.steps)
-            record["steps"].push_back(StepRecord(step));
+            record["steps"].push_back(StepRecord(step, result));
         for (std::size_t i = 0; i < plan.sinks.size(); ++i)
             record["outputs"].push_back(OutputRecord(plan.sinks[i], result.files[i]));
     }
@@ -155,6 +160,14 @@ public:
         OnRemark(inserted.label + ": " + FormatName(inserted.from) + " to " +
                  FormatName(inserted.conversion.back().to) + " by " +
                  Join(ConverterNames(inserted.conversion), ", "));
+    }
+    void OnKeyColour(const StepPlan& step, const catalogue::Value& colour) override
+    {
+        if (!m_settings.verbose) return;
+        const engine::ColourPlace& place = *step.step.keyColour;
+        OnRemark(step.step.entry->name + ": --" + place.parameter->name + " " +
+                 ValueText(*place.parameter, colour) + ", the mean at " +
+                 engine::NumberList({place.x, place.y, place.radius}));
     }
     void OnFrames(std::optional<long> count) override { m_progress.emplace(m_settings, count); }
     void OnFrame() override { m_progress->Tick(); }

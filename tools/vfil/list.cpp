@@ -62,7 +62,9 @@ Json EntryRecord(const Entry& entry)
 {
     Json inputs = Json::array();
     for (const catalogue::Input& input : entry.inputs) {
-        inputs.push_back({{"role", input.role}, {"summary", input.summary}, {"optional", input.optional}});
+        inputs.push_back({{"role", input.role},
+                          {"summary", input.summary},
+                          {"optional", input.optional || input.orFirst}});
     }
     Json outputs = Json::array();
     for (const catalogue::Output& output : entry.outputs) {

@@ -33,7 +33,17 @@ std::string ParameterSummary(const Parameter& parameter)
 
 std::string FileSummary(const Parameter& parameter)
 {
-    return "a file with the table for --" + parameter.name + ", a row a line; what follows a # is a remark";
+    const bool curve = parameter.type == ParameterType::Curve;
+    return (curve ? "a file with the numbers or points for --" : "a file with the table for --") +
+           parameter.name + (curve ? "" : ", a row a line") + "; what follows a # is a remark";
+}
+
+std::string PlaceSummary(const Parameter& parameter)
+{
+    return "take --" + parameter.name +
+           " from the first picture, of a clip from its first frame: the mean of the pixels around X,Y, y "
+           "up, up "
+           "to RADIUS away (default 0: that pixel); --verbose tells it";
 }
 
 Option OutputOption()
@@ -80,6 +90,7 @@ std::vector<Option> ParameterOptions(const Entry& entry)
     for (const Parameter& parameter : entry.parameters) {
         summaries[parameter.name] = ParameterSummary(parameter);
         summaries[engine::FileSettingOf(parameter)] = FileSummary(parameter);
+        summaries[engine::PlaceSettingOf(parameter)] = PlaceSummary(parameter);
     }
     return Described(engine::ParameterSettings(entry), summaries);
 }

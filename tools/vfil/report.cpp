@@ -143,6 +143,7 @@ nlohmann::ordered_json ValueRecord(const catalogue::Parameter& parameter, const 
     case ParameterType::Pair:
         return nlohmann::ordered_json::array(
             {NumberRecord(parameter, value.x), NumberRecord(parameter, value.y)});
+    case ParameterType::Box:
     case ParameterType::Colour:
         return nlohmann::ordered_json::array({value.x, value.y, value.z, value.w});
     case ParameterType::Choice:
@@ -150,6 +151,8 @@ nlohmann::ordered_json ValueRecord(const catalogue::Parameter& parameter, const 
         return ValueText(parameter, value);
     case ParameterType::Table:
         return TableRecord(value.table);
+    case ParameterType::Curve:
+        return value.table.numbers;
     case ParameterType::Number:
     case ParameterType::Integer:
         break;

@@ -119,8 +119,9 @@ void AddSinks(const Entry& entry, const Arguments& arguments, Step& step, Job& j
 
 Job MakeJob(const Entry& entry, const Arguments& arguments)
 {
-    const auto optional = std::count_if(entry.inputs.begin(), entry.inputs.end(),
-                                        [](const catalogue::Input& input) { return input.optional; });
+    const auto optional =
+        std::count_if(entry.inputs.begin(), entry.inputs.end(),
+                      [](const catalogue::Input& input) { return input.optional || input.orFirst; });
     const std::size_t most = entry.inputs.size();
     CheckWords(arguments.words, most - static_cast<std::size_t>(optional), most, PictureNames(entry));
     Job job;

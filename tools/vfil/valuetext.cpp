@@ -16,7 +16,7 @@ std::string PictureNames(const Entry& entry)
     std::vector<std::string> names;
     for (const catalogue::Input& input : entry.inputs) {
         const std::string role = UpperCase(input.role);
-        names.push_back(input.optional ? "[" + role + "]" : role);
+        names.push_back(input.optional || input.orFirst ? "[" + role + "]" : role);
     }
     return Join(names, " ");
 }
@@ -51,6 +51,21 @@ std::string TableText(const catalogue::Table& table)
     return text.empty() ? "none" : text;
 }
 
+// The points at which a curve turns, as a curve is given.
+std::string CurveText(const catalogue::Table& curve)
+{
+    if (curve.numbers.empty()) return "none";
+    std::vector<std::string> points;
+    const auto& y = curve.numbers;
+    for (std::size_t x = 0; x < y.size(); ++x) {
+        const bool inner = x > 0 && x + 1 < y.size();
+        const bool end = x == 0 || (!inner && y[x] != y[x - 1]);
+        if (end || (inner && y[x] - y[x - 1] != y[x + 1] - y[x]))
+            points.push_back(std::to_string(x) + ":" + NumberText(y[x]));
+    }
+    return Join(points, " ");
+}
+
 std::string NumberTexts(const std::vector<double>& numbers)
 {
     std::vector<std::string> texts(numbers.size());
@@ -73,9 +88,12 @@ std::string ValueText(const Parameter& parameter, const catalogue::Value& value)
     case ParameterType::Pair:
         return NumberTexts({value.x, value.y});
     case ParameterType::Colour:
+    case ParameterType::Box:
         return NumberTexts({value.x, value.y, value.z, value.w});
     case ParameterType::Table:
         return TableText(value.table);
+    case ParameterType::Curve:
+        return CurveText(value.table);
     case ParameterType::Integer:
     case ParameterType::Number:
         break;

@@ -15,8 +15,7 @@ public:
     Grid(long width, long height, T value = T())
         : m_width(width), m_height(height),
           m_cells(static_cast<std::size_t>(width) * static_cast<std::size_t>(height), value)
-    {
-    }
+    {}
     long Width() const { return m_width; }
     long Height() const { return m_height; }
     std::size_t Size() const { return m_cells.size(); }

@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdlib>
 
 namespace vfil::keyauto {
 
@@ -23,8 +22,7 @@ public:
     Estimator(const Grid<Light>& plate, const Screen& screen, const Regions& regions)
         : m_plate(plate), m_screen(screen), m_regions(regions), m_fronts(plate, regions.solid),
           m_solid(FindNearest(regions.solid))
-    {
-    }
+    {}
 
     Guess At(long x, long y) const
     {
@@ -36,7 +34,7 @@ public:
         std::sort(guesses.begin(), guesses.end(),
                   [](const Guess& a, const Guess& b) { return a.cost < b.cost; });
         constexpr std::size_t kBest = 3;
-        static const float kTie = getenv("TIE")?atof(getenv("TIE")):0.05F;
+        constexpr float kTie = 0.05F;
         Guess mean{0, guesses[0].cost};
         std::size_t count = 0;
         while (count < kBest && guesses.at(count).cost < mean.cost + kTie)
@@ -80,15 +78,17 @@ private:
         const float scale = Dot(behind, behind) + Dot(front, front);
         const float off = std::hypot(static_cast<float>(solid.x - x), static_cast<float>(solid.y - y));
         const float distance = off / (1 + m_solid.distance.At(x, y));
-        static const float kAbs = getenv("AB")?atof(getenv("AB")):0.002F;
-        static const float kFar = getenv("FAR")?atof(getenv("FAR")):0.01F;static const float kAl=getenv("AL")?atof(getenv("AL")):0.02F;
-        return {alpha, std::sqrt(Dot(miss, miss) / std::max(scale, 1e-6F)) + kFar * distance + kAbs * off + kAl * alpha};
+        constexpr float kOff = 0.001F;
+        constexpr float kFar = 0.01F;
+        constexpr float kDense = 0.02F;
+        return {alpha, std::sqrt(Dot(miss, miss) / std::max(scale, 1e-6F)) + kFar * distance + kOff * off +
+                           kDense * alpha};
     }
 
     // The cell as a mixture with some grey: what fits thin things far from any solid cell best.
     Guess TryGrey(long x, long y) const
     {
-        static const float kCost = getenv("GR")?atof(getenv("GR")):0.12F;
+        constexpr float kCost = 0.12F;
         const Light& behind = m_regions.behind.At(x, y);
         const float screen = m_screen.Excess(m_plate.At(x, y)) / std::max(m_screen.Excess(behind), 1e-4F);
         return {1 - std::clamp(screen, 0.0F, 1.0F), kCost};

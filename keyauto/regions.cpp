@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdlib>
 #include <vector>
 
 namespace vfil::keyauto {
@@ -62,43 +61,52 @@ float Along(const Light& c, const Light& behind, const Light& front)
     return Dot(c - behind, way) / std::max(Dot(way, way), 1e-6F);
 }
 
-// How far from the screen edges are over, by the mean course of all edges: the colour deep inside stands for
-// the subject's.
-float FindEdge(const Grid<Light>& plate, const Regions& regions, const Nearest& clear, float kDeep)
+// The cell on the way from the nearest clear cell through this one, at so many times its distance.
+Nearest::Cell Beyond(const Nearest& clear, long x, long y, float times)
 {
-    static const float kOver = getenv("OV")?atof(getenv("OV")):0.95F;
-    constexpr std::size_t kBins = 100;
-    std::array<double, kBins> sums{};
-    std::array<double, kBins> counts{};
+    const Nearest::Cell from = clear.cell.At(x, y);
+    return {from.x + std::lround(static_cast<float>(x - from.x) * times),
+            from.y + std::lround(static_cast<float>(y - from.y) * times)};
+}
+
+// How far from the screen edges are over, by the mean course of all edges: the colour so many cells inside
+// stands for the subject's.
+float FindEdge(const Grid<Light>& plate, const Regions& regions, const Nearest& clear, float deep)
+{
+    constexpr float kOver = 0.95F;
+    constexpr float kUsual = 4; // where no edge can be followed
+    struct Mean {
+        float sum = 0;
+        float count = 0;
+    };
+    std::vector<Mean> course(static_cast<std::size_t>(deep) + 1);
     for (long y = 0; y < plate.Height(); ++y) {
         for (long x = 0; x < plate.Width(); ++x) {
             const float distance = clear.distance.At(x, y);
-            if (distance < 0.5F || distance >= kDeep) continue;
-            const Nearest::Cell from = clear.cell.At(x, y);
-            const long deepX = from.x + std::lround(static_cast<float>(x - from.x) * kDeep / distance);
-            const long deepY = from.y + std::lround(static_cast<float>(y - from.y) * kDeep / distance);
-            if (!plate.Contains(deepX, deepY) || clear.distance.At(deepX, deepY) < 0.8F * kDeep) continue;
+            if (distance < 0.5F || distance >= deep) continue;
+            const Nearest::Cell inside = Beyond(clear, x, y, deep / distance);
+            if (!plate.Contains(inside.x, inside.y) || clear.distance.At(inside.x, inside.y) < 0.8F * deep)
+                continue;
             const Light& behind = regions.behind.At(x, y);
-            const Light way = plate.At(deepX, deepY) - behind;
-            if (Dot(way, way) < 0.2F * Dot(behind, behind)) continue;
-            const auto bin = static_cast<std::size_t>(distance);
-            sums.at(bin) += static_cast<double>(
-                std::clamp(Along(plate.At(x, y), behind, plate.At(deepX, deepY)), -0.5F, 1.5F));
-            counts.at(bin) += 1;
+            const Light& front = plate.At(inside.x, inside.y);
+            if (Dot(front - behind, front - behind) < 0.2F * Dot(behind, behind)) continue;
+            Mean& mean = course[static_cast<std::size_t>(distance)];
+            mean.sum += std::clamp(Along(plate.At(x, y), behind, front), -0.5F, 1.5F);
+            mean.count += 1;
         }
     }
-    for (std::size_t bin = 1; bin < kDeep; ++bin) {
-        if (counts.at(bin) > 0 && sums.at(bin) > static_cast<double>(kOver) * counts.at(bin))
-            return static_cast<float>(bin);
+    for (std::size_t cells = 1; cells + 1 < course.size(); ++cells) {
+        if (course[cells].count > 0 && course[cells].sum > kOver * course[cells].count)
+            return static_cast<float>(cells);
     }
-    return 4;
+    return kUsual;
 }
 
 // The same with a depth that leaves room behind the edge.
 float FindWholeEdge(const Grid<Light>& plate, const Regions& regions, const Nearest& clear)
 {
-    static const float kRoom = getenv("RM")?atof(getenv("RM")):0.8F;
-    static const float kMostDeep = getenv("MD")?atof(getenv("MD")):40.F;
+    constexpr float kRoom = 0.8F;
+    constexpr float kMostDeep = 40;
     float deep = 16;
     float edge = FindEdge(plate, regions, clear, deep);
     while (edge > kRoom * deep && deep < kMostDeep) {
@@ -116,15 +124,11 @@ bool OnSlope(const Grid<Light>& plate, const Regions& regions, const Nearest& cl
     constexpr float kDeep = 2.6F;
     constexpr float kMostMiss = 0.08F;
     constexpr float kSolid = 0.94F;
-    const Nearest::Cell from = clear.cell.At(x, y);
-    const auto at = [&](float times) {
-        return Nearest::Cell{from.x + std::lround(static_cast<float>(x - from.x) * times),
-                             from.y + std::lround(static_cast<float>(y - from.y) * times)};
-    };
-    const Nearest::Cell between = at(kBetween);
-    const Nearest::Cell deep = at(kDeep);
+    const Nearest::Cell between = Beyond(clear, x, y, kBetween);
+    const Nearest::Cell deep = Beyond(clear, x, y, kDeep);
     const float distance = clear.distance.At(x, y);
-    if (!plate.Contains(deep.x, deep.y) || clear.distance.At(deep.x, deep.y) < kBetween * distance) return false;
+    if (!plate.Contains(deep.x, deep.y) || clear.distance.At(deep.x, deep.y) < kBetween * distance)
+        return false;
     const Light& behind = regions.behind.At(x, y);
     const Light& front = plate.At(deep.x, deep.y);
     const Light way = front - behind;
@@ -151,7 +155,7 @@ Grid<float> GreyShares(const Grid<Light>& plate, const Screen& screen, const Reg
 // has an edge.
 Mask FindSlopes(const Grid<float>& shares, const Mask& clear)
 {
-    static const float kStep = getenv("ST")?atof(getenv("ST")):0.035F;
+    constexpr float kStep = 0.035F;
     constexpr float kFarthest = 0.1F;
     Mask reached = clear;
     std::vector<std::size_t> queue;
@@ -166,7 +170,8 @@ Mask FindSlopes(const Grid<float>& shares, const Mask& clear)
         for (const auto& [dx, dy] : {std::array{1L, 0L}, {-1L, 0L}, {0L, 1L}, {0L, -1L}}) {
             if (!shares.Contains(x + dx, y + dy)) continue;
             const std::size_t to = shares.Index(x + dx, y + dy);
-            if (reached[to] != 0 || shares[to] < kFarthest || std::abs(shares[to] - shares[from]) > kStep) continue;
+            if (reached[to] != 0 || shares[to] < kFarthest || std::abs(shares[to] - shares[from]) > kStep)
+                continue;
             reached[to] = 1;
             queue.push_back(to);
         }
@@ -174,11 +179,12 @@ Mask FindSlopes(const Grid<float>& shares, const Mask& clear)
     return reached;
 }
 
-Mask FindSolid(const Grid<Light>& original, const Screen& screen, const Regions& regions, const Nearest& clear)
+Mask FindSolid(const Grid<Light>& original, const Screen& screen, const Regions& regions,
+               const Nearest& clear)
 {
-    static const float kMostScreen = getenv("MS")?atof(getenv("MS")):0.12F;
-    static const float kMostTint = getenv("MT")?atof(getenv("MT")):0.45F;
-    static const float kInner = getenv("IN")?atof(getenv("IN")):4.F;
+    constexpr float kMostScreen = 0.12F;
+    constexpr float kMostTint = 0.45F;
+    constexpr float kInner = 4.F;
     const Grid<Light> plate = Smooth(original, 1);
     const Grid<float> shares = GreyShares(plate, screen, regions);
     const Mask slopes = FindSlopes(GreyShares(Smooth(original, 2), screen, regions), regions.clear);
@@ -191,8 +197,7 @@ Mask FindSolid(const Grid<Light>& original, const Screen& screen, const Regions&
         for (long x = 0; x < plate.Width(); ++x) {
             const std::size_t i = plate.Index(x, y);
             solid[i] = regions.outside[i] > regions.edge + 1 && screen.mask[i] == 0 &&
-                       (shares[i] < kMostScreen || inner[i] != 0) &&
-                       !OnSlope(plate, regions, clear, x, y);
+                       (shares[i] < kMostScreen || inner[i] != 0) && !OnSlope(plate, regions, clear, x, y);
         }
     }
     return solid;

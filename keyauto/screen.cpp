@@ -6,8 +6,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdio>
-#include <cstdlib>
 #include <vector>
 
 namespace vfil::keyauto {
@@ -15,12 +13,13 @@ namespace vfil::keyauto {
 namespace {
 
 constexpr int kBins = 64;
-constexpr float kLeastLight = 0.004F;     // below, hues are noise
-constexpr float kLeastSaturation = 0.4F;  // excess by key channel
-constexpr float kLeastShare = 0.01F;      // of the plate
-constexpr float kLeastBorder = 0.04F;     // of the border, unless ...
-constexpr float kInnerShare = 0.15F;      // ... the screen is as large as this
-constexpr float kBorderWeight = 4;        // screens reach the border, subjects rather don't
+constexpr float kLeastLight = 0.004F;    // below, hues are noise
+constexpr float kLeastSaturation = 0.4F; // excess by key channel
+constexpr float kLeastShare = 0.01F;     // of the plate
+constexpr float kLeastBorder = 0.04F;    // of the border, unless ...
+constexpr float kMostReach = 0.085F;     // hues that scatter farther are no cloth, but leaves
+constexpr float kInnerShare = 0.15F;     // ... the screen is as large as this
+constexpr float kBorderWeight = 4;       // screens reach the border, subjects rather don't
 
 using Histogram = std::vector<float>;
 
@@ -44,8 +43,8 @@ Histogram CountHues(const Grid<Light>& plate, bool blue)
         for (long x = 0; x < plate.Width(); ++x) {
             const Light& c = plate.At(x, y);
             if (!MayBeScreen(c, blue)) continue;
-            const bool outer = x < border || y < border || x >= plate.Width() - border ||
-                               y >= plate.Height() - border;
+            const bool outer =
+                x < border || y < border || x >= plate.Width() - border || y >= plate.Height() - border;
             const Hue hue = HueOf(c);
             bins[static_cast<std::size_t>(BinOf(hue.red) * kBins + BinOf(hue.blue))] +=
                 outer ? kBorderWeight : 1.0F;
@@ -182,8 +181,9 @@ std::optional<Screen> FindScreen(const Grid<Light>& original)
     screen.reach = FindReach(plate, screen);
     MarkCells(plate, screen);
     const float border = BorderShare(screen.mask);
-    if(getenv("DBG"))fprintf(stderr,"share %f border %f reach %f blue %d hue %f %f\n",screen.share,border,screen.reach,screen.blue,screen.hue.red,screen.hue.blue);
-    if (screen.share < kLeastShare || (border < kLeastBorder && screen.share < kInnerShare)) return std::nullopt;
+    if (screen.reach > kMostReach) return std::nullopt;
+    if (screen.share < kLeastShare || (border < kLeastBorder && screen.share < kInnerShare))
+        return std::nullopt;
     return screen;
 }
 

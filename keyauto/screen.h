@@ -23,11 +23,11 @@ inline Hue HueOf(const Light& c)
 /// A screen: green or blue cloth or paint behind a subject, lit as well as it went.
 struct Screen {
     bool blue = false;
-    Light colour;       ///< the usual one: the median
-    Hue hue;            ///< its hue ...
-    float reach = 0;    ///< ... and how far hues of the screen are from it at most
-    float share = 0;    ///< of the plate
-    Mask mask;          ///< the cells whose hue is the screen's
+    Light colour;    ///< the usual one: the median
+    Hue hue;         ///< its hue ...
+    float reach = 0; ///< ... and how far hues of the screen are from it at most
+    float share = 0; ///< of the plate
+    Mask mask;       ///< the cells whose hue is the screen's
 
     /// The channel that the screen sends most of.
     float Key(const Light& c) const { return blue ? c.b : c.g; }

@@ -20,6 +20,9 @@ int RunInfo(const Arguments& arguments);
 /// Compares a matte with the true one.
 void RunScore(const Arguments& arguments);
 
+/// Finds keyer and parameters for a plate, and runs them where a result is asked for.
+void RunKeyAuto(const Arguments& arguments);
+
 /// Explains an operator, or the command.
 void RunHelp(const Arguments& arguments);
 

@@ -46,6 +46,10 @@ int RunCommand(const Command& command, const std::vector<std::string>& words)
         CatchInterrupts();
         RunScore(arguments);
     }
+    if (command.name == "key-auto") {
+        CatchInterrupts();
+        RunKeyAuto(arguments);
+    }
     if (command.name == "list") RunList(arguments);
     if (command.name == "help") RunHelp(arguments);
     if (command.name == "man") std::cout << ManPage();

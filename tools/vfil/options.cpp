@@ -2,6 +2,7 @@
 /// The options of the command.
 #include "tools/vfil/options.h"
 #include "engine/settings.h"
+#include "keyauto/findkey.h"
 #include "tools/vfil/text.h"
 #include "tools/vfil/valuetext.h"
 
@@ -245,6 +246,24 @@ std::vector<Option> ScoreOptions()
     return options;
 }
 
+// The keyers work on RGBA of 8 bits, whatever the plate has.
+std::vector<Option> KeyAutoOptions()
+{
+    Option output = OutputOption();
+    output.summary = "run the command that was found, and write its result, the plate with the matte as its "
+                     "alpha, to this file: a picture, or a clip where the plate is one";
+    std::vector<Option> options = {
+        output,
+        {"keyer", "", "NAME", "take this keyer (default the one that does best)", keyauto::Keyers()},
+        {"truth", "", "MATTE",
+         "tell how near the matte is to the true one, of a clip on its first frame; it has no say in what is "
+         "found"},
+        {"json", "", "", "write a record of what was found to standard output"}};
+    for (const Option& option : SourceOptions())
+        if (option.name != "format" && option.name != "premultiplied") options.push_back(option);
+    return Combine({options, SinkOptions()});
+}
+
 } // namespace
 
 const std::vector<Command>& Commands()
@@ -265,6 +284,11 @@ const std::vector<Command>& Commands()
          Combine({{{"json", "", "", "write a JSON array"}}, SourceOptions()})},
         {"score", "MATTE TRUTH [--json] [--diff FILE]",
          "tell how near a matte is to the true one: pictures or clips", ScoreOptions()},
+        {"key-auto", "PLATE [-o FILE] [--keyer NAME] [--truth MATTE] [--json]",
+         "find keyer and parameters for a plate with a green or blue screen: a picture, or a clip by its "
+         "first "
+         "frame",
+         KeyAutoOptions()},
         {"help", "[OPERATOR]", "explain an operator or the command", {}},
         {"completion", "bash", "write a completion script", {}, true, {"bash"}},
         {"man", "", "write the manual page, as roff", {}, false},

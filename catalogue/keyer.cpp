@@ -37,6 +37,8 @@ void ExpectLinearKey(vfILLinearKeyer& keyer)
 {
     keyer.SetKeyColor({0, 1, 0, 1});
     keyer.SetSoftness(0.25);
+    // Else the noise of white, whose ramp has no room below the full value, is keyed.
+    keyer.SetThreshold(-0.02);
 }
 
 void ExpectLumaKey(vfILLumaKeyer& keyer)
@@ -125,7 +127,7 @@ Entry LinearKeyer()
         "vfILLinearKeyer", "key by how far green, or blue, rises above the larger of the other channels",
         {KeyColor(kGreen),
          NumberParameter<&P::SetThreshold, &P::GetThreshold>(
-             {-1, 1, 0}, "what is taken off the other channels before; below 0 less is keyed", 0x20002),
+             {-1, 1, -0.02}, "what is taken off the other channels before; below 0 less is keyed", 0x20002),
          NumberParameter<&P::SetSoftness, &P::GetSoftness>({0, 1, 0.25}, "how wide the matte's edge is",
                                                            0x20002)});
 }

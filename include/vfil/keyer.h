@@ -159,6 +159,9 @@ private:
 /// - threshold, clear from t + softness on, and in proportion between. The screen's channel is blue when the
 /// key colour has more of it than of red and of green, the other one is green then; else it is green, and the
 /// other blue. B's alpha is replaced. RGBA of 8 bits.
+///
+/// Both ends of the ramp are limited to the full value, which makes it short near white: beside a red of 254
+/// a green of 255 is clear.
 class VFIL_API vfILLinearKeyer : public vfILKeyerBase {
 public:
     /// Adds 0x1000D (an output that is not RGBA of 8 bits), 0x20002 (not all channels are selected, or a

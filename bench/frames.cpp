@@ -3,6 +3,7 @@
 /// the filters, some of which do not.
 #include "frames.h"
 
+#include <vfil/convert.h>
 #include <vfil/host/picturefile.h>
 
 #include <algorithm>
@@ -55,6 +56,16 @@ PicturePtr Planes(const Picture& rgba, std::size_t count)
     return planes;
 }
 
+PicturePtr InVideo(Picture& rgba)
+{
+    PicturePtr video = Picture::Create(PXFormat_YCC422_601, kWidth, kHeight);
+    vfILRGBA2YCCA converter;
+    converter.SetInputImg(&rgba);
+    converter.SetOutputImg(video.Get());
+    Execute(converter);
+    return video;
+}
+
 PicturePtr Copy(const Picture& picture)
 {
     PicturePtr copy = Picture::Create(picture.Format(), picture.Width(), picture.Height());
@@ -88,6 +99,7 @@ Frames::Frames()
     const PicturePtr photo = Tiled("cat-fur-rgb8.png", PXFormat_RGBA32);
     const PicturePtr photo16 = Tiled("cat-fur-rgb8.png", PXFormat_RGBA64);
     const PicturePtr plate = Tiled("greenscreen-cup-plate.png", PXFormat_RGBA32);
+    const PicturePtr videoPlate = InVideo(*plate);
     const PicturePtr gray = Planes(*photo, 1);
     const PicturePtr planes = Planes(*photo, 4);
     for (std::size_t i = 0; i < kFrames; ++i) {
@@ -102,7 +114,8 @@ Frames::Frames()
                     {},
                     {Copy(*photo), Copy(*photo16), Copy(*gray)},
                     Copy(*planes),
-                    Copy(*plate)};
+                    Copy(*plate),
+                    Copy(*videoPlate)};
         frame.inputs = {frame.back, frame.back16};
         frame.outputs = {frame.out, frame.out16, picture(PXFormat_Mono8)};
         for (const GUID& format : kConverted) {

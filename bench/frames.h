@@ -35,6 +35,8 @@ struct Frame {
     PicturePtr photoPlanes;
     /// A subject before a green screen, in RGBA, opaque, for the keyers.
     PicturePtr plate;
+    /// The same as Y0 Cb Y1 Cr, BT.601.
+    PicturePtr videoPlate;
 
     vfil::host::Picture& In(const GUID& format) const { return Find(inputs, format); }
     vfil::host::Picture& Out(const GUID& format) const { return Find(outputs, format); }
@@ -125,6 +127,13 @@ inline constexpr char kKeyHue[] = "key, hue";
 inline constexpr char kKeyDifference[] = "key, difference";
 inline constexpr char kKeyRamp[] = "key, ramp";
 inline constexpr char kKeyLuma[] = "key, luma";
+inline constexpr char kVideoHue[] = "key 4:2:2, hue";
+inline constexpr char kVideoHueSpill[] = "key 4:2:2, hue and spill";
+inline constexpr char kVideoHueMatte[] = "key 4:2:2, hue, matte";
+inline constexpr char kVideoDifference[] = "key 4:2:2, difference";
+inline constexpr char kVideoDifferenceSpill[] = "key 4:2:2, difference and spill";
+inline constexpr char kVideoDifferenceMatte[] = "key 4:2:2, difference, matte";
+inline constexpr char kVideoLuma[] = "key 4:2:2, luma";
 
 /// The ending of operations that write over the back, as pixman does.
 inline constexpr char kInPlace[] = ", in place";

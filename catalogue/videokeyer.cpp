@@ -13,21 +13,24 @@ namespace vfil::catalogue {
 namespace {
 
 constexpr Value kGreen{0, 1, 0, 1};
+constexpr double kOne255th = 1.0 / 255;
 
 // What keys a green screen, and shows something of both pictures.
 void ExpectSectorKey(vfILChromaKeyerYUV& keyer)
 {
     keyer.SetKeyColor({0, 1, 0, 1});
-    keyer.SetKeyAngleTolerance(60);
-    keyer.SetKeyLiftAndGain(0.1, 0.5);
-    keyer.SetSpillAngleTolerance(90);
-    keyer.SetSpillLiftAndGain(0, 0.5);
+    keyer.SetKeyAngleTolerance(120);
+    keyer.SetKeyLiftAndGain(0, 1);
+    keyer.SetSpillAngleTolerance(150);
+    keyer.SetSpillLiftAndGain(0, 1);
 }
 
 void ExpectDifferenceKey(vfILYUVKeyer& keyer)
 {
     keyer.SetKeyColor({0, 1, 0, 1});
-    keyer.SetCoefficients(2, 1, 0);
+    keyer.SetCoefficients(4, 1, 0.25);
+    // The luma of whole RGB foreground is multiplied by the term, as 255ths: 1 of them keeps it.
+    keyer.SetSpillLuminanceOffsetAndGain(1, kOne255th);
 }
 
 void ExpectLumaKey(vfIL2InputLumaKeyer& keyer)
@@ -83,11 +86,11 @@ std::vector<Parameter> SpillParameters()
     return {
         FlagParameter<&P::SetApplySpill, &P::GetApplySpill>(Value{0}, kSpillSummary),
         NumberParameter<&P::SetSpillAngleTolerance, &P::GetSpillAngleTolerance>(
-            {0, 360, 90, "degrees"}, "how wide the sector of spill opens", 0),
+            {0, 360, 150, "degrees"}, "how wide the sector of spill opens", 0),
         PartParameter<&P::SetSpillLiftAndGain, &P::GetSpillLiftAndGain, 0>(
             "spill-lift", {0, 1, 0}, "how far from grey the sector of spill begins", 0),
         PartParameter<&P::SetSpillLiftAndGain, &P::GetSpillLiftAndGain, 1>(
-            "spill-gain", {0, 1, 0.5}, "how steep the edge of that sector is", 0),
+            "spill-gain", {0, 1, 1}, "how steep the edge of that sector is", 0),
         PartParameter<&P::SetSpillMatteMap, &P::GetSpillMatteMap, 0>("spill-matte-low", {0, 100, 0, "%"},
                                                                      "what counts as all spill", 0),
         PartParameter<&P::SetSpillMatteMap, &P::GetSpillMatteMap, 1>("spill-matte-high", {0, 100, 100, "%"},
@@ -109,12 +112,11 @@ Entry SectorKeyer()
     entry.parameters = {
         KeyColor(kGreen),
         NumberParameter<&P::SetKeyAngleTolerance, &P::GetKeyAngleTolerance>(
-            {0, 360, 60, "degrees"}, "how wide the sector opens", 0x10023),
+            {0, 360, 120, "degrees"}, "how wide the sector opens", 0x10023),
         PartParameter<&P::SetKeyLiftAndGain, &P::GetKeyLiftAndGain, 0>(
-            "key-lift", {0, 1, 0.1}, "how far from grey the sector begins, which saves pale colours",
-            0x10023),
+            "key-lift", {0, 1, 0}, "how far from grey the sector begins, which saves pale colours", 0x10023),
         PartParameter<&P::SetKeyLiftAndGain, &P::GetKeyLiftAndGain, 1>(
-            "key-gain", {0, 1, 0.5}, "how steep the matte's edge is", 0x10023),
+            "key-gain", {0, 1, 1}, "how steep the matte's edge is", 0x10023),
         PartParameter<&P::SetKeyMatteMap, &P::GetKeyMatteMap, 0>("key-matte-low", {0, 100, 0, "%"},
                                                                  "what of the matte becomes clear", 0),
         PartParameter<&P::SetKeyMatteMap, &P::GetKeyMatteMap, 1>("key-matte-high", {0, 100, 100, "%"},
@@ -137,16 +139,16 @@ std::vector<Parameter> DifferenceParameters()
     using P = vfILYUVKeyer;
     return {
         KeyColor(kGreen),
-        PartParameter<&P::SetCoefficients, &P::GetCoefficients, 0>("c0", Coefficient(2),
+        PartParameter<&P::SetCoefficients, &P::GetCoefficients, 0>("c0", Coefficient(4),
                                                                    "how strong the screen's channel keys", 0),
         PartParameter<&P::SetCoefficients, &P::GetCoefficients, 1>(
             "c1", Coefficient(1), "how much red, of a blue screen green, saves from the key", 0),
         PartParameter<&P::SetCoefficients, &P::GetCoefficients, 2>(
-            "c2", Coefficient(0), "how much blue, of a blue screen red, saves from the key", 0),
-        PartParameter<&P::SetClipValues, &P::GetClipValues, 0>("clip-low", {-1, 2, 0},
-                                                               "what of the key becomes clear", 0),
+            "c2", Coefficient(0.25), "how much blue, of a blue screen red, saves from the key", 0),
+        PartParameter<&P::SetClipValues, &P::GetClipValues, 0>(
+            "clip-low", {-1, 2, 0}, "what of the key, and below, becomes clear", 0),
         PartParameter<&P::SetClipValues, &P::GetClipValues, 1>("clip-high", {-1, 2, 1},
-                                                               "what of the key becomes full", 0),
+                                                               "what of the key, and above, becomes full", 0),
         FlagParameter<&P::SetOutputMatteFlag, &P::GetOutputMatteFlag>(Value{0}, kMatteSummary),
         FlagParameter<&P::SetApplySpillCorrectionFlag, &P::GetApplySpillCorrectionFlag>(Value{1},
                                                                                         kSpillSummary),
@@ -160,7 +162,8 @@ std::vector<Parameter> DifferenceParameters()
         PartParameter<&P::SetSpillLuminanceOffsetAndGain, &P::GetSpillLuminanceOffsetAndGain, 0>(
             "spill-luma-gain", {0, 100, 1}, "what the luma of spill is multiplied by, in video", 0),
         PartParameter<&P::SetSpillLuminanceOffsetAndGain, &P::GetSpillLuminanceOffsetAndGain, 1>(
-            "spill-luma-offset", {-1, 1, 0}, "what is added to it then", 0),
+            "spill-luma-offset", {-1, 1, kOne255th},
+            "what is added to it then; in RGB whole foreground is multiplied by its 255ths instead", 0),
         ChoiceParameter<&P::SetColorModel, &P::GetColorModel>(
             PXColorModel_YCC, "the weights of an RGB picture's chroma; video has its own",
             {{"601", PXColorModel_YCC, "BT.601"}, {"709", PXColorModel_YCC709, "BT.709"}}, 0x1006A),

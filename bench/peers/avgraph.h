@@ -29,30 +29,36 @@ inline AvPicture AvPlanes(std::uint8_t* first)
     return {{first, first + kPixels, first + 2 * kPixels, first + 3 * kPixels}, {kRow, kRow, kRow, kRow}};
 }
 
-/// One filter between a source and a sink.
+/// A filter between a source and a sink; or filters with a second source, which text calls [in] and [back].
 class AvGraph {
 public:
-    AvGraph(const std::string& filter, AVPixelFormat pixels)
-        : m_pixels(pixels), m_graph(avfilter_graph_alloc()), m_in(av_frame_alloc()), m_out(av_frame_alloc())
+    AvGraph(const std::string& filter, AVPixelFormat pixels, AVPixelFormat backPixels = AV_PIX_FMT_NONE)
+        : m_graph(avfilter_graph_alloc()), m_out(av_frame_alloc())
     {
         m_graph->nb_threads = 1;
+        const bool hasBack = backPixels != AV_PIX_FMT_NONE;
         const std::string text =
-            "buffer@in=video_size=" + std::to_string(kWidth) + "x" + std::to_string(kHeight) +
-            ":time_base=1/25:pix_fmt=" + av_get_pix_fmt_name(m_pixels) + "," + filter + ",buffersink@out";
+            hasBack ? Source("in", pixels) + "[in];" + Source("back", backPixels) + "[back];" + filter
+                    : Source("in", pixels) + "," + filter;
         AVFilterInOut* inputs = nullptr;
         AVFilterInOut* outputs = nullptr;
-        Require(avfilter_graph_parse2(m_graph, text.c_str(), &inputs, &outputs) >= 0 &&
+        Require(avfilter_graph_parse2(m_graph, (text + ",buffersink@out").c_str(), &inputs, &outputs) >= 0 &&
                     avfilter_graph_config(m_graph, nullptr) >= 0,
                 filter);
-        m_source = avfilter_graph_get_filter(m_graph, "buffer@in");
+        m_input = {avfilter_graph_get_filter(m_graph, "buffer@in"), pixels, av_frame_alloc()};
+        if (hasBack)
+            m_back = {avfilter_graph_get_filter(m_graph, "buffer@back"), backPixels, av_frame_alloc()};
         m_sink = avfilter_graph_get_filter(m_graph, "buffersink@out");
-        Require(m_source != nullptr && m_sink != nullptr && m_graph->nb_filters == 3, filter);
+        // No conversion came between.
+        Require(m_input.source != nullptr && m_sink != nullptr && m_graph->nb_filters == (hasBack ? 5 : 3),
+                filter);
     }
     AvGraph(const AvGraph&) = delete;
     AvGraph& operator=(const AvGraph&) = delete;
     ~AvGraph()
     {
-        av_frame_free(&m_in);
+        av_frame_free(&m_input.frame);
+        av_frame_free(&m_back.frame);
         av_frame_free(&m_out);
         avfilter_graph_free(&m_graph);
     }
@@ -60,23 +66,55 @@ public:
     /// \param readOnly  False lets a filter work in place, if it can. Nobody frees the picture either way.
     void Run(const AvPicture& picture, bool readOnly)
     {
-        m_in->format = m_pixels;
-        m_in->width = kWidth;
-        m_in->height = kHeight;
-        m_in->pts = m_count++;
-        m_in->buf[0] = av_buffer_create(
-            picture.data[0], kPixels, [](void*, std::uint8_t*) {}, nullptr,
-            readOnly ? AV_BUFFER_FLAG_READONLY : 0);
-        for (std::size_t i = 0; i < static_cast<std::size_t>(av_pix_fmt_count_planes(m_pixels)); ++i) {
-            m_in->data[i] = picture.data[i];
-            m_in->linesize[i] = picture.rowBytes[i];
-        }
-        Require(av_buffersrc_add_frame(m_source, m_in) >= 0 && av_buffersink_get_frame(m_sink, m_out) >= 0,
-                "a frame");
-        av_frame_unref(m_out);
+        Put(m_input, picture, readOnly);
+        Take();
+    }
+
+    /// \param back  What the second source gives.
+    void Run(const AvPicture& picture, bool readOnly, const AvPicture& back)
+    {
+        Put(m_back, back, true);
+        Put(m_input, picture, readOnly);
+        Take();
     }
 
 private:
+    struct Input {
+        AVFilterContext* source = nullptr;
+        AVPixelFormat pixels = AV_PIX_FMT_NONE;
+        AVFrame* frame = nullptr;
+    };
+
+    static std::string Source(const std::string& name, AVPixelFormat pixels)
+    {
+        return "buffer@" + name + "=video_size=" + std::to_string(kWidth) + "x" + std::to_string(kHeight) +
+               ":time_base=1/25:pix_fmt=" + av_get_pix_fmt_name(pixels);
+    }
+
+    void Put(const Input& input, const AvPicture& picture, bool readOnly)
+    {
+        AVFrame* const frame = input.frame;
+        frame->format = input.pixels;
+        frame->width = kWidth;
+        frame->height = kHeight;
+        frame->pts = m_count;
+        frame->buf[0] = av_buffer_create(
+            picture.data[0], kPixels, [](void*, std::uint8_t*) {}, nullptr,
+            readOnly ? AV_BUFFER_FLAG_READONLY : 0);
+        for (std::size_t i = 0; i < static_cast<std::size_t>(av_pix_fmt_count_planes(input.pixels)); ++i) {
+            frame->data[i] = picture.data[i];
+            frame->linesize[i] = picture.rowBytes[i];
+        }
+        Require(av_buffersrc_add_frame(input.source, frame) >= 0, "a frame");
+    }
+
+    void Take()
+    {
+        ++m_count;
+        Require(av_buffersink_get_frame(m_sink, m_out) >= 0, "a frame");
+        av_frame_unref(m_out);
+    }
+
     static void Require(bool done, const std::string& filter)
     {
         if (done) return;
@@ -84,11 +122,10 @@ private:
         std::abort();
     }
 
-    AVPixelFormat m_pixels;
     AVFilterGraph* m_graph;
-    AVFrame* m_in;
     AVFrame* m_out;
-    AVFilterContext* m_source = nullptr;
+    Input m_input;
+    Input m_back;
     AVFilterContext* m_sink = nullptr;
     std::int64_t m_count = 0;
 };

@@ -89,21 +89,50 @@ void LumKey(const Byte* in, Byte* out, std::size_t pixels, const LumKeyTable& ta
     });
 }
 
-/// One sample of YCC of one byte of each 32 bits of the planes.
-template <int byte>
-S32 EncodeLanes(const Block& planes, const EncodeWeights& weights, int offset)
+/// A byte x of each 32 bits as the pair (8 x, x), whose product with a pair of weights is one with a weight
+/// of up to 19 bits.
+S32 Scaled(S32 x)
 {
-    const S32 sum = ByteLanes<byte>(planes.v[0]) * Splat32(weights.red) +
-                    ByteLanes<byte>(planes.v[1]) * Splat32(weights.green) +
-                    ByteLanes<byte>(planes.v[2]) * Splat32(weights.blue);
-    return ShiftDown<16>(sum + Splat32(0x8000 + (offset << 16)));
+    return ShiftUp<3>(x) | ShiftUp<16>(x);
 }
 
-U8 Encode(const Block& planes, const EncodeWeights& weights, int offset)
+S32 WeightOfScaled(std::int32_t weight)
 {
-    return JoinBytes(EncodeLanes<0>(planes, weights, offset), EncodeLanes<1>(planes, weights, offset),
-                     EncodeLanes<2>(planes, weights, offset), EncodeLanes<3>(planes, weights, offset));
+    return SplatPair16(weight >> 3, weight & 7);
 }
+
+/// Lanes of three samples of YCC, or of RGB.
+struct Lanes {
+    S32 a, b, c;
+};
+
+struct Encoder {
+    struct Row {
+        Row(const EncodeWeights& w, int offset)
+            : redBlue(SplatPair16(w.red, w.blue)), green(WeightOfScaled(w.green)),
+              constant(Splat32(0x8000 + (offset << 16)))
+        {}
+        S32 operator()(S32 redBlues, S32 greens) const
+        {
+            return ShiftDown<16>(DotPairs(redBlues, redBlue) + DotPairs(greens, green) + constant);
+        }
+
+        S32 redBlue, green, constant;
+    };
+
+    explicit Encoder(const EncodeTable& table) : y(table.y, 16), cb(table.cb, 128), cr(table.cr, 128) {}
+
+    /// Of one byte of each 32 bits of the planes.
+    template <int byte>
+    Lanes At(const Block& planes) const
+    {
+        const S32 redBlues = ByteLanes<byte>(planes.v[0]) | ShiftUp<16>(ByteLanes<byte>(planes.v[2]));
+        const S32 greens = Scaled(ByteLanes<byte>(planes.v[1]));
+        return {y(redBlues, greens), cb(redBlues, greens), cr(redBlues, greens)};
+    }
+
+    Row y, cb, cr;
+};
 
 /// a by the weight, b by the rest.
 U8 Blend(U8 a, U8 b, U8 weight)
@@ -120,19 +149,27 @@ struct YccPlanes {
     U8 y, cb, cr;
 };
 
-template <int byte>
-S32 DecodeLanes(const YccPlanes& ycc, const DecodeWeights& weights)
-{
-    return ShiftDown<16>(ByteLanes<byte>(ycc.y) * Splat32(weights.y) +
-                         ByteLanes<byte>(ycc.cb) * Splat32(weights.cb) +
-                         ByteLanes<byte>(ycc.cr) * Splat32(weights.cr) + Splat32(weights.constant));
-}
+struct Decoder {
+    explicit Decoder(const DecodeTable& table)
+        : luma(WeightOfScaled(table.red.y)), redCr(WeightOfScaled(table.red.cr)),
+          greenCb(WeightOfScaled(table.green.cb)), greenCr(WeightOfScaled(table.green.cr)),
+          blueCb(WeightOfScaled(table.blue.cb)), red(Splat32(table.red.constant)),
+          green(Splat32(table.green.constant)), blue(Splat32(table.blue.constant))
+    {}
 
-U8 Decode(const YccPlanes& ycc, const DecodeWeights& weights)
-{
-    return JoinLimited(DecodeLanes<0>(ycc, weights), DecodeLanes<1>(ycc, weights),
-                       DecodeLanes<2>(ycc, weights), DecodeLanes<3>(ycc, weights));
-}
+    template <int byte>
+    Lanes At(const YccPlanes& ycc) const
+    {
+        const S32 y = DotPairs(Scaled(ByteLanes<byte>(ycc.y)), luma); // the same in all three channels
+        const S32 cb = Scaled(ByteLanes<byte>(ycc.cb));
+        const S32 cr = Scaled(ByteLanes<byte>(ycc.cr));
+        return {ShiftDown<16>(y + DotPairs(cr, redCr) + red),
+                ShiftDown<16>(y + DotPairs(cb, greenCb) + DotPairs(cr, greenCr) + green),
+                ShiftDown<16>(y + DotPairs(cb, blueCb) + blue)};
+    }
+
+    S32 luma, redCr, greenCb, greenCr, blueCb, red, green, blue;
+};
 
 struct Replacement {
     explicit Replacement(const ChromaReplacement& r)
@@ -143,18 +180,23 @@ struct Replacement {
     {
         const Block from = ToPlanes(LoadBlock(a));
         const U8 weight = from.v[3];
-        const U8 y = Encode(from, encode.y, 16);
+        const Lanes ycc[] = {encode.At<0>(from), encode.At<1>(from), encode.At<2>(from), encode.At<3>(from)};
+        const U8 y = JoinBytes(ycc[0].a, ycc[1].a, ycc[2].a, ycc[3].a);
         const YccPlanes mixed{Blend(y, Lookup(lumaOf, y), weight),
-                              Blend(Encode(from, encode.cb, 128), cb, weight),
-                              Blend(Encode(from, encode.cr, 128), cr, weight)};
-        return FromPlanes({{Decode(mixed, decode.red), Decode(mixed, decode.green),
-                            Decode(mixed, decode.blue), ToPlanes(LoadBlock(b)).v[3]}});
+                              Blend(JoinBytes(ycc[0].b, ycc[1].b, ycc[2].b, ycc[3].b), cb, weight),
+                              Blend(JoinBytes(ycc[0].c, ycc[1].c, ycc[2].c, ycc[3].c), cr, weight)};
+        const Lanes rgb[] = {decode.At<0>(mixed), decode.At<1>(mixed), decode.At<2>(mixed),
+                             decode.At<3>(mixed)};
+        return FromPlanes(
+            {{JoinLimited(rgb[0].a, rgb[1].a, rgb[2].a, rgb[3].a),
+              JoinLimited(rgb[0].b, rgb[1].b, rgb[2].b, rgb[3].b),
+              JoinLimited(rgb[0].c, rgb[1].c, rgb[2].c, rgb[3].c), ToPlanes(LoadBlock(b)).v[3]}});
     }
 
     ByteTable<16> lumaOf;
     U8 cb, cr;
-    const EncodeTable& encode;
-    const DecodeTable& decode;
+    Encoder encode;
+    Decoder decode;
 };
 
 void StoreBlock(Byte* out, const Block& block)

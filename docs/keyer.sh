@@ -56,11 +56,12 @@ done
             awk -v line="$line" '/squared/ { a = $4 } /edge/ { b = $6 } /screen left/ { c = $3 } /solid lost/ { d = $3 }
                 END { printf "| `%s` | %.0f | %.0f | %s %% | %s %% |\n", line, a, b, c, d }'
     done <<'LINES'
-linear-keyer
-linear-keyer --threshold -0.02
-blue-green-keyer
+linear-keyer --threshold 0 --softness 0.25
+linear-keyer --threshold -0.02 --softness 0.25
+linear-keyer --threshold 0 --softness 0.2
+blue-green-keyer --c0 4 --c1 1 --c2 0.25
 blue-green-keyer --c0 3.2 --c1 0.8 --c2 0
-chroma-keyer
+chroma-keyer --angle-tolerance 120 --lift 0 --gain 1
 chroma-keyer --angle-tolerance 140 --lift 0 --gain 0.6
 LINES
 } | replace scores

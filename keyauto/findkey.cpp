@@ -45,15 +45,6 @@ double ShareOf(const Mask& mask)
     return static_cast<double>(chosen) / static_cast<double>(mask.Size());
 }
 
-// The share of the plate that is no screen, parts counted as such.
-double Coverage(const Reference& reference)
-{
-    double sum = 0;
-    for (std::size_t i = 0; i < reference.alpha.Size(); ++i)
-        sum += static_cast<double>(reference.alpha[i]);
-    return sum / static_cast<double>(reference.alpha.Size());
-}
-
 } // namespace
 
 std::vector<std::string> Keyers()
@@ -72,10 +63,10 @@ Finding FindKey(const host::PicturePtr& picture, const std::string& keyer)
     const std::optional<Screen> screen = FindScreen(plate.light);
     if (!screen) throw NothingToKey("no screen found: no even green or blue is large enough");
     const Regions regions = FindRegions(plate.light, *screen);
-    const Reference reference = EstimateMatte(plate.light, *screen, regions);
-    constexpr double kLeastCoverage = 0.0005;
-    if (Coverage(reference) < kLeastCoverage)
+    constexpr double kLeastSubject = 0.0001;
+    if (ShareOf(regions.solid) < kLeastSubject)
         throw NothingToKey("no subject found: the picture is all screen");
+    const Reference reference = EstimateMatte(plate.light, *screen, regions);
     const Samples samples = TakeSamples(plate, regions, reference);
     Finding finding;
     finding.blue = screen->blue;

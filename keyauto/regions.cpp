@@ -179,12 +179,13 @@ Mask FindSlopes(const Grid<float>& shares, const Mask& clear)
     return reached;
 }
 
+// Cells that are behind the edge, with nothing near by that has much of the screen's colour: what reflects a
+// little of it is solid, fur and hair before it are not.
 Mask FindSolid(const Grid<Light>& original, const Screen& screen, const Regions& regions,
                const Nearest& clear)
 {
-    constexpr float kMostScreen = 0.12F;
-    constexpr float kMostTint = 0.45F;
-    constexpr float kInner = 4.F;
+    constexpr float kMostTint = 0.3F;
+    constexpr float kInner = 4;
     const Grid<Light> plate = Smooth(original, 1);
     const Grid<float> shares = GreyShares(plate, screen, regions);
     const Mask slopes = FindSlopes(GreyShares(Smooth(original, 2), screen, regions), regions.clear);
@@ -196,8 +197,8 @@ Mask FindSolid(const Grid<Light>& original, const Screen& screen, const Regions&
     for (long y = 0; y < plate.Height(); ++y) {
         for (long x = 0; x < plate.Width(); ++x) {
             const std::size_t i = plate.Index(x, y);
-            solid[i] = regions.outside[i] > regions.edge + 1 && screen.mask[i] == 0 &&
-                       (shares[i] < kMostScreen || inner[i] != 0) && !OnSlope(plate, regions, clear, x, y);
+            solid[i] = regions.outside[i] > regions.edge + 1 && screen.mask[i] == 0 && inner[i] != 0 &&
+                       !OnSlope(plate, regions, clear, x, y);
         }
     }
     return solid;

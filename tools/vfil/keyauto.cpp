@@ -30,17 +30,26 @@ namespace {
 // The picture, or the first frame of the clip, as the keyers see it.
 host::PicturePtr ReadPlate(const std::string& path, const engine::Values& options)
 {
-    host::PicturePtr picture;
-    if (host::IsVideo(path)) {
-        picture = host::VideoReader(path, engine::Overrides(options)).Read();
-        if (!picture) throw RequestError(path + " has no frame");
-    } else {
-        picture =
-            host::ReadPicture(path, engine::IsRaw(path) ? engine::RawOptions(options) : host::ReadOptions());
+    if (!host::IsVideo(path)) {
+        host::ReadOptions reading;
+        if (engine::IsRaw(path)) reading = engine::RawOptions(options);
+        if (reading.format && *reading.format != PXFormat_RGBA32)
+            throw RequestError(path + ": a raw plate is rgba32, which the keyers take");
+        reading.format = PXFormat_RGBA32;
+        return host::ReadPicture(path, reading);
     }
-    const auto toColour = engine::FindConversion(picture->Format(), PXFormat_RGBA32);
+    const host::PicturePtr frame = host::VideoReader(path, engine::Overrides(options)).Read();
+    if (!frame) throw RequestError(path + " has no frame");
+    const auto toColour = engine::FindConversion(frame->Format(), PXFormat_RGBA32);
     if (!toColour) throw RequestError(path + ": its format cannot be keyed; RGB and YCC can");
-    return engine::Converter(*toColour, engine::RunSettings()).Convert(picture);
+    return engine::Converter(*toColour, engine::RunSettings()).Convert(frame);
+}
+
+// Whether the picture is converted when it is read for the keyers.
+bool IsConverted(const std::string& path)
+{
+    return !host::IsVideo(path) && !engine::IsRaw(path) &&
+           host::InspectPicture(path).format != PXFormat_RGBA32;
 }
 
 Finding Find(const host::PicturePtr& plate, const std::string& keyer)
@@ -80,6 +89,7 @@ Arguments CommandOf(const catalogue::Entry& entry, const Key& key, const Argumen
     command.words = arguments.words;
     for (const auto& [name, value] : key.settings)
         command.options.given[name] = {ValueText(ParameterOf(entry, name), value)};
+    if (IsConverted(command.words.front())) command.options.given["format"] = {"rgba32"};
     for (const auto& [name, values] : arguments.options.given) {
         if (name != "keyer" && name != "truth" && name != "json") command.options.given[name] = values;
     }

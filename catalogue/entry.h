@@ -125,6 +125,12 @@ struct FormatPair {
                             ///< way round: the picture comes out upside down
 };
 
+/// Parameters that Verify holds against each other: each within its range, they may be refused together.
+struct JointRefusal {
+    unsigned long code;
+    std::vector<const char*> parameters; ///< their names
+};
+
 /// The spatial reach of a processor whose every output pixel depends on all of the input.
 inline constexpr int kWholePicture = std::numeric_limits<int>::max();
 
@@ -140,6 +146,7 @@ struct Entry {
                                     ///< there are conversions
     std::vector<FormatPair> conversions = {}; ///< the formats that each input and each output may have
     std::vector<Parameter> parameters = {};
+    std::vector<JointRefusal> joint = {};
     unsigned long channels = VFIL_MODE_RGBA; ///< channel bits of the processing mode that give what a user
                                              ///< expects of the name
     unsigned long fixedChannels = 0;         ///< channel bits that cannot be left out

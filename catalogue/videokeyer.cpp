@@ -126,6 +126,7 @@ Entry SectorKeyer()
     };
     for (const Parameter& parameter : SpillParameters())
         entry.parameters.push_back(parameter);
+    entry.joint = {{0x10023, {"key-matte-low", "key-matte-high", "spill-matte-low", "spill-matte-high"}}};
     return entry;
 }
 
@@ -206,6 +207,7 @@ Entry LumaKeyer()
         FlagParameter<&P::SetReverseFlag, &P::GetReverseFlag>(Value{0}, "keep what is dark"),
         CropBox(),
     };
+    entry.joint = {{0x20002, {"luma-clip", "luma-gain"}}};
     return entry;
 }
 

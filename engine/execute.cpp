@@ -69,6 +69,18 @@ const Parameter* RefusedParameter(const catalogue::Entry& entry, unsigned long c
     return refused == entry.parameters.end() ? nullptr : &*refused;
 }
 
+// The parameters that are refused together with a code, whose own ranges were looked at before.
+Message JointSettings(const catalogue::Entry& entry, unsigned long code)
+{
+    Message names;
+    for (const catalogue::JointRefusal& joint : entry.joint) {
+        if (joint.code != code) continue;
+        for (const char* name : joint.parameters)
+            names += (names.IsEmpty() ? Message("") : Message(", ")) + Named(name);
+    }
+    return names;
+}
+
 // The library's text on one line, with the class for its %s, and where to look.
 Fault FaultOf(const catalogue::Entry& entry, const vfILProcessor& processor)
 {
@@ -79,6 +91,8 @@ Fault FaultOf(const catalogue::Entry& entry, const vfILProcessor& processor)
     char number[16];
     std::snprintf(number, sizeof number, " (0x%lX)", code);
     line += number;
+    const Message joint = JointSettings(entry, code);
+    if (!joint.IsEmpty()) return {.text = line + "; see " + joint};
     if (const Parameter* refused = RefusedParameter(entry, code))
         return {.parameter = refused->name, .text = line + "; see " + Named(refused->name)};
     const Message settings = SettingsOfCode(code);

@@ -233,7 +233,8 @@ TEST(EachEntry, RangesAreThoseOfVerify)
 {
     for (const Entry& entry : catalogue::Entries()) {
         for (const Parameter& parameter : entry.parameters) {
-            if (parameter.refusal == 0 || parameter.required || parameter.type == ParameterType::Box) continue;
+            if (parameter.refusal == 0 || parameter.required || parameter.type == ParameterType::Box)
+                continue;
             const Bench bench(entry);
             const double low = parameter.minimum;
             const double high = parameter.maximum;

@@ -201,7 +201,8 @@ TEST_F(KeyerTool, RefusesWhatMakesNoSense)
          {video + "--crop-box 0,0,9,4", {"(0x1000A); see --crop-box"}},
          {video + "--crop-box 0,0,4", {"four whole numbers X,Y,W,H"}},
          {video + "--crop-box 0,0,4,-4", {"width and height are at least 0"}},
-         {video + "--key-matte-low 50 --key-matte-high 50", {"(0x10023)"}},
+         {video + "--key-matte-low 50 --key-matte-high 50",
+          {"(0x10023); see --key-matte-low, --key-matte-high"}},
          {video + "--mask grey.png", {"takes no --mask"}},
          {"2input-luma-keyer clip.mkv -o out.mkv --luma-clip 0.6 --luma-gain 0.5", {"(0x20002)"}}},
         "vfil [0-9a-z-]+: [^\n]*\n");

@@ -102,8 +102,7 @@ struct ChromaRule {
     {
         const std::int64_t inside = place.along - (((place.beside * sector.slope) >> 8) + sector.lift);
         // Beyond 32 bits only the sign counts; within, 64 hold the product.
-        const std::int64_t limited = std::clamp<std::int64_t>(inside, INT32_MIN, INT32_MAX);
-        return ClampToByte((limited * sector.gain) >> 8);
+        return ClampToByte((std::clamp<std::int64_t>(inside, INT32_MIN, INT32_MAX) * sector.gain) >> 8);
     }
 
     static std::int64_t SectorMatte(const Place& place, const KeySector& sector)
@@ -345,9 +344,7 @@ void PlainHalf(KeyResult result, KeptHalf half, const Byte* pixelsA, const Byte*
         luma = first ? corrected : spilled;
         if (!first) front.cb = corrected;
     }
-    const auto chroma = [m](std::int64_t ours, std::int64_t back) {
-        return Blend(Blend(ours, back, m), back, 128);
-    };
+    const auto chroma = [m](auto ours, auto back) { return Blend(Blend(ours, back, m), back, 128); };
     const std::int64_t keyed = Blend(luma, first ? b.y0 : b.y1, m);
     Store<chromaFirst>(
         {first ? keyed : b.y0, chroma(front.cb, b.cb), first ? b.y1 : keyed, chroma(front.cr, b.cr)}, out);
@@ -359,7 +356,6 @@ const LevelTables<VideoKeyRows>& Tables()
     return tables;
 }
 
-/// The tables of the level for the case and its parameters.
 template <class Params>
 const VideoKeyRows& RowsFor(const VideoKeyCase& which, const Params& params)
 {
@@ -380,20 +376,19 @@ VideoKeyRow<ChromaKeyParams> FindVideoKeyRow(const VideoKeyCase& which, const Ch
 
 VideoKeyRow<ChannelKeyParams> FindVideoKeyRow(const VideoKeyCase& which, const ChannelKeyParams& params)
 {
-    const bool spill = which.result == KeyResult::SpillCorrected;
-    return RowsFor(which, params).channel[spill][which.chromaFirst][which.streaming];
+    return RowsFor(which, params)
+        .channel[which.result == KeyResult::SpillCorrected][which.chromaFirst][which.streaming];
 }
 
 VideoKeyRow<FoldedKeyParams> FindVideoKeyRow(const VideoKeyCase& which, const FoldedKeyParams& params)
 {
-    const bool matte = which.result == KeyResult::Matte;
-    return RowsFor(which, params).folded[matte][which.chromaFirst][which.streaming];
+    return RowsFor(which, params)
+        .folded[which.result == KeyResult::Matte][which.chromaFirst][which.streaming];
 }
 
 VideoKeyRow<LumaKeyParams> FindVideoKeyRow(const VideoKeyCase& which, const LumaKeyParams& params)
 {
-    const bool matte = which.result == KeyResult::Matte;
-    return RowsFor(which, params).luma[matte][which.chromaFirst][which.streaming];
+    return RowsFor(which, params).luma[which.result == KeyResult::Matte][which.chromaFirst][which.streaming];
 }
 
 void KeyHalf(const VideoKeyCase& which, KeptHalf half, const std::uint8_t* a, const std::uint8_t* b,

@@ -132,7 +132,7 @@ template <bool matteMap, bool mask, bool keepAlpha>
 vfILStatus vfILChromaKeyImg::Key8()
 {
     const void* const matte = matteMap ? m_matteMap : nullptr;
-    HlsKeyTables tables;
+    HlsKeyTables tables{};
     MapAlphas(m_hueMap, matte, tables.alphaOfHue);
     CollectFull(m_lightnessMap, tables.outsideLightnesses);
     CollectFull(m_saturationMap, tables.outsideSaturations);

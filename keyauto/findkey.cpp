@@ -63,6 +63,9 @@ Finding FindKey(const host::PicturePtr& picture, const std::string& keyer)
     const std::optional<Screen> screen = FindScreen(plate.light);
     if (!screen) throw NothingToKey("no screen found: no even green or blue is large enough");
     const Regions regions = FindRegions(plate.light, *screen);
+    constexpr double kLeastScreen = 0.002;
+    if (ShareOf(regions.clear) < kLeastScreen)
+        throw NothingToKey("no screen found: green and blue are too uneven");
     constexpr double kLeastSubject = 0.0001;
     if (ShareOf(regions.solid) < kLeastSubject)
         throw NothingToKey("no subject found: the picture is all screen");

@@ -30,9 +30,15 @@ bool MayBeScreen(const Light& c, bool blue)
     return c.Sum() > kLeastLight && screen.Excess(c) > kLeastSaturation * screen.Key(c);
 }
 
-int BinOf(float share)
+std::size_t BinAt(int row, int column)
 {
-    return std::clamp(static_cast<int>(share * kBins), 0, kBins - 1);
+    return static_cast<std::size_t>(row) * kBins + static_cast<std::size_t>(column);
+}
+
+std::size_t BinOf(float red, float blue)
+{
+    const auto place = [](float share) { return std::clamp(static_cast<int>(share * kBins), 0, kBins - 1); };
+    return BinAt(place(red), place(blue));
 }
 
 Histogram CountHues(const Grid<Light>& plate, bool blue)
@@ -46,20 +52,19 @@ Histogram CountHues(const Grid<Light>& plate, bool blue)
             const bool outer =
                 x < border || y < border || x >= plate.Width() - border || y >= plate.Height() - border;
             const Hue hue = HueOf(c);
-            bins[static_cast<std::size_t>(BinOf(hue.red) * kBins + BinOf(hue.blue))] +=
-                outer ? kBorderWeight : 1.0F;
+            bins[BinOf(hue.red, hue.blue)] += outer ? kBorderWeight : 1.0F;
         }
     }
     return bins;
 }
 
-// The sum over a bin and its neighbours.
+// The sum over a bin and its neighbours, itself twice: of bins with the same neighbours the fullest is most.
 float Around(const Histogram& bins, int row, int column)
 {
-    float sum = 0;
+    float sum = bins[BinAt(row, column)];
     for (int y = std::max(0, row - 1); y <= std::min(kBins - 1, row + 1); ++y) {
         for (int x = std::max(0, column - 1); x <= std::min(kBins - 1, column + 1); ++x)
-            sum += bins[static_cast<std::size_t>(y * kBins + x)];
+            sum += bins[BinAt(y, x)];
     }
     return sum;
 }
@@ -166,20 +171,20 @@ float BorderShare(const Mask& mask)
 
 } // namespace
 
-std::optional<Screen> FindScreen(const Grid<Light>& original)
+std::optional<Screen> FindScreen(const Grid<Light>& plate)
 {
-    const Grid<Light> plate = Smooth(original, 1);
-    const Peak green = FindPeak(CountHues(plate, false));
-    const Peak blue = FindPeak(CountHues(plate, true));
+    const Grid<Light> smooth = Smooth(plate, 1);
+    const Peak green = FindPeak(CountHues(smooth, false));
+    const Peak blue = FindPeak(CountHues(smooth, true));
     Screen screen;
     screen.blue = blue.weight > green.weight;
     screen.hue = screen.blue ? blue.hue : green.hue;
     constexpr float kRadius = 0.03F;
     constexpr int kSteps = 4;
     for (int i = 0; i < kSteps; ++i)
-        Centre(plate, kRadius, screen);
-    screen.reach = FindReach(plate, screen);
-    MarkCells(plate, screen);
+        Centre(smooth, kRadius, screen);
+    screen.reach = FindReach(smooth, screen);
+    MarkCells(smooth, screen);
     const float border = BorderShare(screen.mask);
     if (screen.reach > kMostReach) return std::nullopt;
     if (screen.share < kLeastShare || (border < kLeastBorder && screen.share < kInnerShare))

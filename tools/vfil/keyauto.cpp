@@ -14,6 +14,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <cmath>
 #include <iomanip>
 #include <iostream>
@@ -195,12 +196,23 @@ void Print(const Finding& finding, const std::string& line, const std::optional<
                                    << ", mean error on the edge " << Fixed(score->EdgeError(), 2) << '\n';
 }
 
-std::string CheckedOutput(const Arguments& arguments)
+// The keyer that the user wants, or "".
+std::string KeyerName(const engine::Values& options)
+{
+    const std::string name = options.Get("keyer").value_or("");
+    const std::vector<std::string> known = keyauto::Keyers();
+    if (options.Has("keyer") && std::find(known.begin(), known.end(), name) == known.end())
+        engine::RefuseValue(engine::Named("keyer"), name,
+                            "one of " + Join(known, ", ") + DidYouMean(name, known));
+    return name;
+}
+
+void CheckOutput(const Arguments& arguments)
 {
     const std::string path = arguments.options.Get("output").value_or("");
-    if (path == "-") throw RequestError("-o takes the name of a file; standard output has what was found");
+    if (path.empty() || path == "-")
+        throw RequestError("-o takes the name of a file; standard output has what was found");
     if (!host::IsVideo(path)) host::CheckWritable(path);
-    return path;
 }
 
 } // namespace
@@ -210,16 +222,8 @@ void RunKeyAuto(const Arguments& arguments)
     if (arguments.words.size() != 1)
         throw RequestError("takes 1 picture (PLATE), not " + std::to_string(arguments.words.size()));
     const engine::Values& options = arguments.options;
-    std::string keyer;
-    for (const std::string& name : keyauto::Keyers()) {
-        if (options.Get("keyer") == name) keyer = name;
-    }
-    if (options.Has("keyer") && keyer.empty()) {
-        engine::RefuseValue(engine::Named("keyer"), *options.Get("keyer"),
-                            "one of " + Join(keyauto::Keyers(), ", ") +
-                                DidYouMean(*options.Get("keyer"), keyauto::Keyers()));
-    }
-    if (options.Has("output")) CheckedOutput(arguments);
+    const std::string keyer = KeyerName(options);
+    if (options.Has("output")) CheckOutput(arguments);
     const host::PicturePtr plate = ReadPlate(arguments.words.front(), options);
     const Finding finding = Find(plate, keyer);
     const Key& best = finding.keys.front();

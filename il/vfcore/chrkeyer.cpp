@@ -17,7 +17,8 @@ const wchar_t* const vfILChromaKeyer::m_ClassName = L"vfILChromaKeyer";
 
 /// The key colour and the sector around it, in full precision.
 struct vfILChromaKeyer::Sector {
-    double luma = 0, cb = 0, cr = 0; ///< as the colour has them
+    double luma = 0;                   ///< of the key colour
+    double markedCb = 0, markedCr = 0; ///< where the map marks it: by BT.601, whatever the model
     SectorKeyParams params{};
 };
 
@@ -119,12 +120,12 @@ vfILChromaKeyer::Sector vfILChromaKeyer::MakeSector() const
 {
     Sector sector;
     const bool is709 = m_colorModel == PXColorModel_YCC709;
-    if (is709)
-        GetKeyColor().GetColorAsYCCA709(&sector.luma, &sector.cb, &sector.cr, nullptr);
-    else
-        GetKeyColor().GetColorAsYCCA(&sector.luma, &sector.cb, &sector.cr, nullptr);
-    const double cb = sector.cb - 0.5;
-    const double cr = sector.cr - 0.5;
+    GetKeyColor().GetColorAsYCCA(&sector.luma, &sector.markedCb, &sector.markedCr, nullptr);
+    double cb = sector.markedCb;
+    double cr = sector.markedCr;
+    if (is709) GetKeyColor().GetColorAsYCCA709(&sector.luma, &cb, &cr, nullptr);
+    cb -= 0.5;
+    cr -= 0.5;
     const double angle = 2 * std::numbers::pi - std::atan2(cr, cb);
     SectorKeyParams& params = sector.params;
     params.cb = is709 ? kCb709 : kCb601;
@@ -192,7 +193,7 @@ void vfILChromaKeyer::PlotKey(const Sector& sector, double x, double y, vfILColo
     };
     if (x == 0 || y == 0) paint(0, 255);
     // The colour is marked with its axes exchanged, and without the half that the picture's axes take off.
-    if (IsAlmostEqual(x, sector.cr) && IsAlmostEqual(y, sector.cb)) paint(255, 0);
+    if (IsAlmostEqual(x, sector.markedCr) && IsAlmostEqual(y, sector.markedCb)) paint(255, 0);
     pixel[3] = 255;
 }
 

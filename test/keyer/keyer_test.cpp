@@ -212,6 +212,12 @@ TEST(ChromaKeyer, MapIsTheKeyTurnedOver)
     const long markX = 500 + std::lround(1000 * keyCr), markY = 500 + std::lround(1000 * keyCb);
     EXPECT_EQ(out.Get(markX, markY), (Pixel{255, 0, 0, 255}));
     EXPECT_NE(out.Get(markX + 3, markY), (Pixel{255, 0, 0, 255}));
+
+    out.Set(markX, markY, {});
+    keyer.SetColorModel(PXColorModel_YCC709);
+    keyer.SetInterruptFct(nullptr, nullptr);
+    ASSERT_EQ(keyer.Execute(), VFIL_SUCCESS);
+    EXPECT_EQ(out.Get(markX, markY), (Pixel{255, 0, 0, 255})) << "one place for both models";
 }
 
 TEST(BlueGreenKeyer, IsTheDifferenceInFixedPoint)

@@ -22,7 +22,7 @@ public:
         for (std::size_t i = 0; i < steps.size(); ++i) {
             Point point = start;
             point[i] += steps[i];
-            m_corners.push_back(At(std::move(point)));
+            m_corners.push_back(At(point));
         }
         Sort();
     }
@@ -51,11 +51,7 @@ public:
     const Point& Lowest() const { return m_corners.front().point; }
 
 private:
-    Corner At(Point point) const
-    {
-        const double height = m_height(point);
-        return {std::move(point), height};
-    }
+    Corner At(const Point& point) const { return {point, m_height(point)}; }
 
     void Sort()
     {

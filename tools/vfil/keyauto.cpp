@@ -199,7 +199,7 @@ void Print(const Finding& finding, const std::string& line, const std::optional<
 // The keyer that the user wants, or "".
 std::string KeyerName(const engine::Values& options)
 {
-    const std::string name = options.Get("keyer").value_or("");
+    std::string name = options.Get("keyer").value_or("");
     const std::vector<std::string> known = keyauto::Keyers();
     if (options.Has("keyer") && std::find(known.begin(), known.end(), name) == known.end())
         engine::RefuseValue(engine::Named("keyer"), name,

@@ -76,7 +76,7 @@ double Distance(const Samples& samples, const host::Picture& keyed)
 {
     constexpr float kClear = 0.05F;
     constexpr float kSolid = 0.95F;
-    constexpr float kSeen = 5; // what shows of a screen that should be clear
+    constexpr float kSeen = 5;       // what shows of a screen that should be clear
     constexpr double kResidue = 500; // squares, when all of it does: specks are seen before they weigh much
     constexpr double kEdgePart = 15; // makes edges that are off by 15 count as much as they do in the mean
     double squares = 0;

@@ -147,7 +147,7 @@ struct DifferenceModel {
     int FastKey(const Macropixel& a, int i) const
     {
         const auto [k, p, q, o] = Channels();
-        const auto w = [&](int row) { return c2 * M(row, q) + c0 * c1 * M(row, p); };
+        const auto w = [&, p = p, q = q](int row) { return c2 * M(row, q) + c0 * c1 * M(row, p); };
         const int limited = std::min(Channel(a, i, k), Round(KeyLevel() + 255 * M(3, k)));
         const double sum = Round(512 * w(0)) * a.y[i] + Round(512 * w(1)) * a.c[0] +
                            Round(512 * w(2)) * a.c[1] + Down(limited * Round(-c0 * 4096), 3);

@@ -98,7 +98,9 @@ vfILStatus vfILChromaKeyImg::DoEffect()
     if (format.id != PXFormat_RGBA32) return Fail(0x1000D, GetClassNameW());
     if (m_hueMap == nullptr || m_lightnessMap == nullptr || m_saturationMap == nullptr)
         return Fail(0x10018, "%s ERROR Verify: Invalid input LUT\n", GetClassNameW());
-    return Process8();
+    const vfILStatus status = Process8();
+    TellAlphaIsNew(GetOutputImg());
+    return status;
 }
 
 vfILStatus vfILChromaKeyImg::Process16()
@@ -113,19 +115,14 @@ unsigned short vfILChromaKeyImg::ChromaKey16(unsigned short value)
 
 vfILStatus vfILChromaKeyImg::Process8()
 {
-    using Process = vfILStatus (vfILChromaKeyImg::*)();
-    static constexpr Process kProcesses[2][2][2] = {{{&vfILChromaKeyImg::ProcessNoMatteMapNoMaskNoKeepAlpha8,
-                                                      &vfILChromaKeyImg::ProcessNoMatteMapNoMaskKeepAlpha8},
-                                                     {&vfILChromaKeyImg::ProcessNoMatteMapMaskNoKeepAlpha8,
-                                                      &vfILChromaKeyImg::ProcessNoMatteMapMaskKeepAlpha8}},
-                                                    {{&vfILChromaKeyImg::ProcessMatteMapNoMaskNoKeepAlpha8,
-                                                      &vfILChromaKeyImg::ProcessMatteMapNoMaskKeepAlpha8},
-                                                     {&vfILChromaKeyImg::ProcessMatteMapMaskNoKeepAlpha8,
-                                                      &vfILChromaKeyImg::ProcessMatteMapMaskKeepAlpha8}}};
     const bool mask = Run().mask.first != nullptr;
-    const vfILStatus status = (this->*kProcesses[m_matteMap != nullptr][mask][m_keepOriginalAlpha != 0])();
-    TellAlphaIsNew(GetOutputImg());
-    return status;
+    const bool keep = m_keepOriginalAlpha != 0;
+    if (m_matteMap != nullptr && mask)
+        return keep ? ProcessMatteMapMaskKeepAlpha8() : ProcessMatteMapMaskNoKeepAlpha8();
+    if (m_matteMap != nullptr)
+        return keep ? ProcessMatteMapNoMaskKeepAlpha8() : ProcessMatteMapNoMaskNoKeepAlpha8();
+    if (mask) return keep ? ProcessNoMatteMapMaskKeepAlpha8() : ProcessNoMatteMapMaskNoKeepAlpha8();
+    return keep ? ProcessNoMatteMapNoMaskKeepAlpha8() : ProcessNoMatteMapNoMaskNoKeepAlpha8();
 }
 
 template <bool matteMap, bool mask, bool keepAlpha>

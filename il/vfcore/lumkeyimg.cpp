@@ -72,16 +72,14 @@ vfILStatus vfILLumKeyImg::DoEffect()
 
 vfILStatus vfILLumKeyImg::Process8()
 {
-    using Process = vfILStatus (vfILLumKeyImg::*)();
-    static constexpr Process kProcesses[2][2][2] = {
-        {{&vfILLumKeyImg::ProcessNoMatteMapNoMaskNoKeepAlpha8,
-          &vfILLumKeyImg::ProcessNoMatteMapNoMaskKeepAlpha8},
-         {&vfILLumKeyImg::ProcessNoMatteMapMaskNoKeepAlpha8,
-          &vfILLumKeyImg::ProcessNoMatteMapMaskKeepAlpha8}},
-        {{&vfILLumKeyImg::ProcessMatteMapNoMaskNoKeepAlpha8, &vfILLumKeyImg::ProcessMatteMapNoMaskKeepAlpha8},
-         {&vfILLumKeyImg::ProcessMatteMapMaskNoKeepAlpha8, &vfILLumKeyImg::ProcessMatteMapMaskKeepAlpha8}}};
     const bool mask = Run().mask.first != nullptr;
-    return (this->*kProcesses[m_matteMap != nullptr][mask][m_keepOriginalAlpha != 0])();
+    const bool keep = m_keepOriginalAlpha != 0;
+    if (m_matteMap != nullptr && mask)
+        return keep ? ProcessMatteMapMaskKeepAlpha8() : ProcessMatteMapMaskNoKeepAlpha8();
+    if (m_matteMap != nullptr)
+        return keep ? ProcessMatteMapNoMaskKeepAlpha8() : ProcessMatteMapNoMaskNoKeepAlpha8();
+    if (mask) return keep ? ProcessNoMatteMapMaskKeepAlpha8() : ProcessNoMatteMapMaskNoKeepAlpha8();
+    return keep ? ProcessNoMatteMapNoMaskKeepAlpha8() : ProcessNoMatteMapNoMaskNoKeepAlpha8();
 }
 
 template <bool matteMap, bool mask, bool keepAlpha>

@@ -33,8 +33,8 @@ public:
         Corner& worst = m_corners.back();
         const Corner mirrored = At(Beyond(-1));
         if (mirrored.height < m_corners.front().height) {
-            Corner farther = At(Beyond(-2));
-            worst = farther.height < mirrored.height ? std::move(farther) : mirrored;
+            const Corner farther = At(Beyond(-2));
+            worst = farther.height < mirrored.height ? farther : mirrored;
         } else if (mirrored.height < m_corners[m_corners.size() - 2].height) {
             worst = mirrored;
         } else {
@@ -80,7 +80,7 @@ private:
             Point point = m_corners[corner].point;
             for (std::size_t i = 0; i < point.size(); ++i)
                 point[i] = (point[i] + lowest[i]) / 2;
-            m_corners[corner] = At(std::move(point));
+            m_corners[corner] = At(point);
         }
     }
 

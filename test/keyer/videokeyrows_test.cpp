@@ -85,13 +85,14 @@ LumaKeyParams AnyParams(std::mt19937& random, LumaKeyParams)
     const std::int32_t low = Any(random, 16, 234);
     const std::int32_t high = Any(random, low + 1, 235);
     const std::int32_t gain = 16711680 / (high - low);
+    constexpr std::int64_t kMost = INT32_MAX; // where no luma lies between the ends
     const bool plain = random() % 2;
     return {plain ? 65536 : Any(random, 0, 200000),
             plain ? 0 : Any(random, -250, 250),
             plain ? 0 : 16,
             plain ? 255 : 235,
             random() % 2 == 0,
-            {low, high, gain, low * gain}};
+            {low, high, gain, static_cast<std::int32_t>(std::min(std::int64_t{low} * gain, kMost))}};
 }
 
 /// Bytes of a few values, so that runs of one matte come up, or of all, or of the ends.

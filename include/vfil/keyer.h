@@ -24,7 +24,8 @@ struct vfILKeyerCrop {
 /// matte (one picture may be both). Which input dominates is the host's to say, as with every operator of two
 /// inputs; B is the natural choice, for it is what shows around the region.
 ///
-/// The mask and the mode's channels have no effect on a key. Only the keyers of 4:2:2 video heed the crop.
+/// A mask's samples and the mode's channels have no effect on a key; the mask's box bounds the keyed region,
+/// as in every frame. Only the keyers of 4:2:2 video heed the crop.
 class VFIL_API vfILKeyerBase : public vfILDyadicPixelProc {
 public:
     vfILKeyerBase() = default;
@@ -190,8 +191,8 @@ private:
 };
 
 /// A key by brightness: B's pixels with the alpha gain Y + brightness, limited, where Y is the full-range
-/// luma of A's. RGBA of 8 bits. Which input dominates is the host's to say, as in vfILKeyerBase; the mask has
-/// no effect.
+/// luma of A's. RGBA of 8 bits. Which input dominates is the host's to say, as in vfILKeyerBase; of a
+/// mask only the box counts.
 class VFIL_API vfILLumaKeyer : public vfILDyadicPixelProc {
 public:
     /// Adds 0x1000D (an output that is not RGBA of 8 bits), 0x20002 (not all of red, green and blue are

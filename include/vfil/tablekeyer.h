@@ -158,7 +158,7 @@ private:
 
 /// Gives a picture the chroma of the key colour where its alpha is clear, with a luma of its own times gain
 /// plus offset there: input A by its alpha, the rest by the key colour. The result's alpha is input B's.
-/// 8-bit RGBA. The mask and the mode's channels have no effect.
+/// 8-bit RGBA. A mask's samples and the mode's channels have no effect; the mask's box bounds the region.
 class VFIL_API vfILChromaReplace : public vfILKeyerBase {
 public:
     /// Adds 0x1000D (a format that is not 8-bit RGBA), 0x10011 (luma offset outside -1 .. 1 and gain outside

@@ -1,0 +1,144 @@
+/// \file
+/// The frame of the geometric transforms of one picture: a mapping, and its resampling.
+///
+/// Coordinates are pixels of the region of interest's plane, rows counted from the lowest. The centre of a
+/// pixel lies on whole numbers: pixel (0, 0) covers -0.5 .. 0.5 in both axes.
+#pragma once
+
+#include <vfil/frame.h>
+
+/// What all transforms share apart from the mapping: the crop of the source, a border inside of what is left,
+/// an opacity with a falloff towards the edges, and what the pictures say of premultiplication. Groups of
+/// four are left, right, top, bottom, in pixels, each 0 by default.
+///
+/// Border, softness, falloff and opacity act with VFIL_INTERP_PANZOOM alone; the crop acts with every type.
+class VFIL_API vfILTransformBase {
+public:
+    vfILTransformBase() = default;
+    vfILTransformBase(const vfILTransformBase& other) = default;
+    vfILTransformBase& operator=(const vfILTransformBase& other) = default;
+    virtual ~vfILTransformBase();
+
+protected:
+    /// Checks the members against a source of \p width x \p height pixels, in this order: opacity outside 0
+    /// .. 1 or NaN (0x1006E), a softness larger than its border (0x10070), crops that exceed the source
+    /// (0x10069), borders that exceed what the crop leaves (0x10070), falloffs that do (0x1006F).
+    ///
+    /// \param code Set when the result is a failure; the caller sets the error.
+    virtual vfILStatus OnVerify(long width, long height, long& code);
+
+public:
+    /// Pixels that are removed from the source.
+    void SetCropping(unsigned long left, unsigned long right, unsigned long top, unsigned long bottom);
+    void GetCropping(unsigned long& left, unsigned long& right, unsigned long& top, unsigned long& bottom) const;
+    /// The width of the border, which is painted inside of the cropped source.
+    void SetBorderSize(unsigned long left, unsigned long right, unsigned long top, unsigned long bottom);
+    void GetBorderSize(unsigned long& left, unsigned long& right, unsigned long& top, unsigned long& bottom) const;
+    /// The width of the ramp at the border's inner edge; at most the border's.
+    void SetBorderSoftness(unsigned long left, unsigned long right, unsigned long top, unsigned long bottom);
+    void GetBorderSoftness(unsigned long& left, unsigned long& right, unsigned long& top,
+                           unsigned long& bottom) const;
+    /// The width of the ramp from clear to opaque at each edge.
+    void SetOpacityFalloff(unsigned long left, unsigned long right, unsigned long top, unsigned long bottom);
+    void GetOpacityFalloff(unsigned long& left, unsigned long& right, unsigned long& top,
+                           unsigned long& bottom) const;
+    /// \param color Default (0, 0, 0, 0).
+    void SetBorderColor(const vfILColor& color);
+    const vfILColor& GetBorderColor() const;
+    /// \param opacity 0 .. 1, default 1.
+    void SetOpacity(double opacity);
+    double GetOpacity() const;
+    /// Whether the colour of input A (the one input, where there is one) is premultiplied. Default 0.
+    void SetImgAPremultiplied(int premultiplied);
+    int GetImgAPremultiplied() const;
+    void SetInputImgPremultiplied(int premultiplied);
+    int GetInputImgPremultiplied() const;
+    void SetImgBPremultiplied(int premultiplied);
+    int GetImgBPremultiplied() const;
+    /// Whether the output is to be premultiplied. Default 0.
+    void SetCreatePremultipliedOutput(int premultiplied);
+    int GetCreatePremultipliedOutput() const;
+    /// Whether the last output is premultiplied.
+    int GetOutputImgPremultiplied() const;
+};
+
+/// How an output pixel is made of the input.
+enum vfILInterpolationType : int {
+    VFIL_INTERP_NEAREST = 1,              ///< the pixel whose centre is nearest
+    VFIL_INTERP_BILINEAR = 2,             ///< of 2 x 2 pixels
+    VFIL_INTERP_BICUBIC = 3,              ///< Catmull-Rom, of 4 x 4 pixels
+    VFIL_INTERP_BILINEAR_PREFILTERED = 4, ///< bilinear on two levels of a pyramid, mixed
+    VFIL_INTERP_SUM_BILINEAR = 5,         ///< area of the pixel's footprint; bilinear where it is small
+    VFIL_INTERP_SUM_BICUBIC = 6,          ///< the same with bicubic
+    VFIL_INTERP_SUM_NEAREST = 7,          ///< the same with nearest
+    VFIL_INTERP_PANZOOM = 8,              ///< the two-pass resampler; vfILPanZoomTransform only
+};
+
+/// The frame of the transforms of one input. A leaf gives the mapping; the frame finds which output pixels it
+/// can reach, fills the rest with the default colour, and resamples row by row, from output to input. What
+/// lies outside of the input, or was cropped, reads as the default colour.
+///
+/// The formats are RGBA and mono of 8 and 16 bits. All channels are written, and there is no mask; the mode's
+/// field bits select rows by their parity in the output. Input and output may be the same picture.
+class VFIL_API vfILMonadicTransformProc : public vfILMonadicImgProc, public vfILTransformBase {
+public:
+    vfILMonadicTransformProc();
+    vfILMonadicTransformProc(const vfILMonadicTransformProc& other);
+    vfILMonadicTransformProc& operator=(const vfILMonadicTransformProc& other);
+    ~vfILMonadicTransformProc() override;
+    vfILStatus Execute() override;
+    /// Adds the codes of OnVerify, 0x1000E (input and output formats differ), 0x20002 (a channel is not
+    /// processed), 0x20001 (a mask, or a mask box that does not cover the input), 0x1000F (filtering level
+    /// below 0 or NaN), 0x10010 (the mapping is singular, or does not lead back to the input's corners).
+    vfILStatus Verify() override;
+
+protected:
+    vfILStatus PrepareData() override;
+    vfILStatus ProcessData() override;
+    vfILStatus CleanData() override;
+    /// Runs the line function of the interpolation type over the rows of the effect box.
+    virtual vfILStatus DoEffect();
+    /// Makes the two point mappings of the coefficients. Fails where they have no inverse.
+    virtual vfILStatus SetUpCoefficients() = 0;
+    /// From input to output coordinates, in place.
+    virtual void TransformPointXY(float& x, float& y) = 0;
+    /// From output to input coordinates, in place.
+    virtual void InvertTransformPointXY(float& x, float& y) = 0;
+    /// The same in homogeneous coordinates: the point is (x / w, y / w).
+    ///
+    /// \return 1, or 0 where the point has no source. Here w is 1 and the result 1.
+    virtual int InvertTransformPointXYZ(float& x, float& y, float& w);
+    // The line functions: \p width output pixels from \p start to the right, to \p output.
+    virtual void TransformLineWithNearestNeighborInterpolation(const vfILVector2f& start, long width,
+                                                               unsigned char* output);
+    virtual void TransformLineWithBilinearInterpolation(const vfILVector2f& start, long width,
+                                                        unsigned char* output);
+    virtual void TransformLineWithBicubicInterpolation(const vfILVector2f& start, long width,
+                                                       unsigned char* output);
+    virtual void TransformLineWithBilinearPrefilteredInterpolation(const vfILVector2f& start, long width,
+                                                                   unsigned char* output);
+    virtual void TransformLineWithPixelSumming(const vfILVector2f& start, long width, unsigned char* output);
+    /// The planes that bound the input: \p first of one side, and \p second of the other side of a
+    /// projection. Here 4 and 0.
+    virtual void GetNumClipPlanes(unsigned long& first, unsigned long& second);
+    /// Plane \p i as a x + b y + c z + d >= 0, for an input of \p width x \p height pixels.
+    virtual void GetClipPlaneCoefficients(unsigned long i, long width, long height, double& a, double& b,
+                                          double& c, double& d);
+
+public:
+    /// \param coefficients As many as the transform has; they are copied. Null does nothing.
+    void SetCoefficients(const float* coefficients);
+    const float* GetCoefficients() const;
+    /// \param type Default VFIL_INTERP_NEAREST. The leaf's Verify refuses what it does not have (0x1000F).
+    void SetInterpolationType(vfILInterpolationType type);
+    vfILInterpolationType GetInterpolationType() const;
+    /// \param level How much wider than a pixel the footprints of types 5 to 7 are, in half pixels, and the
+    /// radius of the blur under the pyramid of type 4. At least 0, the default; without effect on types 1 to
+    /// 3.
+    void SetFilteringLevel(double level);
+    double GetFilteringLevel() const;
+    /// Maps a point from input to output. Fails with 0x10010 where SetUpCoefficients fails.
+    vfILStatus Transform(vfILVector2f& point);
+    /// Maps a point from output to input.
+    vfILStatus InvertTransform(vfILVector2f& point);
+};

@@ -25,14 +25,14 @@ struct FootprintPlanes {
 struct Footprint {
     static constexpr long kCapacity = 4 + FootprintPlanes::kMost;
 
-    long count = 0;     ///< of vertices; fewer than 3 for a pixel that sees nothing
-    double inside = 0;  ///< the share of the footprint that cutting has left
+    long count = 0;    ///< of vertices; fewer than 3 for a pixel that sees nothing
+    double inside = 0; ///< the share of the footprint that cutting has left
     double x[kCapacity];
     double y[kCapacity];
 };
 
-/// Whether a footprint has to be cut by any of the first set's planes. Asked once for the footprint of a whole
-/// line: when that one needs no cut, none of its pixels does.
+/// Whether a footprint has to be cut by any of the first set's planes. Asked once for the footprint of a
+/// whole line: when that one needs no cut, none of its pixels does.
 bool NeedsCut(const double x[4], const double y[4], const double w[4], const FootprintPlanes& planes);
 
 /// The footprint whose mapped corners are (x, y, w), in order around it; w is 1 for mappings without a
@@ -48,11 +48,11 @@ struct FootprintSource {
     using Sample = SampleType;
     static constexpr int kChannels = channels; ///< 1 or 4
 
-    const std::uint8_t* base;        ///< pixel (0, 0)
-    std::ptrdiff_t rowBytes;         ///< from a row to the next
-    std::int32_t left, top;          ///< the first column and row that count, 0 or more
-    std::int32_t right, bottom;      ///< the last ones
-    Sample defaultPixel[kChannels];  ///< where the input ends
+    const std::uint8_t* base;       ///< pixel (0, 0)
+    std::ptrdiff_t rowBytes;        ///< from a row to the next
+    std::int32_t left, top;         ///< the first column and row that count, 0 or more
+    std::int32_t right, bottom;     ///< the last ones
+    Sample defaultPixel[kChannels]; ///< where the input ends
 };
 
 /// Footprints that one call sums at most.
@@ -61,7 +61,7 @@ constexpr std::size_t kMostFootprints = 64;
 /// Sums of footprints, of kMostFootprints at most.
 ///
 /// \param sums   kChannels samples a footprint: the mean over it. Not written for an area of 0.5 or less.
-/// \param areas  The area of each footprint, with what cutting took away, in input pixels; 0 for one that
+/// \param areas  The area of each footprint, with what cutting took away, in input pixels; -1 for one that
 ///               sees nothing, whose sum is the default pixel.
 template <class Source>
 void SumFootprints(const Footprint* footprints, std::size_t count, const Source& source, bool useVectors,
@@ -89,13 +89,13 @@ void FootprintPixels(const Footprint* footprints, std::size_t count, const Sourc
             const double area = areas[i];
             // With the full amount the mix is the sum.
             const double amount = (area - 0.5) * (Rules::kFull / 0.5) + 0.5;
-            if (area == 0 || amount >= Rules::kFull) continue;
+            if (area < 0 || amount >= Rules::kFull) continue;
             Sample sample[kChannels];
             samplePoint(start + i, sample);
             Sample* const pixel = sums + i * kChannels;
             for (int c = 0; c < kChannels; ++c)
-                pixel[c] = area <= 0.5 ? sample[c]
-                                       : Rules::Blend(pixel[c], sample[c], static_cast<Sample>(amount));
+                pixel[c] =
+                    area <= 0.5 ? sample[c] : Rules::Blend(pixel[c], sample[c], static_cast<Sample>(amount));
         }
     }
 }

@@ -19,6 +19,7 @@
 #include <vfil/morphology.h>
 #include <vfil/numeric.h>
 #include <vfil/pixel.h>
+#include <vfil/pixelcoverage.h>
 #include <vfil/pxformat.h>
 #include <vfil/rank.h>
 #include <vfil/spatial.h>

@@ -4,7 +4,7 @@
 
 #include <vfil/pixelcoverage.h>
 
-#include "il/rows/geometry/polygon.h"
+#include "il/rows/transform/polygon.h"
 
 #include <algorithm>
 #include <cmath>

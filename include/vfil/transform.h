@@ -30,10 +30,12 @@ protected:
 public:
     /// Pixels that are removed from the source.
     void SetCropping(unsigned long left, unsigned long right, unsigned long top, unsigned long bottom);
-    void GetCropping(unsigned long& left, unsigned long& right, unsigned long& top, unsigned long& bottom) const;
+    void GetCropping(unsigned long& left, unsigned long& right, unsigned long& top,
+                     unsigned long& bottom) const;
     /// The width of the border, which is painted inside of the cropped source.
     void SetBorderSize(unsigned long left, unsigned long right, unsigned long top, unsigned long bottom);
-    void GetBorderSize(unsigned long& left, unsigned long& right, unsigned long& top, unsigned long& bottom) const;
+    void GetBorderSize(unsigned long& left, unsigned long& right, unsigned long& top,
+                       unsigned long& bottom) const;
     /// The width of the ramp at the border's inner edge; at most the border's.
     void SetBorderSoftness(unsigned long left, unsigned long right, unsigned long top, unsigned long bottom);
     void GetBorderSoftness(unsigned long& left, unsigned long& right, unsigned long& top,

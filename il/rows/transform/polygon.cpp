@@ -1,6 +1,6 @@
 /// \file
 /// Convex polygons in homogeneous coordinates: cut by planes, and measured.
-#include "il/rows/geometry/polygon.h"
+#include "il/rows/transform/polygon.h"
 
 #include <algorithm>
 #include <cmath>

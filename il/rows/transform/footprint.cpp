@@ -1,9 +1,9 @@
 /// \file
 /// Footprints: from mapped corners to polygons, and from polygons to the groups that the kernels sum.
-#include "il/rows/geometry/footprint.h"
+#include "il/rows/transform/footprint.h"
 
-#include "il/rows/geometry/footprintrows.h"
-#include "il/rows/geometry/polygon.h"
+#include "il/rows/transform/footprintrows.h"
+#include "il/rows/transform/polygon.h"
 
 #include <algorithm>
 #include <cmath>

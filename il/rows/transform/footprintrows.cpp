@@ -6,7 +6,7 @@
 /// left of an edge is a trapezoid where the edge is wholly right of the line, a triangle where it crosses the
 /// line, and nothing otherwise. So no edge is cut by columns, and no list of vertices is made; an edge is cut
 /// by rows alone.
-#include "il/rows/geometry/footprintrows.h"
+#include "il/rows/transform/footprintrows.h"
 
 #include <algorithm>
 #include <limits>

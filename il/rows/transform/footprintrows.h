@@ -2,7 +2,7 @@
 /// Kernels that sum footprints, and the plain form for polygons of any number of vertices.
 #pragma once
 
-#include "il/rows/geometry/footprintparams.h"
+#include "il/rows/transform/footprintparams.h"
 #include "il/rows/levels.h"
 
 namespace vfil {

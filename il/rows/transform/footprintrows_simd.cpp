@@ -2,7 +2,7 @@
 /// The vector forms of the footprint sums, for the level VFIL_LEVEL: footprints side by side, each with its
 /// own place in the picture and its own sums in the plain form's order. A footprint that ends before another
 /// one goes on with areas of 0.
-#include "il/rows/geometry/footprintparams.h"
+#include "il/rows/transform/footprintparams.h"
 #include "il/rows/vecfloat.h"
 #include "il/rows/vecpixel.h"
 

@@ -42,6 +42,26 @@ std::vector<std::string> ChoiceNames(const Parameter& parameter)
     return names;
 }
 
+namespace {
+
+// "four whole numbers "
+std::string ListText(const Parameter& parameter)
+{
+    const catalogue::List& list = parameter.list;
+    const std::string kind = list.whole ? " whole numbers " : " numbers ";
+    switch (list.missing) {
+    case catalogue::List::Missing::Refused:
+        break;
+    case catalogue::List::Missing::Zero:
+        return "up to " + std::to_string(list.count) + kind;
+    case catalogue::List::Missing::Same:
+        return "one or " + std::to_string(list.count) + kind;
+    }
+    return std::to_string(list.count) + kind;
+}
+
+} // namespace
+
 std::string RangeText(const Parameter& parameter)
 {
     std::string range = NumberText(parameter.minimum) + " .. " + NumberText(parameter.maximum);
@@ -65,6 +85,12 @@ std::string RangeText(const Parameter& parameter)
                ", or points that lines join, such as '0:0 64:0 128:255'";
     case ParameterType::Box:
         return "whole numbers";
+    case ParameterType::Numbers:
+        return ListText(parameter) + range;
+    case ParameterType::Size:
+        return "width and height up to " + NumberText(parameter.maximum);
+    case ParameterType::Vectors:
+        return "a vector for each pixel of the picture";
     case ParameterType::Integer:
         return "whole numbers " + range;
     case ParameterType::Number:

@@ -245,6 +245,12 @@ TEST(BlueGreenKeyer, IsTheDifferenceInFixedPoint)
         };
     };
     CheckKeyer<vfILBlueGreenKeyer>(2, setUp);
+    for (const bool simd : {false, true}) {
+        Switched<vfILBlueGreenKeyer> unverified(simd);
+        unverified.SetKeyColor({0, -0.5, -1, 1});
+        unverified.SetC0(-1);
+        EXPECT_EQ(MatteOf(unverified, {9, 200, 9, 0}), 127) << "of a limit below 0";
+    }
 }
 
 TEST(LinearKeyer, IsARampBetweenThresholdAndSoftness)

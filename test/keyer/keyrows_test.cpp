@@ -74,10 +74,11 @@ TEST(KeyRows, OthersAreThePlainForms)
 {
     // Sums up to the ends of 32 bits.
     CheckKeys<BlueGreenKeyParams>("blue-green", &KeyRows::blueGreen,
-                                  {{{131072, -131072, 32768}, 0xFFFFC0FF, false},
-                                   {{-98305, 65535, -32769}, 0xFF80FFFF, true},
-                                   {{8355000, 0, 0}, 0xFFFFFFFF, true},
-                                   {{-8355000, 1, 0}, 0xFFFFFFFF, false}});
+                                  {{{{131072, -131072, 32768}, 0xFFFFC0FF, 0xFF0000}, false},
+                                   {{{-98305, 65535, -32769}, 0xFF80FFFF, 0xFF0000}, true},
+                                   {{{0, 65535, -32769}, 0xFFFFFFFF, -0x7E00FF00}, false},
+                                   {{{8355000, 0, 0}, 0xFFFFFFFF, 0xFF0000}, true},
+                                   {{{-8355000, 1, 0}, 0xFFFFFFFF, 0xFF0000}, false}});
     CheckKeys<LinearKeyParams>("linear", &KeyRows::linear,
                                {{false, 0, 64},
                                 {true, 0, 0},

@@ -1,6 +1,8 @@
 /// \file
-/// The vector forms of the kernels of the 4:2:2 keyers against the plain ones.
+/// The vector forms of the kernels of the 4:2:2 keyers, and of the RGBA composite, against the plain ones.
 #include "il/loops/keyer/yuvkeysetup.h"
+#include "il/rows/keyer/keybytes.h"
+#include "il/rows/keyer/rgbcompositerows.h"
 #include "il/rows/keyer/videokeyrows.h"
 
 #include "support/rowcheck.h"
@@ -80,7 +82,23 @@ FoldedKeyParams AnyParams(std::mt19937& random, FoldedKeyParams)
     return FromSettings(random, FoldedKeyOf);
 }
 
-LumaKeyParams AnyParams(std::mt19937& random, LumaKeyParams)
+RgbCompositeParams AnyParams(std::mt19937& random, RgbCompositeParams)
+{
+    RgbCompositeParams params = FromSettings(random, RgbCompositeOf);
+    if (random() % 4 == 0) params.difference.weights = {Any(random, -9e6, 9e6), Any(random, -9, 9), 0};
+    if (random() % 4 == 0) params.gain = Any(random, INT32_MIN, INT32_MAX);
+    if (random() % 4 == 0) params.spill.threshold = Any(random, -999, 999);
+    if (random() % 4 == 0) SetSoftness(params.spill, Any(random, -3, 3));
+    if (random() % 4 == 0) params.spill.lumaTerm = Any(random, -999, 999);
+    return params;
+}
+
+bool FitsLanes(const RgbCompositeParams& params)
+{
+    return FitsVectors(params.difference);
+}
+
+VideoLumaKeyParams AnyParams(std::mt19937& random, VideoLumaKeyParams)
 {
     const std::int32_t low = Any(random, 16, 234);
     const std::int32_t high = Any(random, low + 1, 235);
@@ -106,55 +124,62 @@ std::vector<Byte> AnyBytes(std::mt19937& random, std::size_t count)
     return bytes;
 }
 
-/// \param rows  The entries of a level for one result: [chroma first][streaming].
+/// \param rows  The two entries of a level.
 template <class Params, class Rows>
 void CheckRows(const char* name, Level lowest, const Rows& rows)
 {
     std::mt19937 random(71);
-    const auto check = [&](Level level, bool chromaFirst, std::size_t count, const Placement& place) {
+    const auto check = [&](Level level, std::size_t count, const Placement& place) {
         Params params = AnyParams(random, Params());
         while (!FitsLanes(params))
             params = AnyParams(random, Params());
         const auto a = AnyBytes(random, 4 * count);
         const auto b = AnyBytes(random, 4 * count);
-        const auto with = [&](VideoKeyRow<Params> row) {
+        const auto with = [&](auto row) {
             return [row, count, &params](const Byte* one, const Byte* two, Byte* out) {
                 row(one, two, out, count, params);
             };
         };
-        for (const auto row : rows(level)[chromaFirst])
-            ASSERT_TRUE(SameRuns(a, b, place, with(row), with(rows(Level::Plain)[chromaFirst][0])))
-                << name << ", level " << static_cast<int>(level) << ", macropixels " << count;
+        for (const auto row : rows(level))
+            ASSERT_TRUE(SameRuns(a, b, place, with(row), with(rows(Level::Plain)[0])))
+                << name << ", level " << static_cast<int>(level) << ", count " << count;
     };
     for (const Level level : VectorLevels()) {
         if (level < lowest) continue;
-        for (const bool chromaFirst : {false, true}) {
-            EXPECT_NE(rows(level)[chromaFirst][0], rows(Below(level))[chromaFirst][0]) << name;
-            ForEachPlacement<Byte>([&](std::size_t count, const Placement& place) {
-                for (int turn = 0; turn < 5 && !testing::Test::HasFatalFailure(); ++turn)
-                    check(level, chromaFirst, count, place);
-            });
-            for (int turn = 0; turn < 60 && !testing::Test::HasFatalFailure(); ++turn)
-                check(level, chromaFirst, 5003, {});
-        }
+        EXPECT_NE(rows(level)[0], rows(Below(level))[0]) << name;
+        ForEachPlacement<Byte>([&](std::size_t count, const Placement& place) {
+            for (int turn = 0; turn < 5 && !testing::Test::HasFatalFailure(); ++turn)
+                check(level, count, place);
+        });
+        for (int turn = 0; turn < 60 && !testing::Test::HasFatalFailure(); ++turn)
+            check(level, 5003, {});
     }
 }
 
 TEST(VideoKeyRows, VectorFormsArePlainForms)
 {
-    const char* const results[] = {"composite", "spill", "matte"};
-    for (std::size_t i = 0; i < 3; ++i)
-        CheckRows<ChromaKeyParams>(
-            results[i], Level::Sse2, [=](Level level) -> auto& { return VideoKeyRowsAt(level).chroma[i]; });
-    for (const bool which : {false, true}) {
-        CheckRows<ChannelKeyParams>(
-            "channel",
-            Level::Sse2, [=](Level level) -> auto& { return VideoKeyRowsAt(level).channel[which]; });
-        CheckRows<LumaKeyParams>(
-            "luma", Level::Sse2, [=](Level level) -> auto& { return VideoKeyRowsAt(level).luma[which]; });
+    const auto at = [](Level level) -> const VideoKeyRows& { return VideoKeyRowsAt(level); };
+    for (const bool order : {false, true}) {
+        for (int i = 0; i < kKeyResults; ++i)
+            CheckRows<ChromaKeyParams>(
+                "chroma", Level::Sse2, [=](Level level) -> auto& { return at(level).chroma[i][order]; });
+        for (const bool which : {false, true}) {
+            CheckRows<ChannelKeyParams>(
+                "channel",
+                Level::Sse2, [=](Level level) -> auto& { return at(level).channel[which][order]; });
+            CheckRows<VideoLumaKeyParams>(
+                "luma", Level::Sse2, [=](Level level) -> auto& { return at(level).luma[which][order]; });
+        }
+        CheckRows<FoldedKeyParams>(
+            "folded", Level::Avx2, [=](Level level) -> auto& { return at(level).folded[true][order]; });
     }
-    CheckRows<FoldedKeyParams>(
-        "folded", Level::Avx2, [](Level level) -> auto& { return VideoKeyRowsAt(level).folded[true]; });
+}
+
+TEST(RgbCompositeRows, VectorFormsArePlainForms)
+{
+    for (int i = 0; i < kKeyResults; ++i)
+        CheckRows<RgbCompositeParams>(
+            "rgb", Level::Avx2, [=](Level level) -> auto& { return RgbCompositeRowsAt(level).rows[i]; });
 }
 
 // All chroma, and all luma pairs, decide by two bytes.
@@ -189,7 +214,7 @@ TEST(VideoKeyRows, ParametersThatVerifyTakesFitAndAreRightForAllSamples)
             const double d = 1.0 / (high - low);
             const auto round = [](double v) { return static_cast<std::int32_t>(std::lround(v)); };
             const MatteWindow window{low, high, round(16711680 * d), round(16711680.0 * low * d)};
-            check(LumaKeyParams{65536, 0, 0, 255, low % 2 == 0, window}, KeyResult::Composite);
+            check(VideoLumaKeyParams{65536, 0, 0, 255, low % 2 == 0, window}, KeyResult::Composite);
         }
 }
 

@@ -5,24 +5,17 @@
 #include "il/rows/keyer/rgbcompositerows.h"
 #include "il/rows/keyer/videokeyrows.h"
 
-#include "support/rowcheck.h"
+#include "keyer/keyercheck.h"
+#include "keyer/keyrowcheck.h"
 
 #include <cmath>
 
 namespace vfil {
 namespace {
 
+using test::Real;
+
 using Byte = std::uint8_t;
-
-std::int32_t Any(std::mt19937& random, long low, long high)
-{
-    return static_cast<std::int32_t>(test::RandomIn(random, low, high));
-}
-
-double Real(std::mt19937& random, double low, double high)
-{
-    return std::uniform_real_distribution<double>(low, high)(random);
-}
 
 KeySector AnySector(std::mt19937& random)
 {
@@ -113,47 +106,11 @@ VideoLumaKeyParams AnyParams(std::mt19937& random, VideoLumaKeyParams)
             {low, high, gain, static_cast<std::int32_t>(std::min(std::int64_t{low} * gain, kMost))}};
 }
 
-/// Bytes of a few values, so that runs of one matte come up, or of all, or of the ends.
-std::vector<Byte> AnyBytes(std::mt19937& random, std::size_t count)
+template <class Params>
+Params Fitting(std::mt19937& random)
 {
-    std::vector<Byte> bytes = EndRichSamples<Byte>(count, random);
-    const auto kind = random() % 3;
-    const std::array<Byte, 4> few{static_cast<Byte>(random()), 60, 145, 54};
-    for (std::size_t i = 0; kind != 0 && i < count; ++i)
-        bytes[i] = kind == 1 ? static_cast<Byte>(random()) : few[i % 4];
-    return bytes;
-}
-
-/// \param rows  The two entries of a level.
-template <class Params, class Rows>
-void CheckRows(const char* name, Level lowest, const Rows& rows)
-{
-    std::mt19937 random(71);
-    const auto check = [&](Level level, std::size_t count, const Placement& place) {
-        Params params = AnyParams(random, Params());
-        while (!FitsLanes(params))
-            params = AnyParams(random, Params());
-        const auto a = AnyBytes(random, 4 * count);
-        const auto b = AnyBytes(random, 4 * count);
-        const auto with = [&](auto row) {
-            return [row, count, &params](const Byte* one, const Byte* two, Byte* out) {
-                row(one, two, out, count, params);
-            };
-        };
-        for (const auto row : rows(level))
-            ASSERT_TRUE(SameRuns(a, b, place, with(row), with(rows(Level::Plain)[0])))
-                << name << ", level " << static_cast<int>(level) << ", count " << count;
-    };
-    for (const Level level : VectorLevels()) {
-        if (level < lowest) continue;
-        EXPECT_NE(rows(level)[0], rows(Below(level))[0]) << name;
-        ForEachPlacement<Byte>([&](std::size_t count, const Placement& place) {
-            for (int turn = 0; turn < 5 && !testing::Test::HasFatalFailure(); ++turn)
-                check(level, count, place);
-        });
-        for (int turn = 0; turn < 60 && !testing::Test::HasFatalFailure(); ++turn)
-            check(level, 5003, {});
-    }
+    for (;;)
+        if (const Params params = AnyParams(random, Params()); FitsLanes(params)) return params;
 }
 
 TEST(VideoKeyRows, VectorFormsArePlainForms)
@@ -161,25 +118,29 @@ TEST(VideoKeyRows, VectorFormsArePlainForms)
     const auto at = [](Level level) -> const VideoKeyRows& { return VideoKeyRowsAt(level); };
     for (const bool order : {false, true}) {
         for (int i = 0; i < kKeyResults; ++i)
-            CheckRows<ChromaKeyParams>(
-                "chroma", Level::Sse2, [=](Level level) -> auto& { return at(level).chroma[i][order]; });
+            CheckKeyRows(
+                "chroma", Level::Sse2, [=](Level level) -> auto& { return at(level).chroma[i][order]; },
+                Fitting<ChromaKeyParams>);
         for (const bool which : {false, true}) {
-            CheckRows<ChannelKeyParams>(
-                "channel",
-                Level::Sse2, [=](Level level) -> auto& { return at(level).channel[which][order]; });
-            CheckRows<VideoLumaKeyParams>(
-                "luma", Level::Sse2, [=](Level level) -> auto& { return at(level).luma[which][order]; });
+            CheckKeyRows(
+                "channel", Level::Sse2, [=](Level level) -> auto& { return at(level).channel[which][order]; },
+                Fitting<ChannelKeyParams>);
+            CheckKeyRows(
+                "luma", Level::Sse2, [=](Level level) -> auto& { return at(level).luma[which][order]; },
+                Fitting<VideoLumaKeyParams>);
         }
-        CheckRows<FoldedKeyParams>(
-            "folded", Level::Avx2, [=](Level level) -> auto& { return at(level).folded[true][order]; });
+        CheckKeyRows(
+            "folded", Level::Avx2, [=](Level level) -> auto& { return at(level).folded[true][order]; },
+            Fitting<FoldedKeyParams>);
     }
 }
 
 TEST(RgbCompositeRows, VectorFormsArePlainForms)
 {
     for (int i = 0; i < kKeyResults; ++i)
-        CheckRows<RgbCompositeParams>(
-            "rgb", Level::Avx2, [=](Level level) -> auto& { return RgbCompositeRowsAt(level).rows[i]; });
+        CheckKeyRows(
+            "rgb", Level::Avx2, [=](Level level) -> auto& { return RgbCompositeRowsAt(level).rows[i]; },
+            Fitting<RgbCompositeParams>);
 }
 
 // All chroma, and all luma pairs, decide by two bytes.
@@ -191,7 +152,7 @@ TEST(VideoKeyRows, ParametersThatVerifyTakesFitAndAreRightForAllSamples)
         all[4 * i + 2] = all[4 * i + 3] = static_cast<Byte>(i >> 8);
     }
     std::mt19937 random(5);
-    const std::vector<Byte> back = AnyBytes(random, all.size());
+    const std::vector<Byte> back = AnyPixels(random, 65536);
     const auto check = [&](const auto& params, KeyResult result) {
         ASSERT_TRUE(FitsLanes(params));
         for (const bool chromaFirst : {false, true}) {

@@ -35,54 +35,51 @@ struct Corners {
     double Area() const { return PolygonArea(count, x, y, w); }
 };
 
-Footprint Divided(const Corners& corners, double inside)
+/// Makes the polygon of homogeneous vertices.
+void Divide(long count, const double* x, const double* y, const double* w, double inside,
+            Footprint& footprint)
 {
-    Footprint footprint;
-    for (long i = 0; i < corners.count; ++i) {
-        const double w = corners.w[i];
-        if (w >= -kTiny && w <= kTiny) return {};
-        footprint.x[i] = w == 1 ? corners.x[i] : corners.x[i] / w;
-        footprint.y[i] = w == 1 ? corners.y[i] : corners.y[i] / w;
+    footprint.count = 0;
+    footprint.inside = 0;
+    for (long i = 0; i < count; ++i) {
+        if (w[i] >= -kTiny && w[i] <= kTiny) return;
+        footprint.x[i] = w[i] == 1 ? x[i] : x[i] / w[i];
+        footprint.y[i] = w[i] == 1 ? y[i] : y[i] / w[i];
     }
-    footprint.count = corners.count;
+    footprint.count = count;
     footprint.inside = inside;
-    return footprint;
 }
 
-/// Sums of the signed areas between the edges and an axis through the first vertex: without that the products
-/// of a small footprint far from 0 would cancel.
-double SignedArea(const Footprint& footprint)
+/// From the differences of the vertices: without that the products of a small footprint far from 0 would
+/// cancel.
+double SignedArea(const Footprint& f)
 {
+    if (f.count == 4)
+        return ((f.x[2] - f.x[0]) * (f.y[3] - f.y[1]) - (f.x[3] - f.x[1]) * (f.y[2] - f.y[0])) * 0.5;
     double sum = 0;
-    for (long i = 2; i < footprint.count; ++i) {
-        sum += (footprint.x[i - 1] - footprint.x[0]) * (footprint.y[i] - footprint.y[0]) -
-               (footprint.x[i] - footprint.x[0]) * (footprint.y[i - 1] - footprint.y[0]);
-    }
+    for (long i = 2; i < f.count; ++i)
+        sum += (f.x[i - 1] - f.x[0]) * (f.y[i] - f.y[0]) - (f.x[i] - f.x[0]) * (f.y[i - 1] - f.y[0]);
     return sum * 0.5;
 }
-
-/// The smallest and the largest of a footprint's coordinates.
-struct Extent {
-    double low, high;
-
-    Extent(const double* values, long count) : low(values[0]), high(values[0])
-    {
-        for (long i = 1; i < count; ++i) {
-            low = std::min(low, values[i]);
-            high = std::max(high, values[i]);
-        }
-    }
-};
 
 /// Whether four vertices are those of a box: each side is upright or level.
 bool IsBox(const Footprint& f)
 {
-    if (f.count != 4) return false;
     return (f.y[0] == f.y[1] && f.x[1] == f.x[2] && f.y[2] == f.y[3] && f.x[3] == f.x[0]) ||
            (f.x[0] == f.x[1] && f.y[1] == f.y[2] && f.x[2] == f.x[3] && f.y[3] == f.y[0]);
 }
 
 enum class Shape { Quad, Box, Other };
+
+Shape KindOf(const Footprint& f)
+{
+    if (f.count != 4) return Shape::Other;
+    double reach = 0;
+    for (int i = 0; i < 4; ++i)
+        reach += std::fabs(f.x[i]) + std::fabs(f.y[i]);
+    if (!(reach < kFar)) return Shape::Other;
+    return IsBox(f) ? Shape::Box : Shape::Quad;
+}
 
 /// A footprint and its area.
 struct Measured {
@@ -94,18 +91,13 @@ struct Measured {
     explicit Measured(const Footprint& f)
         : footprint(f), signedArea(SignedArea(f)), area(std::fabs(signedArea)), whole(-1)
     {
-        if (f.count >= 3 && f.inside > kTiny && std::isfinite(area / f.inside)) whole = area / f.inside;
+        if (f.count < 3 || !(f.inside > kTiny)) return;
+        whole = f.inside == 1 ? area : area / f.inside;
+        if (!std::isfinite(whole)) whole = -1;
     }
     double Outside() const { return whole - area; }
     double Sign() const { return signedArea < 0 ? -1 : 1; }
 };
-
-Shape KindOf(const Footprint& footprint, const Extent& columns, const Extent& rows)
-{
-    const bool isNear = columns.low > -kFar && columns.high < kFar && rows.low > -kFar && rows.high < kFar;
-    if (footprint.count != 4 || !isNear) return Shape::Other;
-    return IsBox(footprint) ? Shape::Box : Shape::Quad;
-}
 
 /// Sums footprints, which wait until a group of the same kind is full.
 template <class Source>
@@ -116,25 +108,22 @@ class Summing {
 public:
     Summing(const Source& source, bool useVectors, Sample* sums)
         : m_source(source), m_rows(FindFootprintRows(useVectors)),
-          m_sums(sums), m_picture{source.base, source.rowBytes, source.left, source.right}
+          m_sums(sums), m_picture{source.base, source.rowBytes, source.left,
+                                  source.top,  source.right,    source.bottom}
     {}
     void Add(const Measured& measured, std::size_t index)
     {
-        const Footprint& footprint = measured.footprint;
-        const Extent columns(footprint.x, footprint.count);
-        const Extent rows(footprint.y, footprint.count);
-        const Shape kind = KindOf(footprint, columns, rows);
+        const Shape kind = KindOf(measured.footprint);
         if (kind == Shape::Other) {
-            SumAlone(measured, rows, index);
+            SumAlone(measured, index);
             return;
         }
         Group& group = kind == Shape::Quad ? m_quads : m_boxes;
-        if (kind == Shape::Quad)
-            PlaceQuad(measured, group.shapes, group.count);
-        else
-            PlaceBox(columns, rows, group.shapes, group.count);
-        group.shapes.top[group.count] = FirstRow(rows);
-        group.shapes.bottom[group.count] = LastRow(rows);
+        for (int i = 0; i < 4; ++i) {
+            group.shapes.x[i][group.count] = measured.footprint.x[i];
+            group.shapes.y[i][group.count] = measured.footprint.y[i];
+        }
+        group.shapes.sign[group.count] = measured.Sign();
         group.outside[group.count] = measured.Outside();
         group.index[group.count] = index;
         if (++group.count == kFootprintGroup) Flush(group, KernelOf(kind));
@@ -160,34 +149,6 @@ private:
         return kernels[sizeof(Sample) - 1][kChannels == 4];
     }
     Sample* PixelAt(std::size_t index) { return m_sums + index * kChannels; }
-
-    double FirstRow(const Extent& rows) const
-    {
-        const double top = m_source.top;
-        return std::trunc(std::min(std::max(rows.low + 0.5, top), m_source.bottom + 1.0));
-    }
-    double LastRow(const Extent& rows) const
-    {
-        const double bottom = m_source.bottom;
-        return std::trunc(std::min(std::max(rows.high + 0.5, m_source.top - 1.0), bottom));
-    }
-
-    static void PlaceQuad(const Measured& measured, FootprintGroup& group, std::size_t at)
-    {
-        for (int i = 0; i < 4; ++i) {
-            group.x[i][at] = measured.footprint.x[i];
-            group.y[i][at] = measured.footprint.y[i];
-        }
-        group.sign[at] = measured.Sign();
-    }
-
-    static void PlaceBox(const Extent& columns, const Extent& rows, FootprintGroup& group, std::size_t at)
-    {
-        group.x[0][at] = columns.low;
-        group.x[1][at] = columns.high;
-        group.y[0][at] = rows.low;
-        group.y[1][at] = rows.high;
-    }
 
     /// What lies outside the input counts as the default pixel.
     void Preset(double* channels, double outside) const
@@ -222,20 +183,17 @@ private:
             shapes.y[i][at] = shapes.y[i][last];
         }
         shapes.sign[at] = shapes.sign[last];
-        shapes.top[at] = shapes.top[last];
-        shapes.bottom[at] = shapes.bottom[last];
         group.outside[at] = 0;
     }
 
-    void SumAlone(const Measured& measured, const Extent& rows, std::size_t index)
+    void SumAlone(const Measured& measured, std::size_t index)
     {
         const Footprint& footprint = measured.footprint;
         double channels[kChannels];
         double weight = 0;
         Preset(channels, measured.Outside());
-        SumPolygon<Sample, kChannels>(
-            {footprint.x, footprint.y, footprint.count, measured.Sign(), FirstRow(rows), LastRow(rows)},
-            m_picture, channels, weight);
+        SumPolygon<Sample, kChannels>({footprint.x, footprint.y, footprint.count, measured.Sign()}, m_picture,
+                                      channels, weight);
         Store(channels, measured.Outside() + weight, index);
     }
 
@@ -267,11 +225,14 @@ bool NeedsCut(const double x[4], const double y[4], const double w[4], const Foo
     return Corners(x, y, w).Cut(planes.planes, planes.first);
 }
 
-Footprint MakeFootprint(const double x[4], const double y[4], const double w[4],
-                        const FootprintPlanes* planes)
+void MakeFootprint(const double x[4], const double y[4], const double w[4], const FootprintPlanes* planes,
+                   Footprint& footprint)
 {
+    if (planes == nullptr) {
+        Divide(4, x, y, w, 1, footprint);
+        return;
+    }
     const Corners corners(x, y, w);
-    if (planes == nullptr) return Divided(corners, 1);
     Corners cut = corners;
     cut.Cut(planes->planes, planes->first);
     double area = cut.Area();
@@ -280,7 +241,7 @@ Footprint MakeFootprint(const double x[4], const double y[4], const double w[4],
         cut.Cut(planes->planes + planes->first, planes->second);
         area = cut.Area();
     }
-    return Divided(cut, area / corners.Area());
+    Divide(cut.count, cut.x, cut.y, cut.w, area / corners.Area(), footprint);
 }
 
 template <class Source>

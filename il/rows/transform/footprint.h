@@ -35,12 +35,12 @@ struct Footprint {
 /// whole line: when that one needs no cut, none of its pixels does.
 bool NeedsCut(const double x[4], const double y[4], const double w[4], const FootprintPlanes& planes);
 
-/// The footprint whose mapped corners are (x, y, w), in order around it; w is 1 for mappings without a
+/// Makes the footprint whose mapped corners are (x, y, w), in order around it; w is 1 for mappings without a
 /// perspective.
 ///
 /// \param planes  Null when the footprint needs no cut.
-Footprint MakeFootprint(const double x[4], const double y[4], const double w[4],
-                        const FootprintPlanes* planes);
+void MakeFootprint(const double x[4], const double y[4], const double w[4], const FootprintPlanes* planes,
+                   Footprint& footprint);
 
 /// The picture that is summed. Samples of bottom-up pictures have a negative step.
 template <class SampleType, int channels>

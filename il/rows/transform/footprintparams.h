@@ -13,18 +13,17 @@ constexpr std::size_t kFootprintGroup = 8;
 /// Quadrilaterals, or boxes, of neighbouring output pixels; vertex by vertex, each as an array of footprints.
 /// Fewer are filled up with copies.
 struct FootprintGroup {
-    double x[4][kFootprintGroup]; ///< of a box the first two: its left and its right side
+    double x[4][kFootprintGroup];
     double y[4][kFootprintGroup];
-    double sign[kFootprintGroup]; ///< of the area that the vertices' order gives: 1 or -1; boxes have none
-    double top[kFootprintGroup];  ///< the first row that is summed, and the last one
-    double bottom[kFootprintGroup];
+    double sign[kFootprintGroup]; ///< of the area that the vertices' order gives: 1 or -1
 };
 
-/// The picture that is summed, of at least one pixel.
+/// The picture that is summed.
 struct FootprintPicture {
     const std::uint8_t* base; ///< pixel (0, 0)
     std::ptrdiff_t rowBytes;
-    std::int32_t left, right; ///< the first and the last column that count
+    std::int32_t left, top;     ///< the first column and row that count, 0 or more
+    std::int32_t right, bottom; ///< the last ones, no less than the first
 };
 
 /// Sums of a group. The caller presets the channels, and 0 for the weights.

@@ -68,28 +68,38 @@ struct Edge {
     }
 };
 
-/// The columns from which a row's sum is made.
+/// The rows or columns from which a sum is made.
 struct Span {
     std::int32_t first, last;
 
-    Span(double left, double right, const FootprintPicture& picture)
-    {
-        const double begin = picture.left;
-        const double end = picture.right;
-        first = static_cast<std::int32_t>(std::min(std::max(left + 0.5, begin), end + 1));
-        last = static_cast<std::int32_t>(std::min(std::max(right + 0.5, begin - 1), end));
-    }
+    /// The pixels of an interval that count.
+    Span(double low, double high, double begin, double end)
+        : first(static_cast<std::int32_t>(std::min(std::max(low + 0.5, begin), end + 1))),
+          last(static_cast<std::int32_t>(std::min(std::max(high + 0.5, begin - 1), end)))
+    {}
 };
+
+Span RowsOf(const double* y, long count, const FootprintPicture& picture)
+{
+    return {*std::min_element(y, y + count), *std::max_element(y, y + count),
+            static_cast<double>(picture.top), static_cast<double>(picture.bottom)};
+}
+
+Span Columns(double left, double right, const FootprintPicture& picture)
+{
+    return {left, right, static_cast<double>(picture.left), static_cast<double>(picture.right)};
+}
 
 /// The edges of a polygon, in the order of its vertices, in which their areas are added.
 class Edges {
 public:
-    explicit Edges(const FootprintPolygon& polygon) : m_count(std::min(polygon.count, kMostEdges))
+    Edges(const FootprintPolygon& polygon, std::int32_t firstRow)
+        : m_count(std::min(polygon.count, kMostEdges))
     {
         for (long i = 0; i < m_count; ++i) {
             const long next = i + 1 == m_count ? 0 : i + 1;
             m_edges[i] = Edge(polygon.x[i], polygon.y[i], polygon.x[next], polygon.y[next], polygon.sign);
-            m_edges[i].x = m_edges[i].CutAt(polygon.top - 0.5);
+            m_edges[i].x = m_edges[i].CutAt(firstRow - 0.5);
         }
     }
     /// Takes the next row.
@@ -103,7 +113,7 @@ public:
             left = std::min(left, edge->left);
             right = std::max(right, edge->right);
         }
-        const Span span(left, right, picture);
+        const Span span = Columns(left, right, picture);
         m_beyond = AreaBeyond(span.first - 0.5);
         return span;
     }
@@ -132,13 +142,14 @@ private:
 /// A box, whose pieces are products of lengths.
 class Box {
 public:
-    Box(const FootprintGroup& group, std::size_t at)
-        : m_left(group.x[0][at]), m_right(group.x[1][at]), m_top(group.y[0][at]), m_bottom(group.y[1][at])
+    Box(const double* x, const double* y)
+        : m_left(std::min(x[0], x[2])), m_right(std::max(x[0], x[2])), m_top(std::min(y[0], y[2])),
+          m_bottom(std::max(y[0], y[2]))
     {}
     Span GoTo(double row, const FootprintPicture& picture)
     {
         m_height = Common(m_top, m_bottom, row);
-        return {m_left, m_right, picture};
+        return Columns(m_left, m_right, picture);
     }
     double Next(double column) const { return Common(m_left, m_right, column) * m_height; }
 
@@ -154,13 +165,11 @@ private:
 };
 
 template <class Sample, int kChannels, class Shape>
-void SumShape(Shape& shape, double top, double bottom, const FootprintPicture& picture, double* channels,
-              double& weight)
+void SumShape(Shape& shape, Span rows, const FootprintPicture& picture, double* channels, double& weight)
 {
-    for (double row = top; row <= bottom; row += 1.0) {
+    for (std::int32_t row = rows.first; row <= rows.last; ++row) {
         const Span span = shape.GoTo(row, picture);
-        const auto* pixel = reinterpret_cast<const Sample*>(picture.base + static_cast<std::ptrdiff_t>(row) *
-                                                                               picture.rowBytes) +
+        const auto* pixel = reinterpret_cast<const Sample*>(picture.base + row * picture.rowBytes) +
                             std::ptrdiff_t{span.first} * kChannels;
         for (std::int32_t column = span.first; column <= span.last; ++column, pixel += kChannels) {
             const double area = shape.Next(column);
@@ -171,18 +180,26 @@ void SumShape(Shape& shape, double top, double bottom, const FootprintPicture& p
     }
 }
 
+/// One footprint of a group.
+struct Quad {
+    double x[4], y[4];
+
+    Quad(const FootprintGroup& group, std::size_t at)
+    {
+        for (int i = 0; i < 4; ++i) {
+            x[i] = group.x[i][at];
+            y[i] = group.y[i][at];
+        }
+    }
+};
+
 template <class Sample, int kChannels>
 void PlainQuads(const FootprintGroup& group, const FootprintPicture& picture, FootprintSums& sums)
 {
     for (std::size_t i = 0; i < kFootprintGroup; ++i) {
-        double x[4];
-        double y[4];
-        for (int v = 0; v < 4; ++v) {
-            x[v] = group.x[v][i];
-            y[v] = group.y[v][i];
-        }
-        SumPolygon<Sample, kChannels>({x, y, 4, group.sign[i], group.top[i], group.bottom[i]}, picture,
-                                      sums.channels[i], sums.weights[i]);
+        const Quad quad(group, i);
+        SumPolygon<Sample, kChannels>({quad.x, quad.y, 4, group.sign[i]}, picture, sums.channels[i],
+                                      sums.weights[i]);
     }
 }
 
@@ -190,8 +207,9 @@ template <class Sample, int kChannels>
 void PlainBoxes(const FootprintGroup& group, const FootprintPicture& picture, FootprintSums& sums)
 {
     for (std::size_t i = 0; i < kFootprintGroup; ++i) {
-        Box box(group, i);
-        SumShape<Sample, kChannels>(box, group.top[i], group.bottom[i], picture, sums.channels[i],
+        const Quad quad(group, i);
+        Box box(quad.x, quad.y);
+        SumShape<Sample, kChannels>(box, RowsOf(quad.y, 4, picture), picture, sums.channels[i],
                                     sums.weights[i]);
     }
 }
@@ -213,8 +231,9 @@ template <class Sample, int kChannels>
 void SumPolygon(const FootprintPolygon& polygon, const FootprintPicture& picture, double* channels,
                 double& weight)
 {
-    Edges edges(polygon);
-    SumShape<Sample, kChannels>(edges, polygon.top, polygon.bottom, picture, channels, weight);
+    const Span rows = RowsOf(polygon.y, polygon.count, picture);
+    Edges edges(polygon, rows.first);
+    SumShape<Sample, kChannels>(edges, rows, picture, channels, weight);
 }
 
 template void SumPolygon<std::uint8_t, 1>(const FootprintPolygon&, const FootprintPicture&, double*, double&);

@@ -21,7 +21,6 @@ struct FootprintPolygon {
     const double* y;
     long count;
     double sign; ///< as in FootprintGroup
-    double top, bottom;
 };
 
 /// The plain form, of one polygon. \p channels has as many sums as a pixel has samples.

@@ -12,16 +12,44 @@ namespace {
 constexpr double kUpright = 1e-30;
 constexpr double kBeyondAll = 1e300;
 
-/// The first and the last column of a row, before they are limited to the picture.
-struct Sides {
-    F64 left, right;
+/// Where footprints begin and end on an axis, before they are limited to the picture. What is nowhere begins
+/// beyond all and ends before all.
+struct Extent {
+    F64 low = SplatDouble(kBeyondAll);
+    F64 high = SplatDouble(-kBeyondAll);
+
+    void Widen(F64 a, F64 b)
+    {
+        low = Min(low, a);
+        high = Max(high, b);
+    }
+};
+
+/// The first and the last pixel of an extent that count.
+struct Span {
+    F64 first, last;
+
+    Span(const Extent& extent, F64 begin, F64 end)
+        : first(Min(Max(extent.low + SplatDouble(0.5), begin), end + SplatDouble(1))),
+          last(Min(Max(extent.high + SplatDouble(0.5), begin - SplatDouble(1)), end))
+    {}
+};
+
+/// What of an edge of each footprint lies in a row.
+struct EdgePart {
+    F64 left, right, middle, height, halfSlope;
+
+    F64 AreaBeyond(F64 line) const
+    {
+        const F64 reach = Max(right - line, SplatDouble(0));
+        return Select(line < left, height * (middle - line), halfSlope * reach * reach);
+    }
 };
 
 /// An edge of each footprint; see the plain form.
 struct Edge {
     F64 topX, topY, bottomX, bottomY, sign, slope;
     F64 x;
-    F64 left, right, middle, height, halfSlope;
 
     void Set(F64 fromX, F64 fromY, F64 toX, F64 toY, F64 order)
     {
@@ -41,29 +69,51 @@ struct Edge {
         const F64 cut = topX + (bottomX - topX) * (y - topY) / (bottomY - topY);
         return Select(topY < y, Select(y < bottomY, cut, bottomX), topX);
     }
-    void GoTo(F64 rowTop, F64 rowBottom)
+    /// Adds the edge's part in a row to the others, if any footprint has one.
+    void GoTo(F64 rowTop, F64 rowBottom, EdgePart (&parts)[4], int& count, Extent& columns)
     {
         const F64 zero = SplatDouble(0);
+        const F64 length = Min(bottomY, rowBottom) - Max(topY, rowTop);
+        const Mask64 isHere = zero < length;
+        if (!AnyOf(isHere)) return;
         const F64 above = x;
         x = CutAt(rowBottom);
-        left = Min(above, x);
-        right = Max(above, x);
-        middle = (above + x) * SplatDouble(0.5);
-        const F64 part = Min(bottomY, rowBottom) - Max(topY, rowTop);
-        const Mask64 isHere = zero < part;
-        height = Select(isHere, part * sign, zero);
-        halfSlope = Select(isHere, slope, zero);
+        EdgePart& part = parts[count++];
+        part.left = Min(above, x);
+        part.right = Max(above, x);
+        part.middle = (above + x) * SplatDouble(0.5);
+        part.height = Select(isHere, length * sign, zero);
+        part.halfSlope = Select(isHere, slope, zero);
+        columns.Widen(Select(isHere, part.left, SplatDouble(kBeyondAll)),
+                      Select(isHere, part.right, SplatDouble(-kBeyondAll)));
     }
-    Sides Widen(Sides sides) const
+};
+
+/// The areas in a row of quadrilaterals, of which some have so many edges in it. Where an edge is in no
+/// footprint of a vector, its areas are 0 in all.
+template <int edges>
+struct QuadRow {
+    EdgePart parts[edges];
+    F64 beyond;
+
+    QuadRow(const EdgePart* from, F64 column)
     {
-        const Mask64 isFlat = height == SplatDouble(0);
-        return {Min(sides.left, Select(isFlat, SplatDouble(kBeyondAll), left)),
-                Max(sides.right, Select(isFlat, SplatDouble(-kBeyondAll), right))};
+        for (int i = 0; i < edges; ++i)
+            parts[i] = from[i];
+        beyond = AreaBeyond(column - SplatDouble(0.5));
+    }
+    F64 Next(F64 column)
+    {
+        const F64 before = beyond;
+        beyond = AreaBeyond(column + SplatDouble(0.5));
+        return before - beyond;
     }
     F64 AreaBeyond(F64 line) const
     {
-        const F64 reach = Max(right - line, SplatDouble(0));
-        return Select(line < left, height * (middle - line), halfSlope * reach * reach);
+        F64 area = parts[0].AreaBeyond(line);
+        for (int i = 1; i < edges; ++i)
+            area = area + parts[i].AreaBeyond(line);
+        return area;
     }
 };
 
@@ -71,70 +121,98 @@ class Quads {
 public:
     Quads(const FootprintGroup& group, std::size_t at)
     {
-        const F64 sign = LoadDoubles(group.sign + at);
-        const F64 above = LoadDoubles(group.top + at) - SplatDouble(0.5);
         for (int i = 0; i < 4; ++i) {
             const int next = (i + 1) & 3;
             m_edges[i].Set(LoadDoubles(group.x[i] + at), LoadDoubles(group.y[i] + at),
-                           LoadDoubles(group.x[next] + at), LoadDoubles(group.y[next] + at), sign);
-            m_edges[i].x = m_edges[i].CutAt(above);
+                           LoadDoubles(group.x[next] + at), LoadDoubles(group.y[next] + at),
+                           LoadDoubles(group.sign + at));
         }
     }
-    Sides GoTo(F64 row)
+    Extent Rows() const
+    {
+        Extent rows;
+        for (const Edge& edge : m_edges)
+            rows.Widen(edge.topY, edge.bottomY);
+        return rows;
+    }
+    void Start(F64 row)
+    {
+        for (Edge& edge : m_edges)
+            edge.x = edge.CutAt(row - SplatDouble(0.5));
+    }
+    Extent GoTo(F64 row)
     {
         const F64 half = SplatDouble(0.5);
-        Sides sides{SplatDouble(kBeyondAll), SplatDouble(-kBeyondAll)};
-        for (Edge& edge : m_edges) {
-            edge.GoTo(row - half, row + half);
-            sides = edge.Widen(sides);
-        }
-        return sides;
+        Extent columns;
+        m_count = 0;
+        for (Edge& edge : m_edges)
+            edge.GoTo(row - half, row + half, m_parts, m_count, columns);
+        return columns;
     }
-    void Enter(F64 column) { m_beyond = AreaBeyond(column - SplatDouble(0.5)); }
-    F64 Next(F64 column)
+    /// Calls with the row's areas, which begin at a column.
+    template <class Sum>
+    void Visit(F64 column, const Sum& sum) const
     {
-        const F64 before = m_beyond;
-        m_beyond = AreaBeyond(column + SplatDouble(0.5));
-        return before - m_beyond;
+        if (m_count == 2) sum(QuadRow<2>(m_parts, column));
+        if (m_count == 3) sum(QuadRow<3>(m_parts, column));
+        if (m_count == 4) sum(QuadRow<4>(m_parts, column));
     }
 
 private:
-    F64 AreaBeyond(F64 line) const
-    {
-        return m_edges[0].AreaBeyond(line) + m_edges[1].AreaBeyond(line) + m_edges[2].AreaBeyond(line) +
-               m_edges[3].AreaBeyond(line);
-    }
-
     Edge m_edges[4];
-    F64 m_beyond{};
+    EdgePart m_parts[4];
+    int m_count = 0;
+};
+
+F64 LengthIn(F64 from, F64 to, F64 pixel)
+{
+    const F64 half = SplatDouble(0.5);
+    return Max(Min(to, pixel + half) - Max(from, pixel - half), SplatDouble(0));
+}
+
+/// The areas in a row of boxes.
+struct BoxRow {
+    F64 left, right, height;
+
+    F64 Next(F64 column) const { return LengthIn(left, right, column) * height; }
 };
 
 class Boxes {
 public:
     Boxes(const FootprintGroup& group, std::size_t at)
-        : m_left(LoadDoubles(group.x[0] + at)), m_right(LoadDoubles(group.x[1] + at)),
-          m_top(LoadDoubles(group.y[0] + at)), m_bottom(LoadDoubles(group.y[1] + at))
-    {}
-    Sides GoTo(F64 row)
     {
-        m_height = Common(m_top, m_bottom, row);
-        const Mask64 isEmpty = m_height == SplatDouble(0);
-        return {Select(isEmpty, SplatDouble(kBeyondAll), m_left),
-                Select(isEmpty, SplatDouble(-kBeyondAll), m_right)};
+        for (int i = 0; i < 4; i += 2) {
+            const F64 x = LoadDoubles(group.x[i] + at);
+            const F64 y = LoadDoubles(group.y[i] + at);
+            m_columns.Widen(x, x);
+            m_rows.Widen(y, y);
+        }
     }
-    void Enter(F64 /*column*/) {}
-    F64 Next(F64 column) const { return Common(m_left, m_right, column) * m_height; }
+    Extent Rows() const { return m_rows; }
+    void Start(F64 /*row*/) {}
+    Extent GoTo(F64 row)
+    {
+        m_height = LengthIn(m_rows.low, m_rows.high, row);
+        const Mask64 isEmpty = m_height == SplatDouble(0);
+        Extent columns;
+        columns.Widen(Select(isEmpty, columns.low, m_columns.low),
+                      Select(isEmpty, columns.high, m_columns.high));
+        return columns;
+    }
+    template <class Sum>
+    void Visit(F64 /*column*/, const Sum& sum) const
+    {
+        sum(BoxRow{m_columns.low, m_columns.high, m_height});
+    }
 
 private:
-    static F64 Common(F64 from, F64 to, F64 pixel)
-    {
-        const F64 half = SplatDouble(0.5);
-        return Max(Min(to, pixel + half) - Max(from, pixel - half), SplatDouble(0));
-    }
-
-    F64 m_left, m_right, m_top, m_bottom;
+    Extent m_columns, m_rows;
     F64 m_height{};
 };
+
+/// Where each footprint reads.
+template <class Sample>
+using Starts = const Sample* [kLanes64];
 
 /// The sums of RGBA pixels: a vector of channels each footprint.
 template <class Sample, int kChannels>
@@ -145,15 +223,14 @@ public:
         for (std::size_t i = 0; i < kLanes64; ++i)
             m_channels[i] = LoadChannels(sums.channels[at + i]);
     }
-    /// Pixels at the same distance from each footprint's start.
-    void Add(const Sample* const (&pixels)[kLanes64], const std::int32_t (&columns)[kLanes64], F64 area)
+    /// Pixels so many columns from each footprint's start.
+    void Add(const Starts<Sample>& starts, std::ptrdiff_t column, F64 area)
     {
         m_weight = m_weight + area;
         double areas[kLanes64];
         StoreDoubles(areas, area);
         for (std::size_t i = 0; i < kLanes64; ++i)
-            m_channels[i] =
-                AddScaled(m_channels[i], LoadChannels(pixels[i] + 4 * std::ptrdiff_t{columns[i]}), areas[i]);
+            m_channels[i] = AddScaled(m_channels[i], LoadChannels(starts[i] + 4 * column), areas[i]);
     }
     void Store(FootprintSums& sums, std::size_t at) const
     {
@@ -178,11 +255,11 @@ public:
             values[i] = sums.channels[at + i][0];
         m_sum = LoadDoubles(values);
     }
-    void Add(const Sample* const (&pixels)[kLanes64], const std::int32_t (&columns)[kLanes64], F64 area)
+    void Add(const Starts<Sample>& starts, std::ptrdiff_t column, F64 area)
     {
         std::int32_t samples[kLanes64];
         for (std::size_t i = 0; i < kLanes64; ++i)
-            samples[i] = pixels[i][columns[i]];
+            samples[i] = starts[i][column];
         m_weight = m_weight + area;
         m_sum = m_sum + ToDoubles(samples) * area;
     }
@@ -209,17 +286,14 @@ struct Row {
     /// picture's last column.
     bool needsLimits = false;
 
-    Row(Sides sides, Mask64 isBelow, const FootprintPicture& picture)
+    Row(const Extent& extent, Mask64 isBelow, const FootprintPicture& picture)
     {
-        const F64 half = SplatDouble(0.5);
-        const F64 one = SplatDouble(1);
         const F64 left = SplatDouble(picture.left);
-        const F64 right = SplatDouble(picture.right);
+        const Span span(extent, left, SplatDouble(picture.right));
         std::int32_t end[kLanes64];
-        const F64 cut = Min(Max(sides.right + half, left - one), right);
-        StoreWhole(end, cut);
-        StoreWhole(last, Select(isBelow, left - one, cut));
-        StoreWhole(first, Min(Max(sides.left + half, left), right + one));
+        StoreWhole(end, span.last);
+        StoreWhole(last, Select(isBelow, left - SplatDouble(1), span.last));
+        StoreWhole(first, span.first);
         for (std::size_t i = 0; i < kLanes64; ++i) {
             needsLimits = needsLimits || last[i] != end[i];
             if (last[i] < first[i])
@@ -242,21 +316,27 @@ struct Row {
     }
 };
 
-/// Sums the row's columns. With limits no footprint reads, or adds, anything behind its last one.
-template <bool limits, class Shape, class RowSums, class Sample>
-void SumColumns(const Row& row, Shape& shape, RowSums& sums, const Sample* const (&pixels)[kLanes64])
+template <class Areas, class RowSums, class Sample>
+void SumColumns(const Row& row, Areas areas, RowSums& sums, const Starts<Sample>& starts)
+{
+    F64 column = row.column;
+    for (std::int32_t i = 0; i < row.columns; ++i) {
+        sums.Add(starts, i, areas.Next(column));
+        column = column + SplatDouble(1);
+    }
+}
+
+/// The same where no footprint reads, or adds, anything behind its last column.
+template <class Areas, class RowSums, class Sample>
+void SumLimited(const Row& row, Areas areas, RowSums& sums, Starts<Sample>& starts,
+                std::ptrdiff_t pixelSamples)
 {
     F64 column = row.column;
     const F64 last = ToDoubles(row.last);
-    std::int32_t at[kLanes64];
-    for (std::size_t i = 0; i < kLanes64; ++i)
-        at[i] = row.first[i];
     for (std::int32_t i = 0; i < row.columns; ++i) {
-        F64 area = shape.Next(column);
-        if (limits) area = Select(last < column, SplatDouble(0), area);
-        sums.Add(pixels, at, area);
+        sums.Add(starts, 0, Select(last < column, SplatDouble(0), areas.Next(column)));
         for (std::size_t lane = 0; lane < kLanes64; ++lane)
-            if (!limits || at[lane] < row.last[lane]) ++at[lane];
+            if (row.first[lane] + i < row.last[lane]) starts[lane] += pixelSamples;
         column = column + SplatDouble(1);
     }
 }
@@ -267,26 +347,31 @@ void SumLanes(const FootprintGroup& group, std::size_t start, const FootprintPic
 {
     Shape shape(group, start);
     Sums<Sample, kChannels> sums(result, start);
-    double rows = 0;
-    for (std::size_t i = start; i < start + kLanes64; ++i) {
-        const double count = group.bottom[i] - group.top[i] + 1;
-        if (rows < count) rows = count;
-    }
-    const F64 bottom = LoadDoubles(group.bottom + start);
-    F64 row = LoadDoubles(group.top + start);
-    for (double i = 0; i < rows; ++i) {
-        const Mask64 isBelow = bottom < row;
-        const Row span(shape.GoTo(row), isBelow, picture);
-        const Sample* pixels[kLanes64];
-        std::int32_t at[kLanes64];
-        StoreWhole(at, Min(row, bottom));
-        for (std::size_t lane = 0; lane < kLanes64; ++lane)
-            pixels[lane] = reinterpret_cast<const Sample*>(picture.base + at[lane] * picture.rowBytes);
-        shape.Enter(span.column);
-        if (span.needsLimits)
-            SumColumns<true>(span, shape, sums, pixels);
-        else
-            SumColumns<false>(span, shape, sums, pixels);
+    const Span span(shape.Rows(), SplatDouble(picture.top), SplatDouble(picture.bottom));
+    std::int32_t first[kLanes64];
+    std::int32_t last[kLanes64];
+    StoreWhole(first, span.first);
+    StoreWhole(last, span.last);
+    std::int32_t rows = 0;
+    for (std::size_t i = 0; i < kLanes64; ++i)
+        if (rows <= last[i] - first[i]) rows = last[i] - first[i] + 1;
+    const F64 bottom = ToDoubles(last);
+    F64 row = ToDoubles(first);
+    shape.Start(row);
+    for (std::int32_t i = 0; i < rows; ++i) {
+        const Row part(shape.GoTo(row), bottom < row, picture);
+        Starts<Sample> starts;
+        for (std::size_t lane = 0; lane < kLanes64; ++lane) {
+            const std::int32_t at = first[lane] + i < picture.bottom ? first[lane] + i : picture.bottom;
+            starts[lane] = reinterpret_cast<const Sample*>(picture.base + at * picture.rowBytes) +
+                           std::ptrdiff_t{part.first[lane]} * kChannels;
+        }
+        shape.Visit(part.column, [&](const auto& areas) {
+            if (part.needsLimits)
+                SumLimited(part, areas, sums, starts, kChannels);
+            else
+                SumColumns(part, areas, sums, starts);
+        });
         row = row + SplatDouble(1);
     }
     sums.Store(result, start);

@@ -42,8 +42,7 @@ private:
                            const BandWidths& widths, const BandWidths& soft)
     {
         if (widths.IsNone()) return 0;
-        constexpr unsigned long kMost = 1UL << 60;
-        const auto width = [](unsigned long w) { return static_cast<long>(std::min(w, kMost)); };
+        const auto width = [](unsigned long w) { return static_cast<long>(std::min(w, 1UL << 60)); };
         return run.bandStrength(static_cast<long>(p), static_cast<unsigned long>(source.first),
                                 static_cast<unsigned long>(source.last), width(widths.low), soft.low,
                                 width(widths.high), soft.high);

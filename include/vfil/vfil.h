@@ -19,6 +19,7 @@
 #include <vfil/models.h>
 #include <vfil/morphology.h>
 #include <vfil/numeric.h>
+#include <vfil/perspective.h>
 #include <vfil/pixel.h>
 #include <vfil/pixelcoverage.h>
 #include <vfil/pxformat.h>
@@ -26,5 +27,7 @@
 #include <vfil/spatial.h>
 #include <vfil/tablekeyer.h>
 #include <vfil/tables.h>
+#include <vfil/transfo4.h>
 #include <vfil/transform.h>
+#include <vfil/vectorwarp.h>
 #include <vfil/videokeyer.h>

@@ -30,10 +30,12 @@ protected:
 public:
     /// Pixels that are removed from the source.
     void SetCropping(unsigned long left, unsigned long right, unsigned long top, unsigned long bottom);
-    void GetCropping(unsigned long& left, unsigned long& right, unsigned long& top, unsigned long& bottom) const;
+    void GetCropping(unsigned long& left, unsigned long& right, unsigned long& top,
+                     unsigned long& bottom) const;
     /// The width of the border, which is painted inside of the cropped source.
     void SetBorderSize(unsigned long left, unsigned long right, unsigned long top, unsigned long bottom);
-    void GetBorderSize(unsigned long& left, unsigned long& right, unsigned long& top, unsigned long& bottom) const;
+    void GetBorderSize(unsigned long& left, unsigned long& right, unsigned long& top,
+                       unsigned long& bottom) const;
     /// The width of the ramp at the border's inner edge; at most the border's.
     void SetBorderSoftness(unsigned long left, unsigned long right, unsigned long top, unsigned long bottom);
     void GetBorderSoftness(unsigned long& left, unsigned long& right, unsigned long& top,
@@ -60,6 +62,28 @@ public:
     int GetCreatePremultipliedOutput() const;
     /// Whether the last output is premultiplied.
     int GetOutputImgPremultiplied() const;
+
+protected:
+    int m_outputPremultiplied = 0;
+
+private:
+    /// Pixels at the four edges.
+    struct Edges {
+        unsigned long left = 0;
+        unsigned long right = 0;
+        unsigned long top = 0;
+        unsigned long bottom = 0;
+    };
+
+    Edges m_cropping;
+    Edges m_borderSize;
+    Edges m_borderSoftness;
+    Edges m_opacityFalloff;
+    vfILColor m_borderColor{0.0, 0.0, 0.0, 0.0};
+    double m_opacity = 1.0;
+    int m_imgAPremultiplied = 0;
+    int m_imgBPremultiplied = 0;
+    int m_createPremultiplied = 0;
 };
 
 /// How an output pixel is made of the input.
@@ -72,6 +96,39 @@ enum vfILInterpolationType : int {
     VFIL_INTERP_SUM_BICUBIC = 6,          ///< the same with bicubic
     VFIL_INTERP_SUM_NEAREST = 7,          ///< the same with nearest
     VFIL_INTERP_PANZOOM = 8,              ///< the two-pass resampler; vfILPanZoomTransform only
+};
+
+/// What a leaf of the transforms' frame knows of a run, from PrepareData to CleanData.
+struct vfILTransformRun {
+    vfILPictureView input; ///< its pixels are of a copy where the output is the same picture
+    vfILPictureView output;
+    vfILBbox2l sourceBox; ///< what the crop leaves of the input
+    vfILBbox2l effectBox; ///< what runs through a line function, in coordinates of the region of interest
+    vfILBbox2l effectAtOutput;                     ///< the same in the output's coordinates
+    vfILBbox2l outputBox;                          ///< the region's size at the output offset
+    vfILRowWalk rows;                              ///< the output's rows of the effect box
+    alignas(8) unsigned char defaultPixel[8] = {}; ///< the default colour in the pictures' format
+};
+
+/// The pictures of the pyramid of VFIL_INTERP_BILINEAR_PREFILTERED, each half as large as the one before.
+/// They belong to a run: a copy is empty.
+class VFIL_API vfILTransformLevels {
+public:
+    static constexpr long kMost = 32;
+
+    vfILTransformLevels() = default;
+    vfILTransformLevels(const vfILTransformLevels& other);
+    vfILTransformLevels& operator=(const vfILTransformLevels& other);
+    ~vfILTransformLevels();
+    long GetCount() const { return m_count; }
+    const vfILPictureView& operator[](long level) const { return m_views[level]; }
+    /// Takes over one reference. False when there are kMost already.
+    bool Add(IPXImage* picture);
+    void Release();
+
+private:
+    long m_count = 0;
+    vfILPictureView m_views[kMost];
 };
 
 /// The frame of the transforms of one input. A leaf gives the mapping; the frame finds which output pixels it
@@ -125,6 +182,15 @@ protected:
     virtual void GetClipPlaneCoefficients(unsigned long i, long width, long height, double& a, double& b,
                                           double& c, double& d);
 
+    /// For the constructor of a leaf: how many coefficients it has, at most 16. They are all 0.
+    void SetCoefficientCount(long count);
+    /// For the Verify of a leaf: the frame's, then 0x1000F (a type above \p lastType, or unknown) and 0x1000D
+    /// (a format that is neither RGBA nor mono).
+    vfILStatus VerifyTransform(vfILInterpolationType lastType, const wchar_t* className);
+    const vfILTransformRun& Run() const { return m_run; }
+    /// The pyramid; empty with other types than VFIL_INTERP_BILINEAR_PREFILTERED.
+    const vfILTransformLevels& Levels() const { return m_levels; }
+
 public:
     /// \param coefficients As many as the transform has; they are copied. Null does nothing.
     void SetCoefficients(const float* coefficients);
@@ -141,4 +207,35 @@ public:
     vfILStatus Transform(vfILVector2f& point);
     /// Maps a point from output to input.
     vfILStatus InvertTransform(vfILVector2f& point);
+
+private:
+    static constexpr long kMostCoefficients = 16;
+
+    void Init();
+    vfILStatus TransformPoint(vfILVector2f& point);
+    vfILStatus InvertTransformPoint(vfILVector2f& point);
+    bool LeadsBack(long width, long height);
+    vfILStatus PreparePictures();
+    void PrepareBoxes();
+    vfILStatus PrepareInput();
+    vfILStatus BuildPyramid();
+    vfILStatus FillFirstLevel(IPXImage* level);
+    vfILStatus CopyInput(IPXImage* to);
+    vfILStatus BlurInto(IPXImage* level, IPXImage* input);
+    vfILStatus CreatePicture(long width, long height, IPXImage*& picture);
+    bool MapBack(float x, float y, double& u, double& v);
+    void MapRow(float x, float y, long count, double* u, double* v);
+    void SampleLine(const vfILVector2f& start, long width, unsigned char* output);
+    double FootprintSizeAt(float x, float y);
+
+    long m_coefficientCount = 0;
+    float m_coefficients[kMostCoefficients] = {};
+    vfILInterpolationType m_interpolationType = VFIL_INTERP_NEAREST;
+    double m_filteringLevel = 0;
+    IPXImageFactory* m_factory = nullptr;
+    vfILTransformRun m_run;
+    vfILRunBuffer m_inputCopy;
+    vfILTransformLevels m_levels;
+    static const wchar_t* const m_ClassName;
+    const wchar_t* GetClassNameW() const;
 };

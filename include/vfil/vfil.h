@@ -2,6 +2,7 @@
 /// The whole public face.
 #pragma once
 
+#include <vfil/affine.h>
 #include <vfil/blur.h>
 #include <vfil/color.h>
 #include <vfil/composite.h>
@@ -24,4 +25,5 @@
 #include <vfil/spatial.h>
 #include <vfil/tablekeyer.h>
 #include <vfil/tables.h>
+#include <vfil/transform.h>
 #include <vfil/videokeyer.h>

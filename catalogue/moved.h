@@ -123,13 +123,12 @@ Parameter Interpolation(vfILInterpolationType last, const char* usual)
         {"area-bicubic", VFIL_INTERP_SUM_BICUBIC, "the same, bicubic where it enlarges"},
         {"area-nearest", VFIL_INTERP_SUM_NEAREST, "the same, the nearest pixel where it enlarges"},
         {"two-pass", VFIL_INTERP_PANZOOM, "columns, then rows: the area where it shrinks, else bilinear"}};
-    std::erase_if(choices, [last](const Choice& choice) { return choice.value > last; });
+    std::erase_if(choices, [last](const Choice& choice) { return choice.value > static_cast<double>(last); });
     return ChoiceParameter<&P::SetInterpolation, &P::GetInterpolation>(
         kUsualInterpolation, "how a pixel is made of the picture", std::move(choices), 0x1000F);
 }
 
-template <class P>
-Parameter FilteringLevel()
+inline Parameter FilteringLevel()
 {
     Parameter parameter = NumberParameter<&vfILMonadicTransformProc::SetFilteringLevel,
                                           &vfILMonadicTransformProc::GetFilteringLevel>(
@@ -169,7 +168,7 @@ Entry MovedEntry(const char* className, const char* name, const char* summary,
     entry.formats = {PXFormat_RGBA32, PXFormat_RGBA64, PXFormat_Mono8, PXFormat_Mono16};
     entry.parameters = std::move(parameters);
     entry.parameters.push_back(Interpolation<P>(last, usual));
-    entry.parameters.push_back(FilteringLevel<P>());
+    entry.parameters.push_back(FilteringLevel());
     entry.parameters.push_back(Cropping<P>());
     entry.parameters.push_back(AlphaAsItIs<P>());
     entry.joint = {{0x1000F, {"interpolation", "filtering-level"}}, {0x10069, {"cropping"}}};

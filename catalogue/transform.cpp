@@ -102,73 +102,12 @@ Entry AffineEntry()
     return entry;
 }
 
-// What all corners are refused for.
-std::optional<Objection> RefuseCorners(const Table& table)
-{
-    Corners corners{};
-    if (table.numbers.size() != corners.size()) return std::nullopt;
-    std::copy(table.numbers.begin(), table.numbers.end(), corners.begin());
-    if (AreConvex(corners)) return std::nullopt;
-    return Objection{"corners", "bottom left, bottom right, top right and top left go around no convex area: "
-                                "they cross, coincide, lie on a line or make a hollow"};
-}
-
-Corners CornersOf(const Table& table, long width, long height)
-{
-    const auto right = static_cast<double>(width - 1);
-    const auto top = static_cast<double>(height - 1);
-    Corners corners{0, 0, right, 0, right, top, 0, top};
-    if (table.numbers.size() == corners.size())
-        std::copy(table.numbers.begin(), table.numbers.end(), corners.begin());
-    return corners;
-}
-
-template <class P>
-Parameter CornersParameter()
-{
-    return ListParameter<&P::SetCorners, &P::GetCorners>(
-        {.count = 8}, -kMostOfMapping, kMostOfMapping, {},
-        "where the centres of the picture's pixels bottom left, bottom right, top right and top left go, x "
-        "and y of each, y up");
-}
-
-class Quad : public Moved<vfILBilinearTransform> {
-public:
-    void SetCorners(const Table& corners) { m_corners = corners; }
-    const Table& GetCorners() const { return m_corners; }
-
-    bool IsCentred() const override { return false; }
-    std::optional<Objection> Refuse(long, long) const override { return RefuseCorners(m_corners); }
-    std::optional<Extent> Covers(long width, long height) const override
-    {
-        return ExtentOf(CornersOf(m_corners, width, height), width, height);
-    }
-
-private:
-    void Map(long width, long height) override { Take(CornersOf(m_corners, width, height)); }
-    vfILInterpolationType UsualInterpolation(long, long) const override { return VFIL_INTERP_SUM_BICUBIC; }
-
-    Table m_corners;
-};
-
-Entry QuadEntry()
-{
-    Entry entry = MovedEntry<Quad>("vfILBilinearTransform", "quad",
-                                   "put into a quadrilateral, with the lines between its sides divided evenly",
-                                   {CornersParameter<Quad>()}, VFIL_INTERP_SUM_NEAREST, "area-bicubic");
-    entry.parameters.front().required = true;
-    entry.joint.push_back({0x10010, {"corners"}});
-    entry.note = "for a picture in space, see perspective";
-    return entry;
-}
-
 } // namespace
 
 std::vector<Entry> TransformEntries()
 {
     std::vector<Entry> entries;
     entries.push_back(AffineEntry());
-    entries.push_back(QuadEntry());
     return entries;
 }
 

@@ -32,10 +32,11 @@ enum class ParameterType {
 
 /// How the numbers of a list are given.
 struct List {
-    enum class Missing { Refused, Zero, Same };
+    enum class Missing { Refused, Zero, Same, Kept };
 
     long count = 0;
-    Missing missing = Missing::Refused; ///< those behind the last one given: 0, or the first one again
+    Missing missing = Missing::Refused; ///< where one is given alone: the others are 0, or the same, or it
+                                        ///< means something else
     bool whole = false;
 };
 
@@ -185,6 +186,7 @@ struct Entry {
     bool multiplied = false; ///< weighs colour by alpha, as it is when colour is multiplied by it; so is the
                              ///< result's
     bool whole = false;      ///< works on whole pictures: region, offset and single fields are refused
+    bool movesRows = false;  ///< mixes rows of a picture, so that frames of two fields come to harm
     bool places = false;     ///< moves its input over a canvas of any size: the operator has a Placement, and
                              ///< region and offset of the output are not the user's
     bool copies = false;     ///< its result is its input, pixel by pixel

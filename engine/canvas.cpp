@@ -73,16 +73,6 @@ std::unique_ptr<catalogue::Operator> Prepared(const Step& step)
     return op;
 }
 
-void CheckFields(const Step& step, const Signal& input)
-{
-    if (!input.interlaced || step.fieldsTogether || (step.mode & kFieldBits) != 0) return;
-    throw RequestError(input.label + " is interlaced, and " + step.entry->name +
-                       " would mix the two fields of a frame: deinterlace it first, or take the frames as "
-                       "they are with " +
-                       Named("fields") + " both, or with " + Named("field-order") +
-                       " progressive when it is not interlaced at all");
-}
-
 vfILBbox2l CanvasOf(const CanvasSize& wanted, const Placement& placement, const Signal& input)
 {
     const vfILBbox2l same(0, 0, input.width, input.height);
@@ -105,7 +95,6 @@ vfILBbox2l CanvasOf(const CanvasSize& wanted, const Placement& placement, const 
 void PlanCanvas(StepPlan& planned, const Signal& input)
 {
     const Step& step = planned.step;
-    CheckFields(step, input);
     const auto op = Prepared(step);
     const Placement& placement = *op->Placing();
     if (const auto objection = placement.Refuse(input.width, input.height)) {

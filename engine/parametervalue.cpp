@@ -100,8 +100,9 @@ Value ListValue(const Parameter& parameter, const std::string& text)
         RefuseValue(Named(parameter.name), text, RangeText(parameter));
     for (const double number : *n)
         CheckRange(parameter, number, text);
-    n->resize(count, list.missing == Missing::Same ? n->front() : 0);
-    return {.table = {*std::move(n), list.count}};
+    if (list.missing != Missing::Kept) n->resize(count, list.missing == Missing::Same ? n->front() : 0);
+    const auto given = static_cast<long>(n->size());
+    return {.table = {*std::move(n), given}};
 }
 
 Value SizeValue(const Parameter& parameter, const Values& values)

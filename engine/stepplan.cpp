@@ -150,6 +150,32 @@ PXImageChannel MaskChannel(const StepMask& mask, const Signal& signal)
                        " picture: its channel is " + (mono ? "mono" : "red, green, blue or alpha"));
 }
 
+void CheckFieldOrder(const JobPlan& plan, const StepPlan& planned)
+{
+    const Step& step = planned.step;
+    const Signal& input = FirstOf(plan, planned);
+    const bool chosen = step.fieldsTogether || (step.mode & kFieldBits) != 0;
+    if (!step.entry->movesRows || !input.interlaced || chosen) return;
+    throw RequestError(input.label + " is interlaced, and " + step.entry->name +
+                       " would mix the two fields of a frame: deinterlace it first, or take its frames as "
+                       "they are with " +
+                       Named("fields") + " both, or, when it is not interlaced at all, add " +
+                       Named("field-order") + " progressive");
+}
+
+void CheckVectors(const JobPlan& plan, const StepPlan& planned)
+{
+    const Signal& input = FirstOf(plan, planned);
+    for (const auto& [parameter, value] : planned.step.parameters) {
+        if (!value.vectors) continue;
+        const catalogue::VectorField& field = *value.vectors;
+        if (field.width == input.width && field.height == input.height) continue;
+        throw RequestError(Named(parameter->name) + ": " + field.path + " is for pictures of " +
+                           SizeText(field.width, field.height) + ", and " + input.label + " is " +
+                           SizeText(input.width, input.height));
+    }
+}
+
 void CheckKeyColour(const JobPlan& plan, const StepPlan& planned)
 {
     const std::optional<ColourPlace>& place = planned.step.keyColour;
@@ -299,6 +325,8 @@ void PlanStep(JobPlan& plan, Step step)
     PlanInputs(plan, planned);
     LeaveFullAlpha(plan, planned);
     PlanDominant(plan, planned);
+    CheckFieldOrder(plan, planned);
+    CheckVectors(plan, planned);
     PlanRegions(plan, planned);
     CheckKeyColour(plan, planned);
     PlanMask(plan, planned);

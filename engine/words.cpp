@@ -49,15 +49,8 @@ std::string ListText(const Parameter& parameter)
 {
     const catalogue::List& list = parameter.list;
     const std::string kind = list.whole ? " whole numbers " : " numbers ";
-    switch (list.missing) {
-    case catalogue::List::Missing::Refused:
-        break;
-    case catalogue::List::Missing::Zero:
-        return "up to " + std::to_string(list.count) + kind;
-    case catalogue::List::Missing::Same:
-        return "one or " + std::to_string(list.count) + kind;
-    }
-    return std::to_string(list.count) + kind;
+    const bool one = list.missing != catalogue::List::Missing::Refused;
+    return (one ? "1 or " : "") + std::to_string(list.count) + kind;
 }
 
 } // namespace

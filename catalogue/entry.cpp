@@ -56,6 +56,12 @@ const char* TypeName(ParameterType type)
         return "curve";
     case ParameterType::Box:
         return "box";
+    case ParameterType::Numbers:
+        return "numbers";
+    case ParameterType::Size:
+        return "size";
+    case ParameterType::Vectors:
+        return "vectors";
     }
     return "";
 }

@@ -25,6 +25,19 @@ enum class ParameterType {
     Table,  ///< numbers of the pixels of a window
     Curve,  ///< a whole number for each of 0 .. kCurvePoints - 1
     Box,    ///< x and y of its lowest corner, width and height
+    Numbers, ///< as many as the list has
+    Size,    ///< width and height
+    Vectors, ///< a vector for each pixel of the input, from a file
+};
+
+/// How the numbers of a list are given.
+struct List {
+    enum class Missing { Refused, Zero, Same, Kept };
+
+    long count = 0;
+    Missing missing = Missing::Refused; ///< where one is given alone: the others are 0, or the same, or it
+                                        ///< means something else
+    bool whole = false;
 };
 
 /// Numbers by rows, the top one first, an odd count of rows and of columns.
@@ -40,18 +53,28 @@ struct Table {
 /// The numbers of a curve, in a table of one row.
 inline constexpr long kCurvePoints = 256;
 
+/// Vectors in pixels, y up, a pair for each pixel in rows from the lowest.
+struct VectorField {
+    long width = 0;
+    long height = 0;
+    std::vector<double> x;
+    std::vector<double> y;
+    std::string path; ///< of the file
+};
+
 /// The curve that has the same number everywhere.
 Table ConstantCurve(double number);
 
 /// The value of a parameter of any type: a number, a choice's value, the bits of a set or a flag (0 or 1) in
-/// x; a point or a pair in x and y; red, green, blue and alpha of a colour, or the numbers of a box, in x, y,
-/// z and w.
+/// x; a point, a pair or a size in x and y; red, green, blue and alpha of a colour, or the numbers of a box,
+/// in x, y, z and w; a list in a table of one row.
 struct Value {
     double x = 0;
     double y = 0;
     double z = 0;
     double w = 0;
     Table table = {};
+    std::shared_ptr<const VectorField> vectors = {};
 
     friend bool operator==(const Value&, const Value&) = default;
 };
@@ -91,6 +114,7 @@ struct Parameter {
     Value (*read)(const vfILProcessor& processor);
     bool required = false; ///< the processor does not run without it
     ParameterRole role = ParameterRole::None;
+    List list = {}; ///< of Numbers
 };
 
 /// What a mask picture does to a processor.
@@ -131,6 +155,13 @@ struct JointRefusal {
     std::vector<const char*> parameters; ///< their names
 };
 
+/// Parameters that say the same in two ways: one group or the other is given.
+struct Alternatives {
+    std::vector<const char*> one;
+    std::vector<const char*> other;
+    bool required = false; ///< the processor does not run without either
+};
+
 /// The spatial reach of a processor whose every output pixel depends on all of the input.
 inline constexpr int kWholePicture = std::numeric_limits<int>::max();
 
@@ -147,6 +178,7 @@ struct Entry {
     std::vector<FormatPair> conversions = {}; ///< the formats that each input and each output may have
     std::vector<Parameter> parameters = {};
     std::vector<JointRefusal> joint = {};
+    std::vector<Alternatives> alternatives = {};
     unsigned long channels = VFIL_MODE_RGBA; ///< channel bits of the processing mode that give what a user
                                              ///< expects of the name
     unsigned long fixedChannels = 0;         ///< channel bits that cannot be left out
@@ -154,6 +186,9 @@ struct Entry {
     bool multiplied = false; ///< weighs colour by alpha, as it is when colour is multiplied by it; so is the
                              ///< result's
     bool whole = false;      ///< works on whole pictures: region, offset and single fields are refused
+    bool movesRows = false;  ///< mixes rows of a picture, so that frames of two fields come to harm
+    bool places = false;     ///< moves its input over a canvas of any size: the operator has a Placement, and
+                             ///< region and offset of the output are not the user's
     bool copies = false;     ///< its result is its input, pixel by pixel
     int spatialReach = 0;    ///< input pixels that an output pixel depends on, in each direction, or
                              ///< kWholePicture
@@ -175,7 +210,7 @@ bool Takes(const Entry& entry, const GUID& from, const GUID& to);
 bool IsConverter(const Entry& entry);
 
 /// The type in words: "number", "integer", "choice", "set", "flag", "point", "pair", "colour", "table",
-/// "curve", "box".
+/// "curve", "box", "numbers", "size", "vectors".
 const char* TypeName(ParameterType type);
 
 } // namespace vfil::catalogue

@@ -42,4 +42,7 @@ std::vector<Entry> VideoKeyerEntries();
 /// The entries of what works on the fields of video.
 std::vector<Entry> FieldEntries();
 
+/// The entries of what moves a picture: turns, scales, quadrilaterals.
+std::vector<Entry> TransformEntries();
+
 } // namespace vfil::catalogue

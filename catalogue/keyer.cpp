@@ -15,7 +15,10 @@ namespace vfil::catalogue {
 namespace {
 
 // A pure green screen: a guess, but one that shows something.
-constexpr Value kGreen{0, 1, 0, 1};
+Value Green()
+{
+    return {0, 1, 0, 1};
+}
 
 // What keeps people who pick a keyer by name from getting their picture back as it was.
 void ExpectSectorKey(vfILChromaKeyer& keyer)
@@ -89,7 +92,7 @@ Entry ChromaKeyer()
     using P = vfILChromaKeyer;
     return RgbaKeyer<P, &ExpectSectorKey>(
         "vfILChromaKeyer", "key by hue: a sector of the chroma plane around the key colour",
-        {KeyColor(kGreen),
+        {KeyColor(Green()),
          NumberParameter<&P::SetAngleTolerance, &P::GetAngleTolerance>({0, 360, 120, "degrees"},
                                                                        "how wide the sector opens", 0x10023),
          PartParameter<&P::SetLiftAndGain, &P::GetLiftAndGain, 0>(
@@ -111,7 +114,7 @@ Entry BlueGreenKeyer()
     using P = vfILBlueGreenKeyer;
     return RgbaKeyer<P, &ExpectDifferenceKey>(
         "vfILBlueGreenKeyer", "key by how much more of green, or blue, there is than of the other channels",
-        {KeyColor(kGreen),
+        {KeyColor(Green()),
          NumberParameter<&P::SetC0, &P::GetC0>(Coefficient(4), "how strong the screen's channel keys", 0),
          NumberParameter<&P::SetC1, &P::GetC1>(Coefficient(1),
                                                "how much red, of a blue screen green, saves from the key", 0),
@@ -125,7 +128,7 @@ Entry LinearKeyer()
     using P = vfILLinearKeyer;
     return RgbaKeyer<P, &ExpectLinearKey>(
         "vfILLinearKeyer", "key by how far green, or blue, rises above the larger of the other channels",
-        {KeyColor(kGreen),
+        {KeyColor(Green()),
          NumberParameter<&P::SetThreshold, &P::GetThreshold>(
              {-1, 1, -0.02}, "what is taken off the other channels before; below 0 less is keyed", 0x20002),
          NumberParameter<&P::SetSoftness, &P::GetSoftness>({0, 1, 0.25}, "how wide the matte's edge is",

@@ -2,6 +2,7 @@
 /// A processor behind a uniform face, for programs that pick it by name.
 #pragma once
 
+#include <catalogue/placement.h>
 #include <vfil/frame.h>
 
 #include <concepts>
@@ -23,6 +24,9 @@ public:
     /// What those with one output and a region share beside that: region, mask, default colour. Null for the
     /// others. Connect pictures by the calls below instead, which know what the class adds to these setters.
     virtual vfILImgProc* Frame() = 0;
+    /// How it moves its input over the output, for those that do so; else null. It goes by the parameters
+    /// alone, with or without pictures.
+    virtual const Placement* Placing() const = 0;
     /// \param index 0 is the first input, A of two. Connecting A also makes it dominant, or B of a class that
     ///              is DominatedByB.
     /// \param image Not owned; must outlive the run. Null for an optional input that is missing.
@@ -50,6 +54,14 @@ public:
     vfILImgProc* Frame() override
     {
         if constexpr (std::derived_from<P, vfILImgProc>)
+            return &m_processor;
+        else
+            return nullptr;
+    }
+
+    const Placement* Placing() const override
+    {
+        if constexpr (std::derived_from<P, Placement>)
             return &m_processor;
         else
             return nullptr;

@@ -39,6 +39,8 @@ T FromValue(const Value& value)
         return {value.x, value.y, value.z, value.w};
     else if constexpr (std::same_as<T, Table>)
         return value.table;
+    else if constexpr (std::same_as<T, std::shared_ptr<const VectorField>>)
+        return value.vectors;
     else
         return static_cast<T>(value.x);
 }
@@ -51,6 +53,8 @@ Value ToValue(const T& got)
         return {got.GetRed(), got.GetGreen(), got.GetBlue(), got.GetAlpha()};
     else if constexpr (std::same_as<T, Table>)
         return {.table = got};
+    else if constexpr (std::same_as<T, std::shared_ptr<const VectorField>>)
+        return {.vectors = got};
     else
         return {static_cast<double>(got)};
 }
@@ -198,6 +202,20 @@ Parameter TableParameter(double minimum, double maximum, const char* summary)
     Parameter parameter = UnitParameter<kSet, kGet>(ParameterType::Table, Value{}, summary, 0);
     parameter.minimum = minimum;
     parameter.maximum = maximum;
+    return parameter;
+}
+
+/// A list of numbers; an empty one stands for none.
+template <auto kSet, auto kGet>
+Parameter ListParameter(const List& list, double minimum, double maximum, std::vector<double> fallback,
+                        const char* summary)
+{
+    const auto count = static_cast<long>(fallback.size());
+    Parameter parameter = UnitParameter<kSet, kGet>(ParameterType::Numbers, std::nullopt, summary, 0);
+    if (count > 0) parameter.fallback = Value{.table = {std::move(fallback), count}};
+    parameter.minimum = minimum;
+    parameter.maximum = maximum;
+    parameter.list = list;
     return parameter;
 }
 

@@ -12,7 +12,10 @@ namespace vfil::catalogue {
 
 namespace {
 
-constexpr Value kGreen{0, 1, 0, 1};
+Value Green()
+{
+    return {0, 1, 0, 1};
+}
 constexpr double kOne255th = 1.0 / 255;
 
 // What keys a green screen, and shows something of both pictures.
@@ -110,7 +113,7 @@ Entry SectorKeyer()
     Entry entry = VideoKeyer<SetUp<DominatedByB<P>, &ExpectSectorKey>>(
         "vfILChromaKeyerYUV", "put 4:2:2 video over a back by hue, with spill correction");
     entry.parameters = {
-        KeyColor(kGreen),
+        KeyColor(Green()),
         NumberParameter<&P::SetKeyAngleTolerance, &P::GetKeyAngleTolerance>(
             {0, 360, 120, "degrees"}, "how wide the sector opens", 0x10023),
         PartParameter<&P::SetKeyLiftAndGain, &P::GetKeyLiftAndGain, 0>(
@@ -139,7 +142,7 @@ std::vector<Parameter> DifferenceParameters()
 {
     using P = vfILYUVKeyer;
     return {
-        KeyColor(kGreen),
+        KeyColor(Green()),
         PartParameter<&P::SetCoefficients, &P::GetCoefficients, 0>("c0", Coefficient(4),
                                                                    "how strong the screen's channel keys", 0),
         PartParameter<&P::SetCoefficients, &P::GetCoefficients, 1>(

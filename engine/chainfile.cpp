@@ -139,7 +139,7 @@ std::vector<std::string> ChainFile::TextsOf(const toml::node& node, const Settin
     if (const auto rows = setting.form == kTableForm ? Rows(node) : std::nullopt) return {*rows};
     std::optional<std::vector<std::string>> texts;
     if (const toml::array* array = node.as_array()) texts = Scalars(*array);
-    if (texts && !setting.repeats) return {Join(*texts, setting.form == kSizeForm ? "x" : ",")};
+    if (texts && !setting.repeats) return {Join(*texts, setting.form.starts_with(kSizeForm) ? "x" : ",")};
     if (const toml::table* table = node.as_table(); table && setting.repeats) texts = Assignments(*table);
     if (texts) return *texts;
     const std::string right = setting.form.empty() ? "true or false" : setting.form;

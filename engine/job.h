@@ -42,6 +42,18 @@ struct ColourPlace {
     long radius;
 };
 
+/// The size of what an operator makes that moves its picture.
+struct CanvasSize {
+    enum class Kind {
+        Usual, ///< what the parameters ask for, else that of the picture
+        Same,  ///< that of the picture
+        Fit,   ///< just large enough
+        Given,
+    };
+    Kind kind = Kind::Usual;
+    vfILVector2l size = {}; ///< when given
+};
+
 /// One operator of a job.
 struct Step {
     const catalogue::Entry* entry = nullptr;
@@ -54,9 +66,11 @@ struct Step {
     std::optional<vfILBbox2l> roi;
     std::optional<vfILVector2l> outputOffset;
     std::optional<vfILVector2l> outputSize;
+    CanvasSize canvas;
     std::optional<StepMask> mask;
     unsigned long mode = 0;    ///< bits of vfILProcessingMode
     bool usualChannels = true; ///< nobody chose those in the mode
+    bool fieldsTogether = false; ///< frames of two fields are taken as they are
     vfILColor defaultColor{0, 0, 0, 0};
     std::optional<GUID> to; ///< format of the results, for an operator with conversions
     std::string where;

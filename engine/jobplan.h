@@ -16,9 +16,11 @@ struct Signal {
     GUID format{};
     long width = 0;
     long height = 0;
-    bool clip = false;     ///< changes from frame to frame
+    bool clip = false;       ///< changes from frame to frame
+    bool interlaced = false; ///< has two fields, as far as anybody says
     bool alpha = false;    ///< its first input had an alpha channel that counts
     bool mayClear = false; ///< an operator may have made pixels clear that have no alpha otherwise
+    bool ofCanvas = false; ///< its size is that of a canvas
     GUID home{};           ///< the format in which it is written, as far as the file takes it
     std::optional<std::size_t> clipRoot; ///< the first source behind it that is a clip
 };
@@ -63,6 +65,7 @@ struct StepPlan {
     std::optional<MaskPlan> mask;
     bool clip = false;     ///< runs once a frame
     bool multiply = false; ///< straight inputs are multiplied by their alpha first
+    bool opaque = false;   ///< no pixel of the result can be clear, but for the rounding of alpha
 };
 
 /// A sink with what goes into its file.

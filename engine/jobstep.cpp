@@ -102,10 +102,45 @@ unsigned long Channels(const Entry& entry, const Values& values)
 unsigned long Fields(const Values& values)
 {
     const auto text = values.Get("fields");
-    if (!text) return 0;
+    if (!text || *text == "both") return 0;
     if (*text == "odd") return VFIL_MODE_ODD_ROWS;
     if (*text == "even") return VFIL_MODE_EVEN_ROWS;
-    RefuseValue(Named("fields"), *text, "odd or even");
+    RefuseValue(Named("fields"), *text, "odd, even or both");
+}
+
+CanvasSize Canvas(const Values& values)
+{
+    using Kind = CanvasSize::Kind;
+    const auto text = values.Get(kCanvasSetting);
+    if (!text) return {};
+    if (*text == "same") return {Kind::Same};
+    if (*text == "fit") return {Kind::Fit};
+    if (!ParseIntegers(*text, 'x', 2))
+        RefuseValue(Named(kCanvasSetting), *text, "a size WxH, such as 720x576, or same or fit");
+    return {Kind::Given, *Size(values, kCanvasSetting)};
+}
+
+// The names of those that are given.
+std::vector<std::string> GivenOf(const std::vector<const char*>& names, const Values& values)
+{
+    std::vector<std::string> given;
+    for (const char* name : names)
+        if (values.Has(name)) given.emplace_back(name);
+    return given;
+}
+
+void CheckAlternatives(const Entry& entry, const Values& values)
+{
+    for (const catalogue::Alternatives& either : entry.alternatives) {
+        const auto one = GivenOf(either.one, values);
+        const auto other = GivenOf(either.other, values);
+        if (!one.empty() && !other.empty()) {
+            throw RequestError("takes " + Named(one.front()) + " or " + Named(other.front()) +
+                               ", not both");
+        }
+        if (either.required && one.empty() && other.empty())
+            throw RequestError("needs " + Named(either.one.front()) + " or " + Named(either.other.front()));
+    }
 }
 
 vfILColor DefaultColor(const Values& values)
@@ -146,6 +181,7 @@ Step MakeStep(const Entry& entry, const Values& values)
 {
     Step step;
     step.entry = &entry;
+    CheckAlternatives(entry, values);
     for (const Parameter& parameter : entry.parameters) {
         if (const auto value = ParameterValue(parameter, values))
             step.parameters.emplace_back(&parameter, *value);
@@ -154,8 +190,10 @@ Step MakeStep(const Entry& entry, const Values& values)
     step.roi = Roi(values);
     step.outputOffset = Offset(values, "output-offset");
     step.outputSize = Size(values, "output-size");
+    if (entry.places) step.canvas = Canvas(values);
     step.mask = Mask(entry, values);
     step.mode = Channels(entry, values) | Fields(values);
+    step.fieldsTogether = values.Get("fields") == "both";
     step.usualChannels = !values.Has("channels");
     step.defaultColor = DefaultColor(values);
     if (!entry.conversions.empty()) step.to = Format(values, "to");

@@ -6,6 +6,7 @@
 #include "engine/text.h"
 #include "engine/values.h"
 #include "engine/words.h"
+#include "host/flowfile.h"
 
 #include <algorithm>
 #include <cmath>
@@ -84,6 +85,41 @@ Value BoxValue(const Parameter& parameter, const std::string& text)
         RefuseValue(Named(parameter.name), text, "a box: width and height are at least 0");
     return {static_cast<double>((*n)[0]), static_cast<double>((*n)[1]), static_cast<double>((*n)[2]),
             static_cast<double>((*n)[3])};
+}
+
+// One number stands for all, or the last ones may be left out, where the list says so.
+Value ListValue(const Parameter& parameter, const std::string& text)
+{
+    using Missing = catalogue::List::Missing;
+    const catalogue::List& list = parameter.list;
+    const auto count = static_cast<std::size_t>(list.count);
+    auto n = ParseNumbers(text, ',', count);
+    if (!n && list.missing != Missing::Refused) n = ParseNumbers(text, ',', 1);
+    const auto isWhole = [](double number) { return number == std::trunc(number); };
+    if (!n || (list.whole && !std::all_of(n->begin(), n->end(), isWhole)))
+        RefuseValue(Named(parameter.name), text, RangeText(parameter));
+    for (const double number : *n)
+        CheckRange(parameter, number, text);
+    if (list.missing != Missing::Kept) n->resize(count, list.missing == Missing::Same ? n->front() : 0);
+    const auto given = static_cast<long>(n->size());
+    return {.table = {*std::move(n), given}};
+}
+
+Value SizeValue(const Parameter& parameter, const Values& values)
+{
+    const vfILVector2l size = *Size(values, parameter.name);
+    return {static_cast<double>(size[0]), static_cast<double>(size[1])};
+}
+
+Value VectorsValue(const std::string& path)
+{
+    try {
+        host::Flow flow = host::ReadFlow(path);
+        return {.vectors = std::make_shared<catalogue::VectorField>(catalogue::VectorField{
+                    flow.width, flow.height, std::move(flow.x), std::move(flow.y), path})};
+    } catch (const host::FileError& error) {
+        throw RequestError(error.what());
+    }
 }
 
 Value NumberValue(const Parameter& parameter, const std::string& text)
@@ -177,6 +213,7 @@ std::optional<Value> ParameterValue(const Parameter& parameter, const Values& va
     if (parameter.type == ParameterType::Table || parameter.type == ParameterType::Curve)
         return TableValue(parameter, values);
     const auto text = values.Get(parameter.name);
+    if (!text && parameter.required) throw RequestError("needs " + Named(parameter.name));
     if (!text) return std::nullopt;
     switch (parameter.type) {
     case ParameterType::Choice:
@@ -193,6 +230,12 @@ std::optional<Value> ParameterValue(const Parameter& parameter, const Values& va
         return ColourValue(parameter, *text);
     case ParameterType::Box:
         return BoxValue(parameter, *text);
+    case ParameterType::Numbers:
+        return ListValue(parameter, *text);
+    case ParameterType::Size:
+        return SizeValue(parameter, values);
+    case ParameterType::Vectors:
+        return VectorsValue(*text);
     case ParameterType::Number:
     case ParameterType::Integer:
     case ParameterType::Table:

@@ -26,6 +26,14 @@ using Signals = std::vector<const Signal*>;
 /// \throws RequestError when there is none
 GUID WorkingFormat(const Step& step, const Signals& inputs);
 
+/// Bits of the mode that choose one field.
+inline constexpr unsigned long kFieldBits = VFIL_MODE_ODD_ROWS | VFIL_MODE_EVEN_ROWS;
+
+/// Chooses the output of a step that moves its input: its region lies on the plane of the result.
+///
+/// \throws RequestError for parameters by which the input cannot be placed, and for frames of two fields
+void PlanCanvas(StepPlan& planned, const Signal& input);
+
 /// The signal of a name, or none.
 std::optional<std::size_t> FindSignal(const JobPlan& plan, const std::string& name);
 /// The conversion of a signal to a format, noted among the insertions. None when there is none.

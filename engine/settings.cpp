@@ -16,6 +16,17 @@ using catalogue::ParameterType;
 
 namespace {
 
+std::string ListFormOf(const Parameter& parameter)
+{
+    const catalogue::List& list = parameter.list;
+    const bool point = list.count == 2;
+    const char* const first = point ? "X" : "N";
+    std::string form = first;
+    for (long i = 1; i < list.count; ++i)
+        form += std::string(",") + (point ? "Y" : first);
+    return list.missing == catalogue::List::Missing::Refused ? form : first + ("[" + form.substr(1) + "]");
+}
+
 std::string FormOf(const Parameter& parameter)
 {
     switch (parameter.type) {
@@ -41,6 +52,12 @@ std::string FormOf(const Parameter& parameter)
         return "CURVE";
     case ParameterType::Box:
         return "X,Y,W,H";
+    case ParameterType::Numbers:
+        return ListFormOf(parameter);
+    case ParameterType::Size:
+        return kSizeForm;
+    case ParameterType::Vectors:
+        return "FILE.flo";
     }
     return "";
 }
@@ -78,7 +95,7 @@ const std::vector<Setting>& StepSettings()
         {"mask", "FILE[:CHANNEL]"},
         {"mask-offset", "X,Y"},
         {"channels", "LETTERS"},
-        {"fields", "odd|even", {"odd", "even"}},
+        {"fields", "odd|even|both", {"odd", "even", "both"}},
         {"default-color", kColourForm},
     };
     return settings;
@@ -115,6 +132,7 @@ std::vector<Setting> ParameterSettings(const catalogue::Entry& entry)
         if (parameter.role == catalogue::ParameterRole::KeyColour)
             settings.push_back({PlaceSettingOf(parameter), "X,Y[,RADIUS]"});
     }
+    if (entry.places) settings.push_back({kCanvasSetting, kCanvasForm});
     return settings;
 }
 

@@ -25,6 +25,10 @@ struct Setting {
 inline constexpr const char* kSizeForm = "WxH";
 inline constexpr const char* kTableForm = "TABLE";
 inline constexpr const char* kColourForm = "COLOUR";
+inline constexpr const char* kCanvasForm = "WxH|same|fit";
+
+/// The setting of an operator that moves its picture, for the size of what it makes.
+inline constexpr const char* kCanvasSetting = "size";
 
 /// How a picture or clip is read.
 const std::vector<Setting>& SourceSettings();
@@ -33,7 +37,8 @@ const std::vector<Setting>& StepSettings();
 /// How a result is written.
 const std::vector<Setting>& SinkSettings();
 /// The parameters of an operator; a table or curve has a second setting, of a file that holds it, and the
-/// colour of a key one of the place where the first picture has it.
+/// colour of a key one of the place where the first picture has it. What moves its picture has one for the
+/// size of the result.
 std::vector<Setting> ParameterSettings(const catalogue::Entry& entry);
 /// Everything that a step of an operator may say.
 std::vector<Setting> SettingsOfStep(const catalogue::Entry& entry);

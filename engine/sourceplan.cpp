@@ -3,6 +3,7 @@
 #include "catalogue/names.h"
 #include "engine/failure.h"
 #include "engine/planning.h"
+#include "engine/settings.h"
 #include "engine/text.h"
 #include "host/pixelrows.h"
 
@@ -25,6 +26,13 @@ GUID FormatAsRead(const Source& source, const host::PictureInfo& info)
     return *source.format;
 }
 
+constexpr host::FieldOrder kProgressive = host::FieldOrder::Progressive;
+
+bool HasFields(host::FieldOrder order)
+{
+    return order != kProgressive;
+}
+
 void OpenPicture(SourcePlan& source, Signal& signal)
 {
     const std::string& path = source.source.path;
@@ -37,6 +45,7 @@ void OpenPicture(SourcePlan& source, Signal& signal)
     signal.format = FormatAsRead(source.source, source.picture);
     signal.width = source.picture.width;
     signal.height = source.picture.height;
+    signal.interlaced = HasFields(source.source.overrides.fieldOrder.value_or(kProgressive));
     signal.alpha = source.picture.alpha != host::AlphaState::None;
 }
 
@@ -48,6 +57,7 @@ void OpenClip(JobPlan& plan, SourcePlan& source, Signal& signal)
     signal.width = info.width;
     signal.height = info.height;
     signal.clip = true;
+    signal.interlaced = HasFields(info.fieldOrder.value);
     signal.alpha = info.alpha.value != host::AlphaState::None;
     signal.clipRoot = plan.sources.size();
     for (const std::string& remark : info.remarks)
@@ -100,8 +110,12 @@ std::optional<Conversion> Insert(JobPlan& plan, const Signal& signal, const GUID
                                FormatName(signal.format) + " to " + FormatName(to));
     }
     if (InfoOf(to).subsampled && signal.width % 2 != 0) {
-        throw RequestError(signal.label + " is " + std::to_string(signal.width) + " pixels wide, and " +
-                           FormatName(to) + " takes an even width; cut it first, with " +
+        const Message even = signal.label + " is " + std::to_string(signal.width) + " pixels wide, and " +
+                             FormatName(to) + " takes an even width; ";
+        if (signal.ofCanvas)
+            throw RequestError(even + "see " + Named(kCanvasSetting) + ", or take another format with " +
+                               Named("to"));
+        throw RequestError(even + "cut it first, with " +
                            OperatorUse{catalogue::Copier().name, "roi",
                                        NumberList({0, 0, signal.width - 1, signal.height})});
     }

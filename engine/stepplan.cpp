@@ -17,8 +17,6 @@ using catalogue::ParameterRole;
 
 namespace {
 
-constexpr unsigned long kFieldBits = VFIL_MODE_ODD_ROWS | VFIL_MODE_EVEN_ROWS;
-
 Message RegionSettings()
 {
     return Named("roi") + ", " + Named("output-offset") + " and " + Named("output-size");
@@ -109,18 +107,22 @@ void PlanRoi(const JobPlan& plan, StepPlan& planned)
                        SizeText(size[0], size[1]));
 }
 
-void CheckOutputSize(const GUID& format, const vfILVector2l& size)
+void CheckOutputSize(const GUID& format, const vfILVector2l& size, const Message& settings)
 {
     const auto pixels = static_cast<std::uint64_t>(size[0]) * static_cast<std::uint64_t>(size[1]);
     const auto pixelBytes = static_cast<std::uint64_t>(InfoOf(format).pixelBytes);
     const long side = std::max(size[0], size[1]);
     if (side <= host::kMaxFileSide && pixels <= host::kMaxFileBytes / pixelBytes) return;
-    throw RequestError("an output of " + SizeText(size[0], size[1]) + " is too large; see " +
-                       RegionSettings());
+    throw RequestError("an output of " + SizeText(size[0], size[1]) + " is too large; see " + settings);
 }
 
 void PlanRegions(const JobPlan& plan, StepPlan& planned)
 {
+    if (planned.step.entry->places) {
+        PlanCanvas(planned, FirstOf(plan, planned));
+        CheckOutputSize(planned.format, planned.outputSize, Named(kCanvasSetting));
+        return;
+    }
     planned.outputOffset = planned.step.outputOffset.value_or(vfILVector2l());
     const vfILVector2l& offset = planned.outputOffset;
     if (offset[0] < 0 || offset[1] < 0) {
@@ -135,7 +137,7 @@ void PlanRegions(const JobPlan& plan, StepPlan& planned)
         throw RequestError("the region does not fit the output of " + SizeText(size[0], size[1]) + "; see " +
                            RegionSettings());
     }
-    CheckOutputSize(planned.format, size);
+    CheckOutputSize(planned.format, size, RegionSettings());
 }
 
 PXImageChannel MaskChannel(const StepMask& mask, const Signal& signal)
@@ -146,6 +148,32 @@ PXImageChannel MaskChannel(const StepMask& mask, const Signal& signal)
     if (mono == (*mask.channel == PXImageChannel_MONO)) return *mask.channel;
     throw RequestError(Named("mask") + " " + signal.label + " is a " + (mono ? "grey" : "colour") +
                        " picture: its channel is " + (mono ? "mono" : "red, green, blue or alpha"));
+}
+
+void CheckFieldOrder(const JobPlan& plan, const StepPlan& planned)
+{
+    const Step& step = planned.step;
+    const Signal& input = FirstOf(plan, planned);
+    const bool chosen = step.fieldsTogether || (step.mode & kFieldBits) != 0;
+    if (!step.entry->movesRows || !input.interlaced || chosen) return;
+    throw RequestError(input.label + " is interlaced, and " + step.entry->name +
+                       " would mix the two fields of a frame: deinterlace it first, or take its frames as "
+                       "they are with " +
+                       Named("fields") + " both, or, when it is not interlaced at all, add " +
+                       Named("field-order") + " progressive");
+}
+
+void CheckVectors(const JobPlan& plan, const StepPlan& planned)
+{
+    const Signal& input = FirstOf(plan, planned);
+    for (const auto& [parameter, value] : planned.step.parameters) {
+        if (!value.vectors) continue;
+        const catalogue::VectorField& field = *value.vectors;
+        if (field.width == input.width && field.height == input.height) continue;
+        throw RequestError(Named(parameter->name) + ": " + field.path + " is for pictures of " +
+                           SizeText(field.width, field.height) + ", and " + input.label + " is " +
+                           SizeText(input.width, input.height));
+    }
 }
 
 void CheckKeyColour(const JobPlan& plan, const StepPlan& planned)
@@ -237,6 +265,10 @@ void CheckTaken(const Step& step)
     if (step.mask && step.entry->mask == Ignored)
         throw RequestError(step.entry->name + " takes no " + Named("mask") +
                            "; for a part of the picture see " + Named("roi"));
+    if (step.entry->places && (step.roi || step.outputOffset || step.outputSize)) {
+        throw RequestError(step.entry->name + " takes no " + Named("roi") + ", " + Named("output-offset") +
+                           " and " + Named("output-size") + "; see " + Named(kCanvasSetting));
+    }
     if (!step.entry->whole) return;
     if (step.roi || step.outputOffset || step.outputSize || (step.mode & kFieldBits) != 0) {
         throw RequestError(step.entry->name + " works on whole pictures: it takes no " + Named("roi") + ", " +
@@ -257,7 +289,9 @@ Signal ResultSignal(const JobPlan& plan, const StepPlan& planned)
     const bool whole = planned.outputSize == planned.dominantBox.GetSize() && !step.roi;
     const bool copies = catalogue::IsConverter(*step.entry) || step.entry->copies;
     const bool writesAlpha = (step.mode & VFIL_MODE_ALPHA) != 0 && !copies;
-    result.mayClear = first.mayClear || writesAlpha || !whole || planned.dominant != 0;
+    result.mayClear =
+        !planned.opaque && (first.mayClear || writesAlpha || !whole || planned.dominant != 0);
+    result.ofCanvas = step.entry->places;
     for (const StepInput& input : planned.inputs) {
         if (!result.clipRoot && input.signal) result.clipRoot = SignalOf(plan, input).clipRoot;
     }
@@ -291,6 +325,8 @@ void PlanStep(JobPlan& plan, Step step)
     PlanInputs(plan, planned);
     LeaveFullAlpha(plan, planned);
     PlanDominant(plan, planned);
+    CheckFieldOrder(plan, planned);
+    CheckVectors(plan, planned);
     PlanRegions(plan, planned);
     CheckKeyColour(plan, planned);
     PlanMask(plan, planned);

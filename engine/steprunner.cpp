@@ -2,13 +2,36 @@
 /// The run of one step: prepare, connect, check, execute.
 #include "engine/steprunner.h"
 #include "engine/interrupt.h"
+#include "engine/failure.h"
+#include "engine/planning.h"
+#include "engine/settings.h"
+#include "engine/words.h"
 #include "host/pixelrows.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <new>
 
 namespace vfil::engine {
 
 namespace {
 
-constexpr unsigned long kFieldBits = VFIL_MODE_ODD_ROWS | VFIL_MODE_EVEN_ROWS;
+// RGBA.
+constexpr std::size_t kAlphaChannel = 3;
+
+// Rounding makes full alpha a code less here and there.
+void MakeOpaque(host::Picture& picture)
+{
+    const vfILFormatInfo& info = picture.FormatInfo();
+    if (!info.alpha) return;
+    const auto pixel = static_cast<std::size_t>(info.pixelBytes);
+    const auto sample = static_cast<std::size_t>(info.sampleBytes);
+    for (long y = 0; y < picture.Height(); ++y) {
+        std::uint8_t* alpha = picture.Row(y) + kAlphaChannel * sample;
+        for (long x = 0; x < picture.Width(); ++x, alpha += pixel)
+            std::fill_n(alpha, sample, std::uint8_t{255});
+    }
+}
 
 } // namespace
 
@@ -22,13 +45,13 @@ StepRunner::StepRunner(const JobPlan& plan, const StepPlan& step, KeyColours& co
 }
 
 // Whether the picture has no clear pixel for sure, so that its colour is the same multiplied. Those that do
-// not change are shared among threads, and multiplied once like any other.
+// not change are shared among the threads of a clip, and multiplied once like any other.
 bool StepRunner::IsOpaqueFrame(std::size_t input) const
 {
     const StepInput& plan = m_step.inputs[input];
     if (!plan.signal) return false;
     const Signal& signal = m_plan.signals[*plan.signal];
-    return signal.clip && !signal.alpha && !signal.mayClear;
+    return (signal.clip || !m_plan.clip) && !signal.alpha && !signal.mayClear;
 }
 
 // What output pixels without a source take.
@@ -132,7 +155,14 @@ void StepRunner::ShowOtherField(const host::PicturePtr& dominant)
 host::PicturePtr StepRunner::Output(std::size_t index)
 {
     if (!m_step.outputs[index]) return {};
-    return m_outputs[index].Get(m_step.resultFormat, m_step.outputSize[0], m_step.outputSize[1]);
+    const vfILVector2l& size = m_step.outputSize;
+    try {
+        return m_outputs[index].Get(m_step.resultFormat, size[0], size[1]);
+    } catch (const std::bad_alloc&) {
+        if (!m_step.step.entry->places) throw;
+        throw RequestError("memory is short for an output of " + SizeText(size[0], size[1]) + "; see " +
+                           Named(kCanvasSetting));
+    }
 }
 
 std::vector<host::PicturePtr> StepRunner::Run(const std::vector<host::PicturePtr>& inputs,
@@ -153,10 +183,12 @@ std::vector<host::PicturePtr> StepRunner::Run(const std::vector<host::PicturePtr
                [&] { Execute(*m_step.step.entry, m_op->Processor(), m_plan.settings.interrupt); });
     for (const host::PicturePtr& picture : lent)
         picture->SetPremultiplied(false);
-    watch.Lap(Phase::Run);
     std::vector<host::PicturePtr> results;
-    for (std::size_t i = 0; i < m_outputs.size(); ++i)
+    for (std::size_t i = 0; i < m_outputs.size(); ++i) {
         results.push_back(Output(i));
+        if (m_step.opaque && results.back()) MakeOpaque(*results.back());
+    }
+    watch.Lap(Phase::Run);
     return results;
 }
 

@@ -42,6 +42,19 @@ std::vector<std::string> ChoiceNames(const Parameter& parameter)
     return names;
 }
 
+namespace {
+
+// "four whole numbers "
+std::string ListText(const Parameter& parameter)
+{
+    const catalogue::List& list = parameter.list;
+    const std::string kind = list.whole ? " whole numbers " : " numbers ";
+    const bool one = list.missing != catalogue::List::Missing::Refused;
+    return (one ? "1 or " : "") + std::to_string(list.count) + kind;
+}
+
+} // namespace
+
 std::string RangeText(const Parameter& parameter)
 {
     std::string range = NumberText(parameter.minimum) + " .. " + NumberText(parameter.maximum);
@@ -65,6 +78,12 @@ std::string RangeText(const Parameter& parameter)
                ", or points that lines join, such as '0:0 64:0 128:255'";
     case ParameterType::Box:
         return "whole numbers";
+    case ParameterType::Numbers:
+        return ListText(parameter) + range;
+    case ParameterType::Size:
+        return "width and height up to " + NumberText(parameter.maximum);
+    case ParameterType::Vectors:
+        return "a vector for each pixel of the picture";
     case ParameterType::Integer:
         return "whole numbers " + range;
     case ParameterType::Number:

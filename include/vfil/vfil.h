@@ -21,6 +21,7 @@
 #include <vfil/numeric.h>
 #include <vfil/perspective.h>
 #include <vfil/pixel.h>
+#include <vfil/pixelcoverage.h>
 #include <vfil/pxformat.h>
 #include <vfil/rank.h>
 #include <vfil/spatial.h>

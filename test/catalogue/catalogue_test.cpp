@@ -31,6 +31,21 @@ FormatPair UsualPair(const Entry& entry)
                                      : entry.conversions.front();
 }
 
+// Different numbers, which as corners go once around.
+catalogue::Table Numbers(const Parameter& parameter)
+{
+    const std::vector<double> numbers = {0, 0, 2, 0, 3, 2, 1, 1, 1};
+    const long count = parameter.list.count;
+    return {{numbers.begin(), numbers.begin() + count}, count};
+}
+
+std::shared_ptr<const catalogue::VectorField> SomeVectors()
+{
+    static const auto field = std::make_shared<const catalogue::VectorField>(catalogue::VectorField{
+        4, 2, std::vector<double>(8, 0.5), std::vector<double>(8, -1), "flow.flo"});
+    return field;
+}
+
 Value OtherThanDefault(const Parameter& parameter)
 {
     const double usual = parameter.fallback.value_or(Value{}).x;
@@ -49,6 +64,12 @@ Value OtherThanDefault(const Parameter& parameter)
         return {.table = catalogue::ConstantCurve(7)};
     case ParameterType::Box:
         return {1, 0, 2, 1};
+    case ParameterType::Numbers:
+        return {.table = Numbers(parameter)};
+    case ParameterType::Size:
+        return {2, 3};
+    case ParameterType::Vectors:
+        return {.vectors = SomeVectors()};
     case ParameterType::Flag:
         return {usual == 0 ? 1.0 : 0.0};
     case ParameterType::Choice:

@@ -195,6 +195,8 @@ HelpPage OperatorHelp(const Entry& entry)
     if (entry.whole)
         takes.rows.emplace_back("region",
                                 "none: works on whole pictures, without --output-offset and --fields");
+    if (entry.places)
+        takes.rows.emplace_back("region", "none: see --size instead of --roi, --output-offset and --output-size");
     if (entry.multiplied) {
         takes.rows.emplace_back("alpha",
                                 "colour of pictures with straight alpha is multiplied by it first, unless a "

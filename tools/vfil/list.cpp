@@ -99,6 +99,7 @@ Json EntryRecord(const Entry& entry)
             {"mask", MaskName(entry.mask)},
             {"multiplied", entry.multiplied},
             {"whole", entry.whole},
+            {"places", entry.places},
             {"spatialReach", entry.spatialReach},
             {"radiusReach", entry.radiusReach},
             {"temporalReach", entry.temporalReach},

@@ -16,6 +16,12 @@ using catalogue::ParameterType;
 
 namespace {
 
+// Without a default these say themselves what happens then.
+bool IsList(ParameterType type)
+{
+    return type == ParameterType::Numbers || type == ParameterType::Size;
+}
+
 std::string ParameterSummary(const Parameter& parameter)
 {
     std::vector<std::string> notes;
@@ -28,7 +34,9 @@ std::string ParameterSummary(const Parameter& parameter)
     else if (parameter.choices.empty())
         notes.push_back(RangeText(parameter));
     if (*parameter.unit != '\0') notes.emplace_back(parameter.unit);
-    notes.push_back(parameter.required ? "required" : "default " + DefaultText(parameter));
+    const bool told = parameter.fallback || !IsList(parameter.type);
+    if (parameter.required || told)
+        notes.push_back(parameter.required ? "required" : "default " + DefaultText(parameter));
     return std::string(parameter.summary) + " (" + Join(notes, "; ") + ")";
 }
 
@@ -93,6 +101,10 @@ std::vector<Option> ParameterOptions(const Entry& entry)
         summaries[engine::FileSettingOf(parameter)] = FileSummary(parameter);
         summaries[engine::PlaceSettingOf(parameter)] = PlaceSummary(parameter);
     }
+    summaries[engine::kCanvasSetting] =
+        "size of the output in pixels, around the middle of the picture, or from 0,0 where the options say "
+        "where the picture goes on it; same: that of the picture; fit: just large enough for all of it, for "
+        "clips of 4:2:2 and 4:2:0 an even one (default what the other options ask for, else same)";
     return Described(engine::ParameterSettings(entry), summaries);
 }
 
@@ -116,7 +128,8 @@ const std::vector<Option>& StepOptions()
             {"channels", "channels to work on, letters of rgba (default what 'vfil help OPERATOR' says, "
                          "without a for a picture that has no alpha)"},
             {"fields", "work only on rows with odd or even y, counted from the bottom row, which is 0; the "
-                       "others show the dominant picture"},
+                       "others show the dominant picture; both: all rows at once, as without this, also "
+                       "where the rows of one field would get into the other"},
             {"default-color",
              "colour of output pixels that have no source, each component 0 .. 1 (default 0,0,0,0)"},
         });

@@ -117,7 +117,8 @@ nlohmann::ordered_json Record(const std::string& path, const host::PictureInfo& 
 
 nlohmann::ordered_json NumberRecord(const catalogue::Parameter& parameter, double number)
 {
-    const bool whole = parameter.type == ParameterType::Integer || parameter.type == ParameterType::Point;
+    const bool whole = parameter.type == ParameterType::Integer || parameter.type == ParameterType::Point ||
+                       parameter.type == ParameterType::Size || parameter.list.whole;
     return whole ? nlohmann::ordered_json(static_cast<std::int64_t>(number)) : nlohmann::ordered_json(number);
 }
 
@@ -141,6 +142,7 @@ nlohmann::ordered_json ValueRecord(const catalogue::Parameter& parameter, const 
         return value.x != 0;
     case ParameterType::Point:
     case ParameterType::Pair:
+    case ParameterType::Size:
         return nlohmann::ordered_json::array(
             {NumberRecord(parameter, value.x), NumberRecord(parameter, value.y)});
     case ParameterType::Box:
@@ -152,7 +154,10 @@ nlohmann::ordered_json ValueRecord(const catalogue::Parameter& parameter, const 
     case ParameterType::Table:
         return TableRecord(value.table);
     case ParameterType::Curve:
+    case ParameterType::Numbers:
         return value.table.numbers;
+    case ParameterType::Vectors:
+        return ValueText(parameter, value);
     case ParameterType::Number:
     case ParameterType::Integer:
         break;

@@ -94,6 +94,12 @@ std::string ValueText(const Parameter& parameter, const catalogue::Value& value)
         return TableText(value.table);
     case ParameterType::Curve:
         return CurveText(value.table);
+    case ParameterType::Numbers:
+        return NumberTexts(value.table.numbers);
+    case ParameterType::Size:
+        return NumberText(value.x) + "x" + NumberText(value.y);
+    case ParameterType::Vectors:
+        return value.vectors ? value.vectors->path : "none";
     case ParameterType::Integer:
     case ParameterType::Number:
         break;

@@ -1,0 +1,22 @@
+/// \file
+/// What most placements say.
+#include <catalogue/placement.h>
+
+namespace vfil::catalogue {
+
+std::optional<Objection> Placement::Refuse(long, long) const
+{
+    return std::nullopt;
+}
+
+std::optional<vfILVector2l> Placement::OwnSize() const
+{
+    return std::nullopt;
+}
+
+bool Placement::MayClear() const
+{
+    return false;
+}
+
+} // namespace vfil::catalogue

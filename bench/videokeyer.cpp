@@ -1,5 +1,5 @@
 /// \file
-/// Our keyers of 4:2:2 video: a plate over another picture.
+/// Our keyers that put a plate over another picture: of 4:2:2 video, and one of RGBA.
 #include "frames.h"
 
 #include <vfil/videokeyer.h>
@@ -9,15 +9,15 @@ namespace bench {
 namespace {
 
 template <class Keyer>
-void AddKeyer(const std::string& operation, void (*setUp)(Keyer&))
+void AddKeyer(const std::string& operation, void (*setUp)(Keyer&), const GUID& format = PXFormat_YCC422_601)
 {
-    Add(operation, kOurs, [setUp](const Frame& frame) {
+    Add(operation, kOurs, [=](const Frame& frame) {
         Keyer keyer;
-        vfil::host::Picture& back = frame.In(PXFormat_YCC422_601);
-        keyer.SetInputImgA(frame.videoPlate.Get());
+        vfil::host::Picture& back = frame.In(format);
+        keyer.SetInputImgA(format == PXFormat_RGBA32 ? frame.plate.Get() : frame.videoPlate.Get());
         keyer.SetInputImgB(&back);
         keyer.SetDominantInput(&back);
-        keyer.SetOutputImg(&frame.Out(PXFormat_YCC422_601));
+        keyer.SetOutputImg(&frame.Out(format));
         setUp(keyer);
         Execute(keyer);
     });
@@ -40,6 +40,18 @@ void SetDifference(vfILYUVKeyer& keyer)
     keyer.SetApplySpillCorrectionFlag(0);
 }
 
+void SetDifferenceSpill(vfILYUVKeyer& keyer)
+{
+    SetDifference(keyer);
+    keyer.SetApplySpillCorrectionFlag(1);
+}
+
+void SetDifferenceMatte(vfILYUVKeyer& keyer)
+{
+    SetDifference(keyer);
+    keyer.SetOutputMatteFlag(1);
+}
+
 void AddVideoKeyers()
 {
     AddKeyer<vfILChromaKeyerYUV>(kVideoHue, SetHue);
@@ -52,14 +64,11 @@ void AddVideoKeyers()
         keyer.SetOutputMatte(1);
     });
     AddKeyer<vfILYUVKeyer>(kVideoDifference, SetDifference);
-    AddKeyer<vfILYUVKeyer>(kVideoDifferenceSpill, [](vfILYUVKeyer& keyer) {
-        SetDifference(keyer);
-        keyer.SetApplySpillCorrectionFlag(1);
-    });
-    AddKeyer<vfILYUVKeyer>(kVideoDifferenceMatte, [](vfILYUVKeyer& keyer) {
-        SetDifference(keyer);
-        keyer.SetOutputMatteFlag(1);
-    });
+    AddKeyer<vfILYUVKeyer>(kVideoDifferenceSpill, SetDifferenceSpill);
+    AddKeyer<vfILYUVKeyer>(kVideoDifferenceMatte, SetDifferenceMatte);
+    AddKeyer<vfILYUVKeyer>(kRgbDifference, SetDifference, PXFormat_RGBA32);
+    AddKeyer<vfILYUVKeyer>(kRgbDifferenceSpill, SetDifferenceSpill, PXFormat_RGBA32);
+    AddKeyer<vfILYUVKeyer>(kRgbDifferenceMatte, SetDifferenceMatte, PXFormat_RGBA32);
     AddKeyer<vfIL2InputLumaKeyer>(kVideoLuma, [](vfIL2InputLumaKeyer& keyer) {
         keyer.SetLumaClip(0.3);
         keyer.SetLumaGain(0.7);

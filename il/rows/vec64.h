@@ -105,6 +105,15 @@ inline Mask64 operator^(Mask64 a, Mask64 b)
 #endif
 }
 
+inline bool AnyOf(Mask64 mask)
+{
+#if defined(__AVX512BW__)
+    return mask.bits != 0;
+#else
+    return VFIL_MM(movemask_pd)(mask.bits) != 0;
+#endif
+}
+
 /// a where the mask is true, else b.
 inline F64 Select(Mask64 mask, F64 a, F64 b)
 {

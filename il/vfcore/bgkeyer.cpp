@@ -2,7 +2,9 @@
 /// The key by the difference of the screen's channel to the others.
 
 #include "il/loops/frame/imageview.h"
+#include "il/loops/keyer/differencekey.h"
 #include "il/loops/keyer/keyloop.h"
+#include "il/rows/pixarith.h"
 
 #include <vfil/keyer.h>
 
@@ -10,7 +12,7 @@ using namespace vfil;
 
 const wchar_t* const vfILBlueGreenKeyer::m_ClassName = L"vfILBlueGreenKeyer";
 
-/// Of the channels, and what the screen's one is limited to.
+/// Of the channels.
 struct vfILBlueGreenKeyer::Weights : BlueGreenKeyParams {};
 
 const wchar_t* vfILBlueGreenKeyer::GetClassNameW() const
@@ -65,34 +67,16 @@ int vfILBlueGreenKeyer::GetKeepOrigAlphaFlag() const
     return m_keepOrigAlpha;
 }
 
-namespace {
-
-std::int32_t Fixed(double coefficient)
-{
-    return RoundHalfAway(coefficient * 65536);
-}
-
-/// No limit but that of one channel, by its place in the pixel.
-std::uint32_t LimitOf(double key, int channel)
-{
-    const std::uint32_t limit = RoundToSample<std::uint8_t>(key * 255);
-    return ~(0xFFU << (8 * channel)) | limit << (8 * channel);
-}
-
-} // namespace
-
 vfILBlueGreenKeyer::Weights vfILBlueGreenKeyer::GreenScreenKey() const
 {
-    return {{.weights = {Fixed(m_c0 * m_c1), Fixed(-m_c0), Fixed(m_c2)},
-             .limits = LimitOf(GetKeyColor().GetGreen(), 1),
-             .keepAlpha = m_keepOrigAlpha}};
+    const std::int32_t limit = RoundHalfAway(GetKeyColor().GetGreen() * 255);
+    return {{DifferenceKeyOf(kGreenScreen, m_c0, m_c1, m_c2, limit), m_keepOrigAlpha}};
 }
 
 vfILBlueGreenKeyer::Weights vfILBlueGreenKeyer::BlueScreenKey() const
 {
-    return {{.weights = {Fixed(m_c2), Fixed(m_c0 * m_c1), Fixed(-m_c0)},
-             .limits = LimitOf(GetKeyColor().GetBlue(), 2),
-             .keepAlpha = m_keepOrigAlpha}};
+    const std::int32_t limit = RoundHalfAway(GetKeyColor().GetBlue() * 255);
+    return {{DifferenceKeyOf(kBlueScreen, m_c0, m_c1, m_c2, limit), m_keepOrigAlpha}};
 }
 
 vfILStatus vfILBlueGreenKeyer::DoEffect()

@@ -41,7 +41,7 @@ vfILStatus vfIL2InputLumaKeyer::LumaKeyYCC422_8(int isAlternate)
     const std::int32_t high = RoundHalfAway(219 * m_lumaGain + 16);
     // No value lies between equal levels: the line is of no account then.
     const double d = high == low ? 0 : 1 / (static_cast<double>(high) - low);
-    LumaKeyParams params{65536, 0, 0, 255, m_reverse != 0, {}};
+    VideoLumaKeyParams params{65536, 0, 0, 255, m_reverse != 0, {}};
     params.window = {low, high, RoundHalfAway(16711680 * d), RoundHalfAway(16711680.0 * low * d)};
     if (m_gain != 1 || m_brightness != 0) {
         params.gain = RoundHalfAway(65536 * m_gain);

@@ -4,6 +4,7 @@
 #include "il/loops/frame/imageview.h"
 #include "il/loops/keyer/videokey.h"
 #include "il/loops/keyer/yuvkeysetup.h"
+#include "il/rows/keyer/rgbcompositerows.h"
 
 #include <vfil/videokeyer.h>
 
@@ -78,15 +79,15 @@ vfILStatus vfILYUVKeyer::YCC422Key8_NoMMX(int is709, int isAlternate)
 
 vfILStatus vfILYUVKeyer::RGBKey8()
 {
-    RgbCompositeParams params = RgbCompositeOf(Settings());
-    params.matte = m_outputMatte != 0;
-    params.spill = m_applySpill != 0;
+    const RgbCompositeParams params = RgbCompositeOf(Settings());
+    const KeyResult colour = m_applySpill != 0 ? KeyResult::SpillCorrected : KeyResult::Composite;
     const vfILLayerRun layers = Layers();
+    const RgbCompositeRow composite = FindRgbCompositeRow(m_outputMatte != 0 ? KeyResult::Matte : colour,
+                                                          layers.fast, layers.run.streaming, params);
     const auto pixels = static_cast<std::size_t>(layers.run.processBox.GetSizeX());
     for (long row = 0; row < layers.run.rows; ++row)
-        CompositeRgbRow(RowOf<const std::uint8_t>(layers.back, row),
-                        RowOf<const std::uint8_t>(layers.front, row),
-                        RowOf<std::uint8_t>(layers.run.output, row), pixels, params);
+        composite(RowOf<const std::uint8_t>(layers.back, row), RowOf<const std::uint8_t>(layers.front, row),
+                  RowOf<std::uint8_t>(layers.run.output, row), pixels, params);
     return VFIL_SUCCESS;
 }
 

@@ -64,15 +64,90 @@ public:
     int GetOutputImgPremultiplied() const;
 
 protected:
-    int m_outputPremultiplied = 0;
+    // Pure functions of the two-pass resampler, whose unit of weight is 16384 for a whole output pixel.
+
+    /// The strength of a band along both ends of a line, at position \p p of it: 1 in the bands, 0 between
+    /// them, and a cubic ramp over softness + 1 pixels at their inner ends.
+    ///
+    /// \param a, b    The first and the last pixel of the line.
+    /// \param inLow, inHigh      The widths of the bands.
+    /// \param softLow, softHigh  How much of them is ramp.
+    static double ComputeFalloff(long p, unsigned long a, unsigned long b, long inLow, unsigned long softLow,
+                                 long inHigh, unsigned long softHigh);
+    /// Where a shrinking run stands before output \p position.
+    ///
+    /// \param step      What is left of the pixel \p base, in weights.
+    /// \param fraction  The share of a whole pixel. With 0 the result is (base, 0).
+    /// \param stride    From a pixel to the next.
+    /// \param remainder What is left of the pixel \p index.
+    static void GetInputPixelAndFraction(long base, unsigned long step, unsigned long fraction, long stride,
+                                         long position, long& index, unsigned long& remainder);
+    /// Resamples one run of samples.
+    ///
+    /// \param magnify   0 takes means of all pixels that an output covers, else two neighbours are mixed.
+    /// \param low, high What lies outside of these indices of \p in counts as 0, and is not read.
+    /// \param step      The share of a whole input pixel (shrinking), or the distance of two outputs.
+    /// \param start     The first index.
+    /// \param fraction  What is left of that pixel (shrinking), or its weight. Shrinking with a step of 0
+    ///                  would never end, and writes zeros.
+    /// \param stride    From an index to the next.
+    static void ResampleOneRowUSHORT(int magnify, long low, long high, unsigned short* in, long count,
+                                     unsigned short* out, unsigned long step, long start,
+                                     unsigned long fraction, long stride);
+    /// Paints a row of RGBA pixels under what \p back has already. Sums are limited to 255.
+    ///
+    /// \param premultiplied Whether the front's colour is.
+    static void PerformOverOnRowRGBA8(int premultiplied, unsigned char* front, unsigned char* back,
+                                      long count);
+    /// Finds the first run of pairs that lie within low .. high with both entries.
+    ///
+    /// \param begin, end The first and the last pair to look at.
+    /// \param rows2      Pairs that have to lie there too, or null.
+    /// \param first, last The run, both ends within; end + 1 and end where there is none.
+    /// \return 1 when there is a run, else 0.
+    static int FindFullyInsideSpan(long begin, long end, unsigned short* rows, unsigned short* rows2,
+                                   unsigned short low, unsigned short high, long& first, unsigned long& last);
+    /// \return 1 for a null pointer, with the error 0x10001 and \p status a failure; else 0.
+    int AllocFailed(void* memory, vfILStatus& status);
+    /// The two-pass resampler. Output pixel (x, y) of the region of interest's plane shows (sx x + tx, sy y +
+    /// ty) of picture A. Along an axis whose scale is above 1 each output is the mean of what it covers,
+    /// below 1 a mix of two neighbours, at 1 the nearest pixel. What lies outside of A counts as nothing; it
+    /// and what of A is transparent lets picture B through, or the default colour. The order is: crop, border
+    /// over the source, opacity and falloff, resampling in x, in y, and the result over the background.
+    ///
+    /// Channels are treated alike, which is right for premultiplied colour. When the colour of A is not
+    /// premultiplied, it is multiplied by alpha first wherever that matters: for a background that is not
+    /// wholly transparent, a border, an opacity or a falloff, and when a premultiplied output is asked for;
+    /// GetOutputImgPremultiplied tells. Fails with 0x10001 when memory is short.
+    ///
+    /// \param simd           Whether vectors are allowed; the result is the same.
+    /// \param pixelsA        A's pixels, or a copy of them that has the same rows.
+    /// \param premultipliedA Whether A's colour is.
+    /// \param b              Null for none. Its format is A's.
+    /// \param boxB, offsetB  The part of B that shows, in B's coordinates, and what is added to a position in
+    ///                       the plane to come to them.
+    /// \param effectBox      The output pixels to write, in the plane; they lie in the output.
+    /// \param outputOffset   What is added to a position in the plane to come to the output's.
+    /// \param mode           The processing mode, of which the field bits count.
+    /// \param premultipliedOutput Whether the output is to be premultiplied.
+    vfILStatus TransformImageWithAntialiasedOrBilinearPanzoom(
+        int simd, double sx, double tx, double sy, double ty, IPXImage* a, void* pixelsA, int premultipliedA,
+        IPXImage* b, void* pixelsB, const vfILBbox2l& boxB, const vfILVector2l& offsetB,
+        const vfILColor& defaultColor, IPXImage* output, const vfILBbox2l& effectBox,
+        const vfILVector2l& outputOffset, int mode, int premultipliedOutput);
 
 private:
-    /// Pixels at the four edges.
+    /// Left, right, top, bottom.
     struct Edges {
-        unsigned long left = 0;
-        unsigned long right = 0;
-        unsigned long top = 0;
-        unsigned long bottom = 0;
+        unsigned long left = 0, right = 0, top = 0, bottom = 0;
+
+        void CopyTo(unsigned long& l, unsigned long& r, unsigned long& t, unsigned long& b) const
+        {
+            l = left;
+            r = right;
+            t = top;
+            b = bottom;
+        }
     };
 
     Edges m_cropping;
@@ -80,10 +155,11 @@ private:
     Edges m_borderSoftness;
     Edges m_opacityFalloff;
     vfILColor m_borderColor{0.0, 0.0, 0.0, 0.0};
-    double m_opacity = 1.0;
+    double m_opacity = 1;
     int m_imgAPremultiplied = 0;
     int m_imgBPremultiplied = 0;
-    int m_createPremultiplied = 0;
+    int m_outputImgPremultiplied = 0;
+    int m_createPremultipliedOutput = 0;
 };
 
 /// How an output pixel is made of the input.

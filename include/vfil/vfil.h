@@ -19,11 +19,15 @@
 #include <vfil/models.h>
 #include <vfil/morphology.h>
 #include <vfil/numeric.h>
+#include <vfil/perspective.h>
 #include <vfil/pixel.h>
+#include <vfil/pixelcoverage.h>
 #include <vfil/pxformat.h>
 #include <vfil/rank.h>
 #include <vfil/spatial.h>
 #include <vfil/tablekeyer.h>
 #include <vfil/tables.h>
+#include <vfil/transfo4.h>
 #include <vfil/transform.h>
+#include <vfil/vectorwarp.h>
 #include <vfil/videokeyer.h>

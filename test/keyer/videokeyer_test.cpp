@@ -1,8 +1,7 @@
 /// \file
 /// The keyers of 4:2:2 video against a model that walks the pixels of the picture, not its memory.
-#include "catalogue/catalogue.h"
+#include "keyer/keyercheck.h"
 #include "keyer/videokeymodel.h"
-#include "support/processors.h"
 
 #include <vfil/videokeyer.h>
 
@@ -87,15 +86,6 @@ void Model(const GuardedImage& a, const GuardedImage& b, GuardedImage& out, cons
     }
 }
 
-template <class Keyer>
-void Connect(Keyer& keyer, GuardedImage& a, GuardedImage& b, GuardedImage& out)
-{
-    keyer.SetInputImgA(&a);
-    keyer.SetInputImgB(&b);
-    keyer.SetDominantInput(&b);
-    keyer.SetOutputImg(&out);
-}
-
 std::vector<const FormatCase*> VideoFormats()
 {
     std::vector<const FormatCase*> formats;
@@ -120,17 +110,6 @@ void Scatter(GuardedImage& image, std::mt19937& random, const vfILColor& key)
         }
 }
 
-double Real(std::mt19937& random, double low, double high)
-{
-    return std::uniform_real_distribution<double>(low, high)(random);
-}
-
-vfILColor AnyColor(std::mt19937& random)
-{
-    if (random() % 2) return random() % 2 ? vfILColor{0, 1, 0, 1} : vfILColor{0, 0.5, 0.5, 1};
-    return {Real(random, 0, 1), Real(random, 0, 1), Real(random, 0, 1), 1};
-}
-
 template <class Keyer>
 void Run(Keyer& keyer, const FormatCase& format, long width, long height, const Scene& scene,
          const Rule& rule, std::mt19937& random)
@@ -139,7 +118,7 @@ void Run(Keyer& keyer, const FormatCase& format, long width, long height, const 
     GuardedImage out(format.id, width, height), expected(format.id, width, height);
     Scatter(a, random, keyer.GetKeyColor());
     b.Randomise(random);
-    Connect(keyer, a, b, out);
+    ConnectKeyer(keyer, a, b, out);
     keyer.SetCropBox(scene.crop);
     keyer.SetProcessingMode(scene.mode);
     Model(a, b, expected, scene, rule);
@@ -189,6 +168,20 @@ void Compare<vfILChromaKeyerYUV>(const FormatCase& format, long width, long heig
     Run(keyer, format, width, height, scene, model, random);
 }
 
+DifferenceModel AnyDifference(std::mt19937& random)
+{
+    DifferenceModel m;
+    m.key = AnyColor(random);
+    m.spill = AnyColor(random);
+    m.c0 = Real(random, -0.5, 3), m.c1 = Real(random, 0, 2), m.c2 = random() % 2 ? 0 : Real(random, -1, 1);
+    m.low = random() % 2 ? 0 : Real(random, 0, 0.5);
+    m.high = random() % 2 ? 1 : m.low + Real(random, 0.02, 0.5);
+    m.factor = Real(random, -0.5, 3), m.term = Real(random, -1, 1);
+    m.threshold = Real(random, -0.3, 0.3), m.softness = Real(random, -0.1, 1);
+    m.correct = random() % 2, m.matte = random() % 3 == 0;
+    return m;
+}
+
 void Set(vfILYUVKeyer& keyer, const DifferenceModel& model)
 {
     keyer.SetKeyColor(model.key);
@@ -205,29 +198,15 @@ template <>
 void Compare<vfILYUVKeyer>(const FormatCase& format, long width, long height, Scene scene,
                            std::mt19937& random)
 {
-    scene.matte = random() % 3 == 0;
-    const double low = random() % 2 ? 0 : Real(random, 0, 0.5);
-    const DifferenceModel model{AnyColor(random),
-                                AnyColor(random),
-                                Real(random, -0.5, 3),
-                                Real(random, 0, 2),
-                                random() % 2 ? 0 : Real(random, -1, 1),
-                                low,
-                                random() % 2 ? 1 : low + Real(random, 0.02, 0.5),
-                                Real(random, -0.5, 3),
-                                Real(random, -1, 1),
-                                Real(random, -0.3, 0.3),
-                                Real(random, -0.1, 1),
-                                random() % 2 == 0,
-                                scene.matte,
-                                random() % 2 == 0,
-                                format.Is('7') ? 0x200 : 0x40};
-    Switched<vfILYUVKeyer> keyer(model.fast);
-    Set(keyer, model);
+    DifferenceModel model = AnyDifference(random);
+    model.model = format.Is('7') ? 0x200 : 0x40;
+    scene.matte = model.matte;
+    const bool simd = random() % 2;
     // The tie of the matte's form is blue, whatever the flag.
-    DifferenceModel rule = model;
-    rule.fast = model.fast && !model.matte;
-    Run(keyer, format, width, height, scene, rule, random);
+    model.fast = simd && !model.matte;
+    Switched<vfILYUVKeyer> keyer(simd);
+    Set(keyer, model);
+    Run(keyer, format, width, height, scene, model, random);
     EXPECT_EQ(keyer.GetColorModel(), model.model);
 }
 
@@ -253,13 +232,6 @@ void Compare<vfIL2InputLumaKeyer>(const FormatCase& format, long width, long hei
     keyer.SetOutputMatteFlag(model.matte);
     Run(keyer, format, width, height, scene, model, random);
 }
-
-template <class Keyer>
-constexpr const char* kCommand = "chroma-keyer-yuv";
-template <>
-constexpr const char* kCommand<vfILYUVKeyer> = "yuv-keyer";
-template <>
-constexpr const char* kCommand<vfIL2InputLumaKeyer> = "2input-luma-keyer";
 
 template <class Keyer>
 struct VideoKeyer : testing::Test {};
@@ -292,84 +264,19 @@ TYPED_TEST(VideoKeyer, KeepsWhatTheCropAndTheFieldsKeep)
                             }
 }
 
-// --- Whatever a host sets.
-
-double Wild(std::mt19937& random)
+TEST(SectorKey, AGreenScreenIsClearWithSomeGain)
 {
-    constexpr double kWild[] = {0, 1, -1, 0.5, 100, -7e4, 359, 1e10, -1e300, 1e300, INFINITY, -INFINITY, NAN};
-    return random() % 3 ? Real(random, -2, 2) : kWild[random() % std::size(kWild)];
-}
-
-/// Every parameter that the command has.
-void SetWildly(vfILProcessor& keyer, const char* command, std::mt19937& random)
-{
-    using vfil::catalogue::ParameterType;
-    for (const auto& parameter : vfil::catalogue::Find(command)->parameters) {
-        if (parameter.type == ParameterType::Flag || parameter.type == ParameterType::Choice)
-            parameter.apply(keyer, {static_cast<double>(random() % 2)});
-        else if (parameter.type != ParameterType::Point)
-            parameter.apply(keyer, {Wild(random), Wild(random), Wild(random), Wild(random)});
-    }
-}
-
-// Unverified numbers and boxes give some picture, within its bounds, and the same one with the vector forms,
-// where there are no two arithmetics; in place too.
-TYPED_TEST(VideoKeyer, TakesAnyNumbersAndBoxes)
-{
-    std::mt19937 random(6);
-    for (int turn = 0; turn < 3000 && !this->HasFatalFailure(); ++turn) {
-        const FormatCase& format = *VideoFormats()[random() % 12];
-        const long width = RandomIn(random, 1, 70), height = RandomIn(random, 1, 6);
-        GuardedImage a(format.id, width, height), b(format.id, width, height), out(format.id, width, height);
-        Scatter(a, random, {0, 1, 0, 1});
-        b.Randomise(random);
-        Switched<TypeParam> keyer(true);
-        SetWildly(keyer, kCommand<TypeParam>, random);
-        keyer.SetProcessingMode(VFIL_MODE_RGB | RandomFieldBits(random));
-        const auto edge = [&] {
-            return random() % 8 == 0 ? RandomIn(random, INT32_MIN, INT32_MAX) : RandomIn(random, -9, 80);
-        };
-        if (random() % 2) keyer.SetCropBox({edge(), edge(), edge(), edge()});
-        Connect(keyer, a, b, out);
-        ASSERT_EQ(keyer.Execute(), VFIL_SUCCESS);
-        Switched<TypeParam> other(std::is_same_v<TypeParam, vfILYUVKeyer>, keyer);
-        other.SetProcessingMode(keyer.GetProcessingMode());
-        if (keyer.GetProcessingMode() != VFIL_MODE_RGB) continue; // else what is not treated differs
-        GuardedImage& place = random() % 2 ? a : b;
-        Connect(other, a, b, place);
-        if (width % 2 == 1) place.Set(width - 1, 0, out.Get(width - 1, 0));
-        ASSERT_EQ(other.Execute(), VFIL_SUCCESS);
-        ASSERT_TRUE(out.AreGuardsIntact() && place.AreGuardsIntact());
-        for (long y = 0; y < height; ++y)
-            for (long x = 0; x < (width & ~1L); ++x)
-                ASSERT_EQ(out.Get(x, y), place.Get(x, y))
-                    << format.name << ' ' << width << " at " << x << ' ' << y;
-    }
-}
-
-TEST(SectorKey, AGreenScreenIsClearWithSomeGainAndTheInterruptIsPolled)
-{
-    const int green[] = {145, 54, 34};
-    GuardedImage a(PXFormat_YCC422_601, 4, 3), b(PXFormat_YCC422_601, 4, 3), out(PXFormat_YCC422_601, 4, 3);
-    for (long y = 0; y < 3; ++y) {
-        Write(a, 0, y, {{green[0], green[0]}, {green[1], green[2]}});
-        Write(a, 2, y, kBlack);
-        Write(b, 0, y, {{90, 91}, {92, 93}});
-    }
+    GuardedImage a(PXFormat_YCC422_601, 2, 1), b(PXFormat_YCC422_601, 2, 1), out(PXFormat_YCC422_601, 2, 1);
+    Write(a, 0, 0, {{145, 145}, {54, 34}});
+    Write(b, 0, 0, {{90, 91}, {92, 93}});
     vfILChromaKeyerYUV keyer;
-    Connect(keyer, a, b, out);
+    ConnectKeyer(keyer, a, b, out);
     keyer.SetKeyColor({0, 1, 0, 1});
     keyer.SetKeyAngleTolerance(10);
     keyer.SetKeyLiftAndGain(0, 0.5);
-    g_pollsLeft = 2; // before the rows, and after the first
-    keyer.SetInterruptFct(StopAfterPolls, nullptr);
     ASSERT_EQ(keyer.Execute(), VFIL_SUCCESS);
-    for (long y = 0; y < 3; ++y) {
-        EXPECT_EQ(Read(out, 0, y), y == 0 ? Macropixel{} : Read(b, 0, y));
-        EXPECT_EQ(Read(out, 2, y), y == 0 ? Macropixel{} : kBlack);
-    }
+    EXPECT_EQ(Read(out, 0, 0), Read(b, 0, 0));
     // At gain 0 the largest key is below full.
-    keyer.SetInterruptFct(nullptr, nullptr);
     keyer.SetKeyLiftAndGain(0, 0);
     keyer.SetOutputMatte(1);
     ASSERT_EQ(keyer.Execute(), VFIL_SUCCESS);
@@ -382,14 +289,12 @@ TEST(DifferenceKey, EqualClipLevelsAreSetToTheWholeRangeWhereTheFastFormRuns)
         GuardedImage a(PXFormat_YUV422_709, 8, 2), b(PXFormat_YUV422_709, 8, 2),
             out(PXFormat_YUV422_709, 8, 2);
         vfILYUVKeyer keyer;
-        Connect(keyer, a, b, out);
+        ConnectKeyer(keyer, a, b, out);
         keyer.SetClipValues(0.5, 0.5);
         keyer.SetOutputMatteFlag(matte);
         keyer.SetApplySpillCorrectionFlag(0);
         keyer.SetColorModel(PXColorModel_UNKNOWN);
         ASSERT_EQ(keyer.Verify(), VFIL_SUCCESS);
-        g_pollsLeft = 1; // nothing polls after the rows
-        keyer.SetInterruptFct(StopAfterPolls, nullptr);
         ASSERT_EQ(keyer.Execute(), VFIL_SUCCESS);
         EXPECT_EQ(Read(out, 0, 0), matte ? (Macropixel{{235, 235}, {128, 128}}) : Read(a, 0, 0));
         double low, high;
@@ -406,27 +311,13 @@ TEST(DifferenceKey, OfRgbaIsOpaqueAndHeedsNoCrop)
 {
     std::mt19937 random(9);
     for (int turn = 0; turn < 300 && !testing::Test::HasFatalFailure(); ++turn) {
-        const double low = random() % 2 ? 0 : Real(random, 0, 0.5);
-        const DifferenceModel model{AnyColor(random),
-                                    AnyColor(random),
-                                    Real(random, -0.5, 3),
-                                    Real(random, 0, 2),
-                                    Real(random, -1, 1),
-                                    low,
-                                    random() % 2 ? 1 : low + Real(random, 0.02, 0.5),
-                                    1,
-                                    Real(random, -1, 1),
-                                    Real(random, -0.3, 0.3),
-                                    Real(random, -0.1, 1),
-                                    random() % 2 == 0,
-                                    random() % 3 == 0,
-                                    false,
-                                    random() % 2 ? 0x200 : 0x40};
+        DifferenceModel model = AnyDifference(random);
+        model.model = random() % 2 ? 0x200 : 0x40;
         GuardedImage a(PXFormat_RGBA32, 60, 4), b(PXFormat_RGBA32, 60, 4), out(PXFormat_RGBA32, 60, 4);
         a.Randomise(random);
         b.Randomise(random);
         Switched<vfILYUVKeyer> keyer(random() % 2);
-        Connect(keyer, a, b, out);
+        ConnectKeyer(keyer, a, b, out);
         Set(keyer, model);
         keyer.SetCropBox({1, 1, 2, 2});
         keyer.SetColorModel(static_cast<PXColorModel>(model.model));
@@ -435,90 +326,6 @@ TEST(DifferenceKey, OfRgbaIsOpaqueAndHeedsNoCrop)
         for (long y = 0; y < 4; ++y)
             for (long x = 0; x < 60; ++x)
                 ASSERT_EQ(out.Get(x, y), KeyRgb(model, a.Get(x, y), b.Get(x, y))) << "turn " << turn;
-    }
-}
-
-// --- Refusals.
-
-template <class Keyer>
-struct Refusal {
-    const char* text; ///< a part of it; null where the code says all
-    unsigned long code;
-    void (*set)(Keyer& keyer);
-};
-
-template <class Keyer>
-void CheckRefusals(const std::vector<Refusal<Keyer>>& refusals)
-{
-    for (const Refusal<Keyer>& refusal : refusals) {
-        GuardedImage a(PXFormat_YCC422_601, 4, 2), b(PXFormat_YCC422_601, 4, 2),
-            out(PXFormat_YCC422_601, 4, 2);
-        Keyer keyer;
-        Connect(keyer, a, b, out);
-        EXPECT_EQ(keyer.Verify(), VFIL_SUCCESS);
-        refusal.set(keyer);
-        EXPECT_EQ(keyer.Verify(), refusal.code == 0 ? VFIL_SUCCESS : VFIL_FAILURE) << refusal.code;
-        EXPECT_EQ(keyer.GetLastError().GetErrorCode(), refusal.code);
-        if (refusal.text != nullptr) {
-            EXPECT_STREQ(keyer.GetLastErrorText(), refusal.text);
-        }
-    }
-}
-
-TEST(VideoKeyerRefusals, AreThoseOfTheTables)
-{
-    using Sector = vfILChromaKeyerYUV;
-    CheckRefusals<Sector>({
-        {"%s:Invalid Key Color!!!\n", 0x10048,
-         [](Sector& k) {
-             k.SetKeyColor({0, 2, 0, 1});
-         }},
-        {"%s:Invalid Key angle tolerance!!!\n", 0x10023, [](Sector& k) { k.SetKeyAngleTolerance(NAN); }},
-        {nullptr, 0, [](Sector& k) { k.SetSpillAngleTolerance(361); }},
-        {"%s:Invalid spillangle tolerance!!!\n", 0x10023,
-         [](Sector& k) { k.SetApplySpill(1), k.SetSpillAngleTolerance(361); }},
-        {"%s:Invalid lift and/or gain values!!!\n", 0x10023, [](Sector& k) { k.SetKeyLiftAndGain(0, 1.1); }},
-        {"%s:Invalid matte map values!!!\n", 0x10023, [](Sector& k) { k.SetKeyMatteMap(50, 50); }},
-        {"%s:Invalid spill matte map values!!!\n", 0x10023,
-         [](Sector& k) { k.SetApplySpill(1), k.SetSpillMatteMap(-1, 50), k.SetSpillLiftAndGain(2, 0); }},
-        {"%s:Invalid spill lift and/or gain values!!!\n", 0x10023,
-         [](Sector& k) { k.SetApplySpill(1), k.SetSpillLiftAndGain(2, 0); }},
-        {"%s:Invalid Spill Replace Color!!!\n", 0x10048,
-         [](Sector& k) {
-             k.SetApplySpill(1), k.SetSpillReplaceColor({0, 0, 0, -1});
-         }},
-    });
-    using Difference = vfILYUVKeyer;
-    CheckRefusals<Difference>({
-        {nullptr, 0x1006A, [](Difference& k) { k.SetColorModel(PXColorModel_YCC709); }},
-        {nullptr, 0, [](Difference& k) { k.SetColorModel(PXColorModel_UNKNOWN), k.SetClipValues(1, NAN); }},
-        {nullptr, 0x1000A,
-         [](Difference& k) {
-             k.SetCropBox({0, 3, 1, 1});
-         }},
-    });
-    using Luma = vfIL2InputLumaKeyer;
-    constexpr const char* kLevels = "%s WARNING Verify: Luma clip and/or Gain Invalid\n";
-    constexpr const char* kLine = "%s WARNING Verify: Clip and/or Gain Invalid\n";
-    CheckRefusals<Luma>({
-        {kLevels, 0x20002, [](Luma& k) { k.SetLumaClip(0.6), k.SetLumaGain(0.5); }},
-        {nullptr, 0, [](Luma& k) { k.SetLumaClip(0.5), k.SetLumaGain(0.5); }},
-        {kLevels, 0x20002, [](Luma& k) { k.SetLumaGain(NAN); }},
-        {kLine, 0x20002, [](Luma& k) { k.SetBrightness(-1.1); }},
-        {kLine, 0x20002, [](Luma& k) { k.SetGain(2.1); }},
-    });
-}
-
-// What nobody verified is refused as late as it is seen.
-TYPED_TEST(VideoKeyer, NeedsVideo)
-{
-    for (const GUID& format : {PXFormat_Mono16, PXFormat_YCCA32}) {
-        GuardedImage a(format, 4, 2), b(format, 4, 2), out(format, 4, 2);
-        TypeParam keyer;
-        Connect(keyer, a, b, out);
-        EXPECT_EQ(keyer.Verify(), VFIL_FAILURE);
-        EXPECT_EQ(keyer.GetLastError().GetErrorCode(), 0x1000Du);
-        EXPECT_EQ(keyer.Execute(), VFIL_FAILURE);
     }
 }
 

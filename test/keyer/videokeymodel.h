@@ -2,6 +2,7 @@
 /// The keys of 4:2:2 video as plain sums of plain numbers, a macropixel or a pixel at a time.
 #pragma once
 
+#include "support/convertmodel.h"
 #include "support/guardedimage.h"
 
 #include <vfil/color.h>
@@ -112,13 +113,34 @@ struct SectorModel {
     }
 };
 
+struct PairMatte {
+    bool back, front; ///< both pixels are wholly one of the pictures
+    int m0, m1;
+};
+
+/// Mixed with the loss of one at 255, or the picture of the matte.
+inline Macropixel MixDown(const Macropixel& a, const Macropixel& b, const PairMatte& m, int ofChroma,
+                          bool matte)
+{
+    if (m.back) return matte ? kBlack : b;
+    if (m.front) return matte ? Macropixel{{235, 235}, {128, 128}} : a;
+    Macropixel out{{}, {128, 128}};
+    for (int i = 0; i < 2; ++i) {
+        const int own = i == 0 ? m.m0 : m.m1;
+        const auto mix = [](int from, int to, int by) { return Down(from * by + to * (255 - by), 8) & 255; };
+        out.y[i] = matte ? Down(own * 56284 + 1048576, 16) & 255 : mix(a.y[i], b.y[i], own);
+        if (!matte) out.c[i] = mix(a.c[i], b.c[i], ofChroma);
+    }
+    return out;
+}
+
 // --- The colour-difference key.
 
 struct DifferenceModel {
     vfILColor key, spill;
     double c0, c1, c2, low, high, factor, term, threshold, softness;
-    bool correct, matte, fast;
-    int model;
+    bool correct, matte, fast = false;
+    int model = 0x40;
 
     double M(int row, int column) const
     {
@@ -217,19 +239,10 @@ struct DifferenceModel {
         if (fast && !matte) return Fast(a, b);
         const double least = Round(low * 255 * 65536), most = Round(high * 255 * 65536);
         const double k[] = {FoldedKey(a, 0), FoldedKey(a, 1)};
-        if (std::max(k[0], k[1]) <= least) return matte ? kBlack : b;
-        if (std::min(k[0], k[1]) >= most) return matte ? Macropixel{{235, 235}, {128, 128}} : a;
-        Macropixel out{{}, {128, 128}};
         const int m[] = {MatteOf(k[0], least, most, Down(k[0], 16)),
                          MatteOf(k[1], least, most, Down(k[1], 16))};
-        for (int i = 0; i < 2; ++i) {
-            const int mean = (m[0] + m[1] + 1) >> 1;
-            out.y[i] =
-                (matte ? Down(m[i] * 56284 + 1048576, 16) : Down(a.y[i] * m[i] + b.y[i] * (255 - m[i]), 8)) &
-                255;
-            if (!matte) out.c[i] = Down(a.c[i] * mean + b.c[i] * (255 - mean), 8) & 255;
-        }
-        return out;
+        return MixDown(a, b, {std::max(k[0], k[1]) <= least, std::min(k[0], k[1]) >= most, m[0], m[1]},
+                       (m[0] + m[1] + 1) >> 1, matte);
     }
 };
 
@@ -255,15 +268,8 @@ struct LumaModel {
                        ? 255
                        : Down(k[i] * std::round(16711680 * d) + std::round(-16711680.0 * low * d), 16);
         }
-        if (std::max(k[0], k[1]) <= low) return matte ? kBlack : b;
-        if (std::min(k[0], k[1]) >= high) return matte ? Macropixel{{235, 235}, {128, 128}} : a;
-        Macropixel out{{}, {128, 128}};
-        for (int i = 0; i < 2; ++i) {
-            out.y[i] =
-                matte ? Down(m[i] * 56284 + 1048576, 16) : Down(a.y[i] * m[i] + b.y[i] * (255 - m[i]), 8);
-            if (!matte) out.c[i] = Down(a.c[i] * m[0] + b.c[i] * (255 - m[0]), 8);
-        }
-        return out;
+        return MixDown(a, b, {std::max(k[0], k[1]) <= low, std::min(k[0], k[1]) >= high, m[0], m[1]}, m[0],
+                       matte);
     }
 };
 
@@ -277,23 +283,13 @@ inline Pixel Corrected(const DifferenceModel& s, const Pixel& in, bool whole)
     const int soft = Round(s.softness * 255), c = at(key);
     const int amount = c <= e - soft ? 0 : c >= e ? 255 : Round((c - (e - soft)) * 255.0 / soft);
     const bool is709 = s.model == 0x200;
-    const auto sum = [&](int r, int g, int b, int offset) {
-        return (Down(r * in[0] + g * in[1] + b * in[2] + 32768, 16) + offset) & 255;
-    };
-    const int y = is709 ? sum(11966, 40254, 4064, 16) : sum(16829, 33039, 6416, 16);
-    const int cb = is709 ? sum(-6596, -22189, 28784, 128) : sum(-9714, -19070, 28784, 128);
-    const int cr = is709 ? sum(28784, -26145, -2639, 128) : sum(28784, -24104, -4681, 128);
+    const Triple ycc = EncodePixel(is709, {in[0], in[1], in[2]});
     const auto spill = Packed(s.spill, s.model);
     const int term = Round(s.term * 255);
-    const int y1 = Mix(ToByte(whole ? term * y : term + y), y, amount);
-    const int cb1 = Mix(spill[1], cb, amount), cr1 = Mix(spill[2], cr, amount);
-    const auto byte = [](int v) { return std::clamp(Down(v, 16), 0, 255); };
-    const int t = y1 * 76309;
-    if (is709)
-        return {byte(t - 16226779 + cr1 * 117489), byte(t + 5071050 - cr1 * 34925 - cb1 * 13975),
-                byte(t - 18908287 + cb1 * 138438)};
-    return {byte(t - 14576620 + cr1 * 104597), byte(t + 8917902 - cr1 * 53279 - cb1 * 25675),
-            byte(t - 18109946 + cb1 * 132201)};
+    const Triple mixed{Mix(ToByte(whole ? term * ycc[0] : term + ycc[0]), ycc[0], amount),
+                       Mix(spill[1], ycc[1], amount), Mix(spill[2], ycc[2], amount)};
+    const Triple rgb = DecodePixel(is709, false, mixed);
+    return {rgb[0], rgb[1], rgb[2]};
 }
 
 inline Pixel KeyRgb(const DifferenceModel& s, const Pixel& a, const Pixel& b)

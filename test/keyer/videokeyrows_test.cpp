@@ -1,26 +1,21 @@
 /// \file
-/// The vector forms of the kernels of the 4:2:2 keyers against the plain ones.
+/// The vector forms of the kernels of the 4:2:2 keyers, and of the RGBA composite, against the plain ones.
 #include "il/loops/keyer/yuvkeysetup.h"
+#include "il/rows/keyer/keybytes.h"
+#include "il/rows/keyer/rgbcompositerows.h"
 #include "il/rows/keyer/videokeyrows.h"
 
-#include "support/rowcheck.h"
+#include "keyer/keyercheck.h"
+#include "keyer/keyrowcheck.h"
 
 #include <cmath>
 
 namespace vfil {
 namespace {
 
+using test::Real;
+
 using Byte = std::uint8_t;
-
-std::int32_t Any(std::mt19937& random, long low, long high)
-{
-    return static_cast<std::int32_t>(test::RandomIn(random, low, high));
-}
-
-double Real(std::mt19937& random, double low, double high)
-{
-    return std::uniform_real_distribution<double>(low, high)(random);
-}
 
 KeySector AnySector(std::mt19937& random)
 {
@@ -80,7 +75,23 @@ FoldedKeyParams AnyParams(std::mt19937& random, FoldedKeyParams)
     return FromSettings(random, FoldedKeyOf);
 }
 
-LumaKeyParams AnyParams(std::mt19937& random, LumaKeyParams)
+RgbCompositeParams AnyParams(std::mt19937& random, RgbCompositeParams)
+{
+    RgbCompositeParams params = FromSettings(random, RgbCompositeOf);
+    if (random() % 4 == 0) params.difference.weights = {Any(random, -9e6, 9e6), Any(random, -9, 9), 0};
+    if (random() % 4 == 0) params.gain = Any(random, INT32_MIN, INT32_MAX);
+    if (random() % 4 == 0) params.spill.threshold = Any(random, -999, 999);
+    if (random() % 4 == 0) SetSoftness(params.spill, Any(random, -3, 3));
+    if (random() % 4 == 0) params.spill.lumaTerm = Any(random, -999, 999);
+    return params;
+}
+
+bool FitsLanes(const RgbCompositeParams& params)
+{
+    return FitsVectors(params.difference);
+}
+
+VideoLumaKeyParams AnyParams(std::mt19937& random, VideoLumaKeyParams)
 {
     const std::int32_t low = Any(random, 16, 234);
     const std::int32_t high = Any(random, low + 1, 235);
@@ -95,66 +106,41 @@ LumaKeyParams AnyParams(std::mt19937& random, LumaKeyParams)
             {low, high, gain, static_cast<std::int32_t>(std::min(std::int64_t{low} * gain, kMost))}};
 }
 
-/// Bytes of a few values, so that runs of one matte come up, or of all, or of the ends.
-std::vector<Byte> AnyBytes(std::mt19937& random, std::size_t count)
+template <class Params>
+Params Fitting(std::mt19937& random)
 {
-    std::vector<Byte> bytes = EndRichSamples<Byte>(count, random);
-    const auto kind = random() % 3;
-    const std::array<Byte, 4> few{static_cast<Byte>(random()), 60, 145, 54};
-    for (std::size_t i = 0; kind != 0 && i < count; ++i)
-        bytes[i] = kind == 1 ? static_cast<Byte>(random()) : few[i % 4];
-    return bytes;
-}
-
-/// \param rows  The entries of a level for one result: [chroma first][streaming].
-template <class Params, class Rows>
-void CheckRows(const char* name, Level lowest, const Rows& rows)
-{
-    std::mt19937 random(71);
-    const auto check = [&](Level level, bool chromaFirst, std::size_t count, const Placement& place) {
-        Params params = AnyParams(random, Params());
-        while (!FitsLanes(params))
-            params = AnyParams(random, Params());
-        const auto a = AnyBytes(random, 4 * count);
-        const auto b = AnyBytes(random, 4 * count);
-        const auto with = [&](VideoKeyRow<Params> row) {
-            return [row, count, &params](const Byte* one, const Byte* two, Byte* out) {
-                row(one, two, out, count, params);
-            };
-        };
-        for (const auto row : rows(level)[chromaFirst])
-            ASSERT_TRUE(SameRuns(a, b, place, with(row), with(rows(Level::Plain)[chromaFirst][0])))
-                << name << ", level " << static_cast<int>(level) << ", macropixels " << count;
-    };
-    for (const Level level : VectorLevels()) {
-        if (level < lowest) continue;
-        for (const bool chromaFirst : {false, true}) {
-            EXPECT_NE(rows(level)[chromaFirst][0], rows(Below(level))[chromaFirst][0]) << name;
-            ForEachPlacement<Byte>([&](std::size_t count, const Placement& place) {
-                for (int turn = 0; turn < 5 && !testing::Test::HasFatalFailure(); ++turn)
-                    check(level, chromaFirst, count, place);
-            });
-            for (int turn = 0; turn < 60 && !testing::Test::HasFatalFailure(); ++turn)
-                check(level, chromaFirst, 5003, {});
-        }
-    }
+    for (;;)
+        if (const Params params = AnyParams(random, Params()); FitsLanes(params)) return params;
 }
 
 TEST(VideoKeyRows, VectorFormsArePlainForms)
 {
-    const char* const results[] = {"composite", "spill", "matte"};
-    for (std::size_t i = 0; i < 3; ++i)
-        CheckRows<ChromaKeyParams>(
-            results[i], Level::Sse2, [=](Level level) -> auto& { return VideoKeyRowsAt(level).chroma[i]; });
-    for (const bool which : {false, true}) {
-        CheckRows<ChannelKeyParams>(
-            "channel",
-            Level::Sse2, [=](Level level) -> auto& { return VideoKeyRowsAt(level).channel[which]; });
-        CheckRows<LumaKeyParams>(
-            "luma", Level::Sse2, [=](Level level) -> auto& { return VideoKeyRowsAt(level).luma[which]; });
+    const auto at = [](Level level) -> const VideoKeyRows& { return VideoKeyRowsAt(level); };
+    for (const bool order : {false, true}) {
+        for (int i = 0; i < kKeyResults; ++i)
+            CheckKeyRows(
+                "chroma", Level::Sse2, [=](Level level) -> auto& { return at(level).chroma[i][order]; },
+                Fitting<ChromaKeyParams>);
+        for (const bool which : {false, true}) {
+            CheckKeyRows(
+                "channel", Level::Sse2, [=](Level level) -> auto& { return at(level).channel[which][order]; },
+                Fitting<ChannelKeyParams>);
+            CheckKeyRows(
+                "luma", Level::Sse2, [=](Level level) -> auto& { return at(level).luma[which][order]; },
+                Fitting<VideoLumaKeyParams>);
+        }
+        CheckKeyRows(
+            "folded", Level::Avx2, [=](Level level) -> auto& { return at(level).folded[true][order]; },
+            Fitting<FoldedKeyParams>);
     }
-    CheckRows<FoldedKeyParams>(
-        "folded", Level::Avx2, [](Level level) -> auto& { return VideoKeyRowsAt(level).folded[true]; });
+}
+
+TEST(RgbCompositeRows, VectorFormsArePlainForms)
+{
+    for (int i = 0; i < kKeyResults; ++i)
+        CheckKeyRows(
+            "rgb", Level::Avx2, [=](Level level) -> auto& { return RgbCompositeRowsAt(level).rows[i]; },
+            Fitting<RgbCompositeParams>);
 }
 
 // All chroma, and all luma pairs, decide by two bytes.
@@ -166,7 +152,7 @@ TEST(VideoKeyRows, ParametersThatVerifyTakesFitAndAreRightForAllSamples)
         all[4 * i + 2] = all[4 * i + 3] = static_cast<Byte>(i >> 8);
     }
     std::mt19937 random(5);
-    const std::vector<Byte> back = AnyBytes(random, all.size());
+    const std::vector<Byte> back = AnyPixels(random, 65536);
     const auto check = [&](const auto& params, KeyResult result) {
         ASSERT_TRUE(FitsLanes(params));
         for (const bool chromaFirst : {false, true}) {
@@ -189,7 +175,7 @@ TEST(VideoKeyRows, ParametersThatVerifyTakesFitAndAreRightForAllSamples)
             const double d = 1.0 / (high - low);
             const auto round = [](double v) { return static_cast<std::int32_t>(std::lround(v)); };
             const MatteWindow window{low, high, round(16711680 * d), round(16711680.0 * low * d)};
-            check(LumaKeyParams{65536, 0, 0, 255, low % 2 == 0, window}, KeyResult::Composite);
+            check(VideoLumaKeyParams{65536, 0, 0, 255, low % 2 == 0, window}, KeyResult::Composite);
         }
 }
 

@@ -103,6 +103,13 @@ std::array<int, 4> PairEncoder::Encode(const Triple& left, const Triple& right)
             Quantise(2, Dot(set[2], chroma), chromaShift)};
 }
 
+Triple EncodePixel(bool is709, const Triple& rgb)
+{
+    const EncodeSet& set = kEncode16[is709];
+    const auto sample = [&](std::size_t i) { return ((Dot(set[i], rgb) + 0x8000) >> 16) + kOffset[i]; };
+    return {sample(0), sample(1), sample(2)};
+}
+
 Triple DecodePixel(bool is709, bool fast, const Triple& ycc)
 {
     Triple rgb{};

@@ -45,6 +45,8 @@ private:
     std::array<int, 3> m_residue{};
 };
 
+/// One R G B to Y Cb Cr, by 16 bits of fraction.
+Triple EncodePixel(bool is709, const Triple& rgb);
 /// One Y Cb Cr to R G B.
 Triple DecodePixel(bool is709, bool fast, const Triple& ycc);
 

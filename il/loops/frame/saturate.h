@@ -1,5 +1,5 @@
 /// \file
-/// Narrowing to 32 bits without wrapping, for boxes and vectors.
+/// Narrowing to 32 bits without wrapping, for boxes, vectors and coefficients.
 #pragma once
 
 #include <algorithm>
@@ -21,6 +21,13 @@ constexpr std::int32_t TruncateToInt32(double value)
     using Limits = std::numeric_limits<std::int32_t>;
     if (value != value) return 0;
     return static_cast<std::int32_t>(std::clamp<double>(value, Limits::min(), Limits::max()));
+}
+
+/// The nearest value that a float holds, other than infinity; NaN stays.
+constexpr float SaturateToFloat(double value)
+{
+    constexpr double kMost = std::numeric_limits<float>::max();
+    return static_cast<float>(value != value ? value : std::clamp(value, -kMost, kMost));
 }
 
 } // namespace vfil

@@ -3,6 +3,8 @@
 #include "il/loops/keyer/yuvkeysetup.h"
 
 #include "il/loops/frame/saturate.h"
+#include "il/loops/keyer/differencekey.h"
+#include "il/rows/keyer/rgbcompositerows.h"
 #include "il/rows/pixarith.h"
 
 #include <algorithm>
@@ -12,12 +14,12 @@ namespace vfil {
 namespace {
 
 /// The channels of a mode, as columns of the matrix to RGB.
-struct Channels {
-    int key, p, q, other;
+struct Channels : KeyChannels {
+    int other;
 };
 
-constexpr Channels kGreen{1, 0, 2, 2};
-constexpr Channels kBlue{2, 1, 0, 1};
+constexpr Channels kGreen{kGreenScreen, 2};
+constexpr Channels kBlue{kBlueScreen, 1};
 constexpr int kRed = 0;
 
 struct Bytes {
@@ -97,15 +99,6 @@ YccForm FoldedForm(const Column& c, double constant)
             RoundHalfAway(65536 * constant)};
 }
 
-/// Bytes 1 and 2 of a packed colour of a YCC model.
-template <class Params>
-void SetSpillChroma(Params& params, const vfILYUVKeySettings& settings)
-{
-    const Bytes spill = BytesOf(settings.spillColor, settings.model);
-    params.spillCb = spill.byte[1];
-    params.spillCr = spill.byte[2];
-}
-
 } // namespace
 
 ChannelKeyParams ChannelKeyOf(const vfILYUVKeySettings& s)
@@ -133,7 +126,9 @@ ChannelKeyParams ChannelKeyOf(const vfILYUVKeySettings& s)
     const std::int32_t factor = TruncateToInt32(s.lumaFactor * 128);
     params.luma = {2 * std::clamp<std::int32_t>(factor, INT16_MIN, INT16_MAX),
                    RoundToInt16(s.lumaTerm * 255)};
-    SetSpillChroma(params, s);
+    const Bytes spill = BytesOf(s.spillColor, s.model);
+    params.spillCb = spill.byte[1];
+    params.spillCr = spill.byte[2];
     return params;
 }
 
@@ -165,25 +160,24 @@ RgbCompositeParams RgbCompositeOf(const vfILYUVKeySettings& s)
 {
     const Channels channels = ChannelsOf(s.keyColor, kBlue);
     RgbCompositeParams params{};
-    params.key = channels.key;
-    params.p = channels.p;
-    params.q = channels.q;
-    params.other = channels.other;
-    params.wP = RoundHalfAway(s.c0 * s.c1 * 65536);
-    params.wKey = RoundHalfAway(-s.c0 * 65536);
-    params.wQ = RoundHalfAway(s.c2 * 65536);
-    params.limit = BytesOf(s.keyColor, PXColorModel_RGB).byte[channels.key];
+    params.difference =
+        DifferenceKeyOf(channels, s.c0, s.c1, s.c2, BytesOf(s.keyColor, PXColorModel_RGB).byte[channels.key]);
     params.low = RoundHalfAway(255 * s.clipLow);
     params.low16 = RoundHalfAway(s.clipLow * 65536 * 255);
     params.high16 = RoundHalfAway(s.clipHigh * 65536 * 255);
     MatteWindow window{};
     SetLine(window, s);
     params.gain = window.gain;
-    params.is709 = s.model == PXColorModel_YCC709;
-    params.threshold = RoundHalfAway(s.threshold * 255);
-    params.softness = RoundHalfAway(s.softness * 255);
-    params.lumaTerm = RoundHalfAway(s.lumaTerm * 255);
-    SetSpillChroma(params, s);
+    RgbSpillParams& spill = params.spill;
+    spill.key = channels.key;
+    spill.other = channels.other;
+    spill.threshold = RoundHalfAway(s.threshold * 255);
+    SetSoftness(spill, RoundHalfAway(s.softness * 255));
+    spill.lumaTerm = RoundHalfAway(s.lumaTerm * 255);
+    const Bytes color = BytesOf(s.spillColor, s.model);
+    spill.cb = color.byte[1];
+    spill.cr = color.byte[2];
+    spill.weights = s.model == PXColorModel_YCC709 ? YccWeights::Bt709 : YccWeights::Bt601;
     return params;
 }
 

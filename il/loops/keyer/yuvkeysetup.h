@@ -3,7 +3,7 @@
 /// forms.
 #pragma once
 
-#include "il/rows/keyer/rgbcompositerows.h"
+#include "il/rows/keyer/rgbcompositeparams.h"
 #include "il/rows/keyer/videokeyparams.h"
 
 #include <vfil/color.h>
@@ -27,7 +27,7 @@ ChannelKeyParams ChannelKeyOf(const vfILYUVKeySettings& settings);
 /// 4:2:2, on the samples; a tie keys blue.
 FoldedKeyParams FoldedKeyOf(const vfILYUVKeySettings& settings);
 
-/// RGBA; a tie keys blue. What is written is left to the caller.
+/// RGBA; a tie keys blue.
 RgbCompositeParams RgbCompositeOf(const vfILYUVKeySettings& settings);
 
 } // namespace vfil

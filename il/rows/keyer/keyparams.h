@@ -25,10 +25,15 @@ struct SectorKeyParams {
 /// A matte for each Cr and Cb, 256 Cb a row, and what a vector reads behind the last one.
 constexpr std::size_t kSectorMattes = 256 * 256 + 3;
 
-/// Opaque and the weighted sum.
-struct BlueGreenKeyParams {
+/// A constant and the weighted sum of limited channels, in 65536ths.
+struct DifferenceKey {
     KeyWeights weights;
     std::uint32_t limits; ///< of each channel, as a pixel
+    std::int64_t constant;
+};
+
+struct BlueGreenKeyParams {
+    DifferenceKey difference;
     bool keepAlpha;
 };
 

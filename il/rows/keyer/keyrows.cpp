@@ -2,11 +2,10 @@
 /// The plain forms of the RGBA keyers' kernels, and the table of their levels.
 #include "il/rows/keyer/keyrows.h"
 
-#include "il/rows/pixarith.h"
+#include "il/rows/keyer/keybytes.h"
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 
 namespace vfil {
 
@@ -23,17 +22,6 @@ void KeyPixels(const std::uint8_t* a, const std::uint8_t* b, std::uint8_t* out, 
         std::copy_n(b + i, 3, out + i);
         out[i + 3] = alpha;
     }
-}
-
-std::uint8_t Limit(std::int64_t value)
-{
-    return static_cast<std::uint8_t>(std::clamp<std::int64_t>(value, 0, 255));
-}
-
-std::int64_t Sum(const KeyWeights& weights, const std::uint8_t* pixel)
-{
-    return std::int64_t{weights.red} * pixel[0] + std::int64_t{weights.green} * pixel[1] +
-           std::int64_t{weights.blue} * pixel[2];
 }
 
 /// Cb or Cr.
@@ -67,12 +55,8 @@ void PlainSector(const std::uint8_t* a, const std::uint8_t* b, std::uint8_t* out
 void PlainBlueGreen(const std::uint8_t* a, const std::uint8_t* b, std::uint8_t* out, std::size_t pixels,
                     const BlueGreenKeyParams& params)
 {
-    KeyPixels(a, b, out, pixels, params.keepAlpha, [&](const std::uint8_t* pixel) {
-        std::uint8_t limited[3];
-        for (int c = 0; c < 3; ++c)
-            limited[c] = std::min(pixel[c], static_cast<std::uint8_t>(params.limits >> (8 * c)));
-        return Limit((Sum(params.weights, limited) + 0xFF0000) >> 16);
-    });
+    KeyPixels(a, b, out, pixels, params.keepAlpha,
+              [&](const std::uint8_t* pixel) { return Limit(Sum(params.difference, pixel) >> 16); });
 }
 
 void PlainLinear(const std::uint8_t* a, const std::uint8_t* b, std::uint8_t* out, std::size_t pixels,
@@ -114,15 +98,6 @@ const KeyRows& Rows(bool useVectors)
     return KeyRowsAt(useVectors ? BestLevel() : Level::Plain);
 }
 
-/// 32 bits hold the sum and what is added to it.
-bool FitsVectors(const KeyWeights& weights)
-{
-    constexpr std::int64_t kMost = (INT32_MAX - 0xFF0000) / 255;
-    return std::abs(std::int64_t{weights.red}) + std::abs(std::int64_t{weights.green}) +
-               std::abs(std::int64_t{weights.blue}) <=
-           kMost;
-}
-
 /// 16 bits hold the key before it is limited.
 bool FitsVectors(const LumaKeyParams& params)
 {
@@ -160,7 +135,7 @@ KeyRow<SectorKeyParams> FindKeyRow(bool useVectors, bool streaming, const Sector
 
 KeyRow<BlueGreenKeyParams> FindKeyRow(bool useVectors, bool streaming, const BlueGreenKeyParams& params)
 {
-    return Rows(useVectors && FitsVectors(params.weights)).blueGreen[streaming];
+    return Rows(useVectors && FitsVectors(params.difference)).blueGreen[streaming];
 }
 
 KeyRow<LinearKeyParams> FindKeyRow(bool useVectors, bool streaming, const LinearKeyParams& /*params*/)

@@ -1,51 +1,12 @@
 /// \file
 /// The vector forms of the RGBA keyers' kernels, for the level VFIL_LEVEL: a pixel in each 32 bits, whose
 /// matte comes to lie in the top byte.
-#include "il/rows/keyer/keyparams.h"
-#include "il/rows/vecfloat.h"
-#include "il/rows/vecselect.h"
+#include "il/rows/keyer/keylanes.h"
 
 namespace vfil {
 namespace {
 
 constexpr std::uint32_t kColour = 0x00FFFFFF;
-
-/// Pixels as pairs of 16 bits.
-struct ChannelPairs {
-    S32 redBlue, greenAlpha;
-};
-
-ChannelPairs PairsOf(U8 pixels)
-{
-    const S32 evenBytes = Splat32(0x00FF00FF);
-    const S32 p{pixels.bits};
-    return {p & evenBytes, ShiftDownBits<8>(p) & evenBytes};
-}
-
-/// Weights of 16 bits.
-struct NarrowWeights {
-    S32 redBlue, greenAlpha;
-
-    explicit NarrowWeights(const KeyWeights& w)
-        : redBlue(SplatPair16(w.red, w.blue)), greenAlpha(SplatPair16(w.green, 0))
-    {}
-    S32 Sum(const ChannelPairs& pixels) const
-    {
-        return DotPairs(pixels.redBlue, redBlue) + DotPairs(pixels.greenAlpha, greenAlpha);
-    }
-};
-
-/// Weights of 30 bits: 32768 times a high part of 16 bits, and a low one of 15.
-struct WideWeights {
-    NarrowWeights high, low;
-
-    explicit WideWeights(const KeyWeights& w)
-        : high({w.red >> 15, w.green >> 15, w.blue >> 15}),
-          low({w.red & 0x7FFF, w.green & 0x7FFF, w.blue & 0x7FFF})
-    {}
-    /// Wraps to 32 bits.
-    S32 Sum(const ChannelPairs& pixels) const { return ShiftUp<15>(high.Sum(pixels)) + low.Sum(pixels); }
-};
 
 /// The kernels' walk. matteOf(pixels of A) has the mattes in the top bytes; the others do not matter.
 template <bool streaming, class MatteOf>
@@ -84,28 +45,10 @@ template <bool streaming>
 void BlueGreen(const std::uint8_t* a, const std::uint8_t* b, std::uint8_t* out, std::size_t pixels,
                const BlueGreenKeyParams& params)
 {
-    const WideWeights weights(params.weights);
-    const U8 limits = SplatU32(params.limits);
-    const S32 opaque = Splat32(0xFF0000);
-    KeyPixels<streaming>(a, b, out, pixels, params.keepAlpha, [&](U8 keyed) {
-        const S32 sum = weights.Sum(PairsOf(Min(keyed, limits))) + opaque;
-        return UpperToTop({sum.bits});
-    });
+    const DifferenceLanes difference(params.difference);
+    KeyPixels<streaming>(a, b, out, pixels, params.keepAlpha,
+                         [&](U8 keyed) { return UpperToTop({difference(keyed).bits}); });
 }
-
-/// A number as what is added to and taken from bytes, both limited.
-struct Shift {
-    U8 up, down;
-
-    explicit Shift(std::int32_t by)
-        : up(SplatU32(static_cast<std::uint32_t>(by < 0     ? 0
-                                                 : by > 255 ? 255
-                                                            : by))),
-          down(SplatU32(static_cast<std::uint32_t>(by > 0      ? 0
-                                                   : by < -255 ? 255
-                                                               : -by)))
-    {}
-};
 
 /// Bytes in the lowest of each 32 bits, the others of which are zero.
 U8 Channel(U8 pixels, int channel)
@@ -126,9 +69,8 @@ void LinearOf(const std::uint8_t* a, const std::uint8_t* b, std::uint8_t* out, s
     KeyPixels<streaming>(a, b, out, pixels, false, [&](U8 keyed) {
         const U8 screen = Channel(keyed, blueScreen ? 2 : 1);
         const U8 most = Max(Channel(keyed, 0), Channel(keyed, blueScreen ? 1 : 2));
-        // The threshold is taken off.
-        const U8 opaque = SubClip(AddClip(most, threshold.down), threshold.up);
-        const U8 clear = SubClip(AddClip(opaque, softness.up), softness.down);
+        const U8 opaque = threshold.Take(most);
+        const U8 clear = softness.Add(opaque);
         const U8 rest = SubClip(clear, screen);
         const U8 width = Max(SubClip(clear, opaque), one);
         // (510 rest + width) / (2 width): no quotient of such numbers lies so close below a whole one that a

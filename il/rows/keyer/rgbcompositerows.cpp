@@ -1,128 +1,98 @@
 /// \file
-/// The row kernel that composites RGBA pixels by a colour difference.
+/// The plain forms of the kernels of the RGBA composite, and the table of their levels.
 #include "il/rows/keyer/rgbcompositerows.h"
 
-#include "il/rows/pixarith.h"
-
-#include <algorithm>
+#include "il/rows/keyer/keybytes.h"
 
 namespace vfil {
 
 namespace {
 
 using Byte = std::uint8_t;
+using Rules = Arith<Byte>;
 
-struct Rgb {
-    Byte red, green, blue;
-};
-
-struct Ycc {
-    Byte y, cb, cr;
-};
-
-/// Weights of 16 fraction bits, of red, green and blue.
-struct Weights {
-    std::int32_t red, green, blue;
-};
-
-/// What wraps beyond a byte is meant to.
-Byte Weigh(const Rgb& pixel, const Weights& weights, std::int32_t offset)
+/// \param to  Where spill is whole.
+Byte AmountOf(std::int64_t key, std::int64_t to, std::int64_t softness)
 {
-    const std::int32_t sum =
-        weights.red * pixel.red + weights.green * pixel.green + weights.blue * pixel.blue + 0x8000;
-    return static_cast<Byte>((sum >> 16) + offset);
-}
-
-Ycc ToYcc(const Rgb& pixel, bool is709)
-{
-    static constexpr Weights kY[] = {{0x41BD, 0x810F, 0x1910}, {0x2EBE, 0x9D3E, 0x0FE0}};
-    static constexpr Weights kCb[] = {{-0x25F2, -0x4A7E, 0x7070}, {-0x19C4, -0x56AD, 0x7070}};
-    static constexpr Weights kCr[] = {{0x7070, -0x5E28, -0x1249}, {0x7070, -0x6621, -0x0A4F}};
-    return {Weigh(pixel, kY[is709], 16), Weigh(pixel, kCb[is709], 128), Weigh(pixel, kCr[is709], 128)};
-}
-
-Byte ToByte(std::int32_t sum)
-{
-    return static_cast<Byte>(std::clamp(sum >> 16, 0, 255));
-}
-
-Rgb ToRgb(const Ycc& pixel, bool is709)
-{
-    const std::int32_t y = pixel.y * 0x12A15;
-    if (is709) {
-        return {ToByte(y - 0xF799DB + pixel.cr * 0x1CAF1),
-                ToByte(y + 0x4D60CA - pixel.cr * 0x886D - pixel.cb * 0x3697),
-                ToByte(y - 0x120847F + pixel.cb * 0x21CC6)};
-    }
-    return {ToByte(y - 0xDE6BEC + pixel.cr * 0x19895),
-            ToByte(y + 0x88138E - pixel.cr * 0xD01F - pixel.cb * 0x644B),
-            ToByte(y - 0x11455FA + pixel.cb * 0x20469)};
-}
-
-/// How much of a pixel is spill.
-Byte SpillOf(const Byte* pixel, const RgbCompositeParams& params)
-{
-    const std::int64_t most = std::max(pixel[params.other], pixel[0]);
-    const std::int64_t to = std::clamp<std::int64_t>(most - params.threshold, 1, 255);
-    const std::int64_t from = to - params.softness;
-    const std::int64_t key = pixel[params.key];
+    const std::int64_t from = to - softness;
     if (key <= from) return 0;
     if (key >= to) return 255;
-    const double share = static_cast<double>((key - from) * 255) / params.softness;
+    const double share = static_cast<double>((key - from) * 255) / static_cast<double>(softness);
     return static_cast<Byte>(RoundHalfAway(share) & 0xFF);
 }
 
-/// \param whole  Of whole foreground the luma is multiplied; elsewhere the term is added.
-Rgb Corrected(const Byte* pixel, bool whole, const RgbCompositeParams& params)
+Byte AmountOf(const Byte* pixel, const RgbSpillParams& spill)
 {
-    using Rules = Arith<Byte>;
-    const Byte spill = SpillOf(pixel, params);
-    const Ycc ours = ToYcc({pixel[0], pixel[1], pixel[2]}, params.is709);
-    const std::int64_t luma =
-        whole ? std::int64_t{params.lumaTerm} * ours.y : std::int64_t{params.lumaTerm} + ours.y;
-    const auto spilled = static_cast<Byte>(std::clamp<std::int64_t>(luma, 0, 255));
-    return ToRgb({Rules::Blend(spilled, ours.y, spill), Rules::Blend(params.spillCb, ours.cb, spill),
-                  Rules::Blend(params.spillCr, ours.cr, spill)},
-                 params.is709);
+    const std::int64_t most = std::max(pixel[spill.other], pixel[0]);
+    return AmountOf(pixel[spill.key], std::clamp<std::int64_t>(most - spill.threshold, 1, 255),
+                    spill.softness);
 }
 
-Rgb Grey(Byte v)
+void Correct(const Byte* pixel, bool whole, const RgbSpillParams& spill, Byte* out)
 {
-    return {v, v, v};
+    const Byte amount = AmountOf(pixel, spill);
+    const YccBytes ours = Encode(pixel, spill.weights);
+    const std::int64_t term = spill.lumaTerm;
+    Decode({Rules::Blend(Limit(whole ? term * ours.y : term + ours.y), ours.y, amount),
+            Rules::Blend(spill.cb, ours.cb, amount), Rules::Blend(spill.cr, ours.cr, amount)},
+           spill.weights, out);
 }
 
-Rgb Composite(const Byte* a, const Byte* b, const RgbCompositeParams& params)
+struct Matte {
+    Byte value;
+    bool whole; ///< the front is
+};
+
+Matte MatteOf(const Byte* a, const RgbCompositeParams& params)
 {
-    const std::int64_t limited = std::min<std::int64_t>(a[params.key], params.limit);
-    const std::int64_t sum = std::int64_t{params.wP} * a[params.p] + params.wKey * limited +
-                             std::int64_t{params.wQ} * a[params.q] + 0xFF0000;
-    const Rgb back{b[0], b[1], b[2]};
-    const Rgb front{a[0], a[1], a[2]};
-    if (sum <= params.low16) return params.matte ? Grey(0) : back;
-    if (sum >= params.high16) {
-        if (params.matte) return Grey(255);
-        return params.spill ? Corrected(a, true, params) : front;
+    const std::int64_t sum = Sum(params.difference, a);
+    if (sum <= params.low16) return {0, false};
+    if (sum >= params.high16) return {255, true};
+    return {static_cast<Byte>(((((sum >> 16) - params.low) * params.gain) >> 16) & 0xFF), false};
+}
+
+template <KeyResult result>
+void PlainRow(const Byte* a, const Byte* b, Byte* out, std::size_t pixels, const RgbCompositeParams& params)
+{
+    for (; pixels != 0; --pixels, a += 4, b += 4, out += 4) {
+        const Matte matte = MatteOf(a, params);
+        Byte front[] = {a[0], a[1], a[2]};
+        if (result == KeyResult::SpillCorrected) Correct(a, matte.whole, params.spill, front);
+        for (int c = 0; c < 3; ++c)
+            out[c] = result == KeyResult::Matte ? matte.value : Rules::Blend(front[c], b[c], matte.value);
+        out[3] = 255;
     }
-    const auto m = static_cast<Byte>(((((sum >> 16) - params.low) * params.gain) >> 16) & 0xFF);
-    if (params.matte) return Grey(m);
-    const Rgb ours = params.spill ? Corrected(a, false, params) : front;
-    using Rules = Arith<Byte>;
-    return {Rules::Blend(ours.red, back.red, m), Rules::Blend(ours.green, back.green, m),
-            Rules::Blend(ours.blue, back.blue, m)};
+}
+
+const LevelTables<RgbCompositeRows>& Tables()
+{
+    static const LevelTables<RgbCompositeRows> tables(
+        {{{PlainRow<KeyResult::Composite>, PlainRow<KeyResult::Composite>},
+          {PlainRow<KeyResult::SpillCorrected>, PlainRow<KeyResult::SpillCorrected>},
+          {PlainRow<KeyResult::Matte>, PlainRow<KeyResult::Matte>}}},
+        VFIL_FILLS);
+    return tables;
 }
 
 } // namespace
 
-void CompositeRgbRow(const std::uint8_t* a, const std::uint8_t* b, std::uint8_t* out, std::size_t pixels,
-                     const RgbCompositeParams& params)
+void SetSoftness(RgbSpillParams& spill, std::int32_t softness)
 {
-    for (; pixels != 0; --pixels, a += 4, b += 4, out += 4) {
-        const Rgb result = Composite(a, b, params);
-        out[0] = result.red;
-        out[1] = result.green;
-        out[2] = result.blue;
-        out[3] = 255;
-    }
+    spill.softness = softness;
+    for (int i = 0; i < 256; ++i)
+        spill.amounts[i] = softness > 0 ? AmountOf(-i, 0, softness) : AmountOf(i, 0, softness);
+}
+
+const RgbCompositeRows& RgbCompositeRowsAt(Level level)
+{
+    return Tables().At(level);
+}
+
+RgbCompositeRow FindRgbCompositeRow(KeyResult result, bool useVectors, bool streaming,
+                                    const RgbCompositeParams& params)
+{
+    const Level level = useVectors && FitsVectors(params.difference) ? BestLevel() : Level::Plain;
+    return RgbCompositeRowsAt(level).rows[static_cast<int>(result)][streaming];
 }
 
 } // namespace vfil

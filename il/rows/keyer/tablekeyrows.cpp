@@ -2,7 +2,7 @@
 /// The plain forms of the kernels of keys by tables, and the table of their levels.
 #include "il/rows/keyer/tablekeyrows.h"
 
-#include "il/rows/pixarith.h"
+#include "il/rows/keyer/keybytes.h"
 
 #include <algorithm>
 
@@ -107,38 +107,16 @@ void PlainSurpress(const Byte* in, Byte* out, std::size_t pixels)
     }
 }
 
-Byte Encode(const Byte* rgba, const EncodeWeights& weights, int offset)
-{
-    const std::int32_t sum = weights.red * rgba[0] + weights.green * rgba[1] + weights.blue * rgba[2];
-    return static_cast<Byte>(((sum + 0x8000) >> 16) + offset);
-}
-
-struct YccBytes {
-    Byte y, cb, cr;
-};
-
-Byte Decode(const YccBytes& ycc, const DecodeWeights& weights)
-{
-    const std::int32_t sum = weights.y * ycc.y + weights.cb * ycc.cb + weights.cr * ycc.cr + weights.constant;
-    return static_cast<Byte>(std::clamp(sum >> weights.shift, 0, 255));
-}
-
 void PlainReplace(const Byte* a, const Byte* b, Byte* out, std::size_t pixels,
                   const ChromaReplacement& replacement)
 {
-    const auto exact = static_cast<int>(YccArithmetic::Exact);
-    const EncodeTable& encode = kEncode[exact][static_cast<int>(replacement.weights)];
-    const DecodeTable& decode = kDecode[exact][static_cast<int>(replacement.weights)];
     for (; pixels != 0; --pixels, a += 4, b += 4, out += 4) {
         const Byte weight = a[3];
-        const Byte y = Encode(a, encode.y, 16);
-        const YccBytes mixed{Rules::Blend(y, replacement.lumaOf[y], weight),
-                             Rules::Blend(Encode(a, encode.cb, 128), replacement.cb, weight),
-                             Rules::Blend(Encode(a, encode.cr, 128), replacement.cr, weight)};
         const Byte alpha = b[3];
-        out[0] = Decode(mixed, decode.red);
-        out[1] = Decode(mixed, decode.green);
-        out[2] = Decode(mixed, decode.blue);
+        const YccBytes ycc = Encode(a, replacement.weights);
+        Decode({Rules::Blend(ycc.y, replacement.lumaOf[ycc.y], weight),
+                Rules::Blend(ycc.cb, replacement.cb, weight), Rules::Blend(ycc.cr, replacement.cr, weight)},
+               replacement.weights, out);
         out[3] = alpha;
     }
 }

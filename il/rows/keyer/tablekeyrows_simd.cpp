@@ -1,7 +1,7 @@
 /// \file
 /// The vector forms of the kernels of keys by tables, for the level VFIL_LEVEL.
+#include "il/rows/keyer/keylanes.h"
 #include "il/rows/keyer/tablekeyparams.h"
-#include "il/rows/vecplanes.h"
 
 namespace vfil {
 namespace {
@@ -89,108 +89,19 @@ void LumKey(const Byte* in, Byte* out, std::size_t pixels, const LumKeyTable& ta
     });
 }
 
-/// A byte x of each 32 bits as the pair (8 x, x), whose product with a pair of weights is one with a weight
-/// of up to 19 bits.
-S32 Scaled(S32 x)
-{
-    return ShiftUp<3>(x) | ShiftUp<16>(x);
-}
-
-S32 WeightOfScaled(std::int32_t weight)
-{
-    return SplatPair16(weight >> 3, weight & 7);
-}
-
-/// Lanes of three samples of YCC, or of RGB.
-struct Lanes {
-    S32 a, b, c;
-};
-
-struct Encoder {
-    struct Row {
-        Row(const EncodeWeights& w, int offset)
-            : redBlue(SplatPair16(w.red, w.blue)), green(WeightOfScaled(w.green)),
-              constant(Splat32(0x8000 + (offset << 16)))
-        {}
-        S32 operator()(S32 redBlues, S32 greens) const
-        {
-            return ShiftDown<16>(DotPairs(redBlues, redBlue) + DotPairs(greens, green) + constant);
-        }
-
-        S32 redBlue, green, constant;
-    };
-
-    explicit Encoder(const EncodeTable& table) : y(table.y, 16), cb(table.cb, 128), cr(table.cr, 128) {}
-
-    /// Of one byte of each 32 bits of the planes.
-    template <int byte>
-    Lanes At(const Block& planes) const
-    {
-        const S32 redBlues = ByteLanes<byte>(planes.v[0]) | ShiftUp<16>(ByteLanes<byte>(planes.v[2]));
-        const S32 greens = Scaled(ByteLanes<byte>(planes.v[1]));
-        return {y(redBlues, greens), cb(redBlues, greens), cr(redBlues, greens)};
-    }
-
-    Row y, cb, cr;
-};
-
-/// a by the weight, b by the rest.
-U8 Blend(U8 a, U8 b, U8 weight)
-{
-    const U16Pair w = Widen(weight);
-    const U16Pair rest = Widen(weight ^ SplatByte(255));
-    const U16Pair as = Widen(a);
-    const U16Pair bs = Widen(b);
-    return Narrow(
-        {NormMult(w.lo, as.lo) + NormMult(rest.lo, bs.lo), NormMult(w.hi, as.hi) + NormMult(rest.hi, bs.hi)});
-}
-
-struct YccPlanes {
-    U8 y, cb, cr;
-};
-
-struct Decoder {
-    explicit Decoder(const DecodeTable& table)
-        : luma(WeightOfScaled(table.red.y)), redCr(WeightOfScaled(table.red.cr)),
-          greenCb(WeightOfScaled(table.green.cb)), greenCr(WeightOfScaled(table.green.cr)),
-          blueCb(WeightOfScaled(table.blue.cb)), red(Splat32(table.red.constant)),
-          green(Splat32(table.green.constant)), blue(Splat32(table.blue.constant))
-    {}
-
-    template <int byte>
-    Lanes At(const YccPlanes& ycc) const
-    {
-        const S32 y = DotPairs(Scaled(ByteLanes<byte>(ycc.y)), luma); // the same in all three channels
-        const S32 cb = Scaled(ByteLanes<byte>(ycc.cb));
-        const S32 cr = Scaled(ByteLanes<byte>(ycc.cr));
-        return {ShiftDown<16>(y + DotPairs(cr, redCr) + red),
-                ShiftDown<16>(y + DotPairs(cb, greenCb) + DotPairs(cr, greenCr) + green),
-                ShiftDown<16>(y + DotPairs(cb, blueCb) + blue)};
-    }
-
-    S32 luma, redCr, greenCb, greenCr, blueCb, red, green, blue;
-};
-
 struct Replacement {
     explicit Replacement(const ChromaReplacement& r)
-        : lumaOf(r.lumaOf), cb(SplatByte(r.cb)), cr(SplatByte(r.cr)),
-          encode(kEncode[0][static_cast<int>(r.weights)]), decode(kDecode[0][static_cast<int>(r.weights)])
+        : lumaOf(r.lumaOf), cb(SplatByte(r.cb)), cr(SplatByte(r.cr)), encode(r.weights), decode(r.weights)
     {}
     Block operator()(const Byte* a, const Byte* b) const
     {
         const Block from = ToPlanes(LoadBlock(a));
         const U8 weight = from.v[3];
-        const Lanes ycc[] = {encode.At<0>(from), encode.At<1>(from), encode.At<2>(from), encode.At<3>(from)};
-        const U8 y = JoinBytes(ycc[0].a, ycc[1].a, ycc[2].a, ycc[3].a);
-        const YccPlanes mixed{Blend(y, Lookup(lumaOf, y), weight),
-                              Blend(JoinBytes(ycc[0].b, ycc[1].b, ycc[2].b, ycc[3].b), cb, weight),
-                              Blend(JoinBytes(ycc[0].c, ycc[1].c, ycc[2].c, ycc[3].c), cr, weight)};
-        const Lanes rgb[] = {decode.At<0>(mixed), decode.At<1>(mixed), decode.At<2>(mixed),
-                             decode.At<3>(mixed)};
-        return FromPlanes(
-            {{JoinLimited(rgb[0].a, rgb[1].a, rgb[2].a, rgb[3].a),
-              JoinLimited(rgb[0].b, rgb[1].b, rgb[2].b, rgb[3].b),
-              JoinLimited(rgb[0].c, rgb[1].c, rgb[2].c, rgb[3].c), ToPlanes(LoadBlock(b)).v[3]}});
+        const YccPlanes ycc = encode(from);
+        Block rgb = decode({Blend(ycc.y, Lookup(lumaOf, ycc.y), weight), Blend(ycc.cb, cb, weight),
+                            Blend(ycc.cr, cr, weight)});
+        rgb.v[3] = ToPlanes(LoadBlock(b)).v[3];
+        return FromPlanes(rgb);
     }
 
     ByteTable<16> lumaOf;
@@ -199,27 +110,10 @@ struct Replacement {
     Decoder decode;
 };
 
-void StoreBlock(Byte* out, const Block& block)
-{
-    for (std::size_t i = 0; i < 4; ++i)
-        Store(out + i * kBytes, block.v[i]);
-}
-
 void Replace(const Byte* a, const Byte* b, Byte* out, std::size_t pixels,
              const ChromaReplacement& replacement)
 {
-    static_assert(static_cast<int>(YccArithmetic::Exact) == 0);
-    const Replacement replace(replacement);
-    std::size_t at = 0;
-    for (; pixels - at >= kBytes; at += kBytes)
-        StoreBlock(out + 4 * at, replace(a + 4 * at, b + 4 * at));
-    if (at == pixels) return;
-    Byte as[4 * kBytes] = {};
-    Byte bs[4 * kBytes] = {};
-    std::memcpy(as, a + 4 * at, 4 * (pixels - at));
-    std::memcpy(bs, b + 4 * at, 4 * (pixels - at));
-    StoreBlock(as, replace(as, bs));
-    std::memcpy(out + 4 * at, as, 4 * (pixels - at));
+    MapBlocks(a, b, out, pixels, Replacement(replacement));
 }
 
 template <bool keepAlpha>

@@ -70,7 +70,7 @@ bool FitsLanes(const FoldedKeyParams& params)
            window.low < window.high && endFits(window.low) && endFits(window.high);
 }
 
-bool FitsLanes(const LumaKeyParams& params)
+bool FitsLanes(const VideoLumaKeyParams& params)
 {
     // With ends of 1 and 254 the matte alone tells what is wholly one of the pictures.
     return FitsLanes(params.window, 1, 254) && IsBetween(0, params.gain, 64 << 16) &&

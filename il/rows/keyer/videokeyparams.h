@@ -61,7 +61,7 @@ struct FoldedKeyParams {
 };
 
 /// Key by luma.
-struct LumaKeyParams {
+struct VideoLumaKeyParams {
     std::int32_t gain, offset; ///< (Y gain) / 65536, rounded down, + offset
     std::int32_t least, most;  ///< limits of that
     bool reverse;              ///< then 251 less it
@@ -83,7 +83,7 @@ struct VideoKeyRows {
     VideoKeyRow<ChromaKeyParams> chroma[kKeyResults][2][2];
     VideoKeyRow<ChannelKeyParams> channel[2][2][2]; ///< [spill is corrected]: it has no matte
     VideoKeyRow<FoldedKeyParams> folded[2][2][2];   ///< [matte]: it corrects no spill
-    VideoKeyRow<LumaKeyParams> luma[2][2][2];       ///< [matte]: nor does it
+    VideoKeyRow<VideoLumaKeyParams> luma[2][2][2];  ///< [matte]: nor does it
 };
 
 } // namespace vfil

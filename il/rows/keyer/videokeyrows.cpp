@@ -248,7 +248,7 @@ struct FoldedRule {
 };
 
 struct LumaRule {
-    using Params = LumaKeyParams;
+    using Params = VideoLumaKeyParams;
 
     static std::int64_t KeyPixel(std::int64_t y, const Params& params)
     {
@@ -386,7 +386,7 @@ VideoKeyRow<FoldedKeyParams> FindVideoKeyRow(const VideoKeyCase& which, const Fo
         .folded[which.result == KeyResult::Matte][which.chromaFirst][which.streaming];
 }
 
-VideoKeyRow<LumaKeyParams> FindVideoKeyRow(const VideoKeyCase& which, const LumaKeyParams& params)
+VideoKeyRow<VideoLumaKeyParams> FindVideoKeyRow(const VideoKeyCase& which, const VideoLumaKeyParams& params)
 {
     return RowsFor(which, params).luma[which.result == KeyResult::Matte][which.chromaFirst][which.streaming];
 }

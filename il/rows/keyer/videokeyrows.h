@@ -25,13 +25,13 @@ struct VideoKeyCase {
 VideoKeyRow<ChromaKeyParams> FindVideoKeyRow(const VideoKeyCase& which, const ChromaKeyParams& params);
 VideoKeyRow<ChannelKeyParams> FindVideoKeyRow(const VideoKeyCase& which, const ChannelKeyParams& params);
 VideoKeyRow<FoldedKeyParams> FindVideoKeyRow(const VideoKeyCase& which, const FoldedKeyParams& params);
-VideoKeyRow<LumaKeyParams> FindVideoKeyRow(const VideoKeyCase& which, const LumaKeyParams& params);
+VideoKeyRow<VideoLumaKeyParams> FindVideoKeyRow(const VideoKeyCase& which, const VideoLumaKeyParams& params);
 
 /// True when the vector forms take the parameters.
 bool FitsLanes(const ChromaKeyParams& params);
 bool FitsLanes(const ChannelKeyParams& params);
 bool FitsLanes(const FoldedKeyParams& params);
-bool FitsLanes(const LumaKeyParams& params);
+bool FitsLanes(const VideoLumaKeyParams& params);
 
 /// Which pixel of a macropixel is keyed, where a crop divides it.
 enum class KeptHalf { Second, First };

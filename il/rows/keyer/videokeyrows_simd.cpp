@@ -140,7 +140,7 @@ private:
 
 class LumaKey {
 public:
-    using Params = LumaKeyParams;
+    using Params = VideoLumaKeyParams;
 
     explicit LumaKey(const Params& params)
         : m_gainHigh(Splat(params.gain >> 16)), m_gainLow(Splat(params.gain)), m_offset(Splat(params.offset)),

@@ -1,0 +1,407 @@
+/// \file
+/// The vector forms of the footprint sums, for the level VFIL_LEVEL: footprints side by side, each with its
+/// own place in the picture and its own sums in the plain form's order. A footprint that ends before another
+/// one goes on with areas of 0.
+#include "il/rows/transform/footprintparams.h"
+#include "il/rows/vecfloat.h"
+#include "il/rows/vecpixel.h"
+
+namespace vfil {
+namespace {
+
+constexpr double kUpright = 1e-30;
+constexpr double kBeyondAll = 1e300;
+
+/// Where footprints begin and end on an axis, before they are limited to the picture. What is nowhere begins
+/// beyond all and ends before all.
+struct Extent {
+    F64 low = SplatDouble(kBeyondAll);
+    F64 high = SplatDouble(-kBeyondAll);
+
+    void Widen(F64 a, F64 b)
+    {
+        low = Min(low, a);
+        high = Max(high, b);
+    }
+};
+
+/// The first and the last pixel of an extent that count.
+struct Span {
+    F64 first, last;
+
+    Span(const Extent& extent, F64 begin, F64 end)
+        : first(Min(Max(extent.low + SplatDouble(0.5), begin), end + SplatDouble(1))),
+          last(Min(Max(extent.high + SplatDouble(0.5), begin - SplatDouble(1)), end))
+    {}
+};
+
+/// What of an edge of each footprint lies in a row.
+struct EdgePart {
+    F64 left, right, middle, height, halfSlope;
+
+    F64 AreaBeyond(F64 line) const
+    {
+        const F64 reach = Max(right - line, SplatDouble(0));
+        return Select(line < left, height * (middle - line), halfSlope * reach * reach);
+    }
+};
+
+/// An edge of each footprint; see the plain form.
+struct Edge {
+    F64 topX, topY, bottomX, bottomY, sign, slope;
+    F64 x;
+
+    void Set(F64 fromX, F64 fromY, F64 toX, F64 toY, F64 order)
+    {
+        const F64 zero = SplatDouble(0);
+        const Mask64 down = fromY < toY;
+        topX = Select(down, fromX, toX);
+        topY = Min(fromY, toY);
+        bottomX = Select(down, toX, fromX);
+        bottomY = Max(fromY, toY);
+        sign = Select(down, order, zero - order);
+        const F64 width = Max(bottomX - topX, topX - bottomX);
+        slope =
+            Select(width < SplatDouble(kUpright), zero, sign * (bottomY - topY) * SplatDouble(0.5) / width);
+    }
+    F64 CutAt(F64 y) const
+    {
+        const F64 cut = topX + (bottomX - topX) * (y - topY) / (bottomY - topY);
+        return Select(topY < y, Select(y < bottomY, cut, bottomX), topX);
+    }
+    /// Adds the edge's part in a row to the others, if any footprint has one.
+    void GoTo(F64 rowTop, F64 rowBottom, EdgePart (&parts)[4], int& count, Extent& columns)
+    {
+        const F64 zero = SplatDouble(0);
+        const F64 length = Min(bottomY, rowBottom) - Max(topY, rowTop);
+        const Mask64 isHere = zero < length;
+        if (!AnyOf(isHere)) return;
+        const F64 above = x;
+        x = CutAt(rowBottom);
+        EdgePart& part = parts[count++];
+        part.left = Min(above, x);
+        part.right = Max(above, x);
+        part.middle = (above + x) * SplatDouble(0.5);
+        part.height = Select(isHere, length * sign, zero);
+        part.halfSlope = Select(isHere, slope, zero);
+        columns.Widen(Select(isHere, part.left, SplatDouble(kBeyondAll)),
+                      Select(isHere, part.right, SplatDouble(-kBeyondAll)));
+    }
+};
+
+/// The areas in a row of quadrilaterals, of which some have so many edges in it. Where an edge is in no
+/// footprint of a vector, its areas are 0 in all.
+template <int edges>
+struct QuadRow {
+    EdgePart parts[edges];
+    F64 beyond;
+
+    QuadRow(const EdgePart* from, F64 column)
+    {
+        for (int i = 0; i < edges; ++i)
+            parts[i] = from[i];
+        beyond = AreaBeyond(column - SplatDouble(0.5));
+    }
+    F64 Next(F64 column)
+    {
+        const F64 before = beyond;
+        beyond = AreaBeyond(column + SplatDouble(0.5));
+        return before - beyond;
+    }
+    F64 AreaBeyond(F64 line) const
+    {
+        F64 area = parts[0].AreaBeyond(line);
+        for (int i = 1; i < edges; ++i)
+            area = area + parts[i].AreaBeyond(line);
+        return area;
+    }
+};
+
+class Quads {
+public:
+    Quads(const FootprintGroup& group, std::size_t at)
+    {
+        for (int i = 0; i < 4; ++i) {
+            const int next = (i + 1) & 3;
+            m_edges[i].Set(LoadDoubles(group.x[i] + at), LoadDoubles(group.y[i] + at),
+                           LoadDoubles(group.x[next] + at), LoadDoubles(group.y[next] + at),
+                           LoadDoubles(group.sign + at));
+        }
+    }
+    Extent Rows() const
+    {
+        Extent rows;
+        for (const Edge& edge : m_edges)
+            rows.Widen(edge.topY, edge.bottomY);
+        return rows;
+    }
+    void Start(F64 row)
+    {
+        for (Edge& edge : m_edges)
+            edge.x = edge.CutAt(row - SplatDouble(0.5));
+    }
+    Extent GoTo(F64 row)
+    {
+        const F64 half = SplatDouble(0.5);
+        Extent columns;
+        m_count = 0;
+        for (Edge& edge : m_edges)
+            edge.GoTo(row - half, row + half, m_parts, m_count, columns);
+        return columns;
+    }
+    /// Calls with the row's areas, which begin at a column.
+    template <class Sum>
+    void Visit(F64 column, const Sum& sum) const
+    {
+        if (m_count == 2) sum(QuadRow<2>(m_parts, column));
+        if (m_count == 3) sum(QuadRow<3>(m_parts, column));
+        if (m_count == 4) sum(QuadRow<4>(m_parts, column));
+    }
+
+private:
+    Edge m_edges[4];
+    EdgePart m_parts[4];
+    int m_count = 0;
+};
+
+F64 LengthIn(F64 from, F64 to, F64 pixel)
+{
+    const F64 half = SplatDouble(0.5);
+    return Max(Min(to, pixel + half) - Max(from, pixel - half), SplatDouble(0));
+}
+
+/// The areas in a row of boxes.
+struct BoxRow {
+    F64 left, right, height;
+
+    F64 Next(F64 column) const { return LengthIn(left, right, column) * height; }
+};
+
+class Boxes {
+public:
+    Boxes(const FootprintGroup& group, std::size_t at)
+    {
+        for (int i = 0; i < 4; i += 2) {
+            const F64 x = LoadDoubles(group.x[i] + at);
+            const F64 y = LoadDoubles(group.y[i] + at);
+            m_columns.Widen(x, x);
+            m_rows.Widen(y, y);
+        }
+    }
+    Extent Rows() const { return m_rows; }
+    void Start(F64 /*row*/) {}
+    Extent GoTo(F64 row)
+    {
+        m_height = LengthIn(m_rows.low, m_rows.high, row);
+        const Mask64 isEmpty = m_height == SplatDouble(0);
+        Extent columns;
+        columns.Widen(Select(isEmpty, columns.low, m_columns.low),
+                      Select(isEmpty, columns.high, m_columns.high));
+        return columns;
+    }
+    template <class Sum>
+    void Visit(F64 /*column*/, const Sum& sum) const
+    {
+        sum(BoxRow{m_columns.low, m_columns.high, m_height});
+    }
+
+private:
+    Extent m_columns, m_rows;
+    F64 m_height{};
+};
+
+/// Where each footprint reads.
+template <class Sample>
+using Starts = const Sample* [kLanes64];
+
+/// The sums of RGBA pixels: a vector of channels each footprint.
+template <class Sample, int kChannels>
+class Sums {
+public:
+    Sums(const FootprintSums& sums, std::size_t at) : m_weight(LoadDoubles(sums.weights + at))
+    {
+        for (std::size_t i = 0; i < kLanes64; ++i)
+            m_channels[i] = LoadChannels(sums.channels[at + i]);
+    }
+    /// Pixels so many columns from each footprint's start.
+    void Add(const Starts<Sample>& starts, std::ptrdiff_t column, F64 area)
+    {
+        m_weight = m_weight + area;
+        double areas[kLanes64];
+        StoreDoubles(areas, area);
+        for (std::size_t i = 0; i < kLanes64; ++i)
+            m_channels[i] = AddScaled(m_channels[i], LoadChannels(starts[i] + 4 * column), areas[i]);
+    }
+    void Store(FootprintSums& sums, std::size_t at) const
+    {
+        StoreDoubles(sums.weights + at, m_weight);
+        for (std::size_t i = 0; i < kLanes64; ++i)
+            StoreChannels(sums.channels[at + i], m_channels[i]);
+    }
+
+private:
+    Channels m_channels[kLanes64];
+    F64 m_weight;
+};
+
+/// The sums of mono pixels, side by side.
+template <class Sample>
+class Sums<Sample, 1> {
+public:
+    Sums(const FootprintSums& sums, std::size_t at) : m_weight(LoadDoubles(sums.weights + at))
+    {
+        double values[kLanes64];
+        for (std::size_t i = 0; i < kLanes64; ++i)
+            values[i] = sums.channels[at + i][0];
+        m_sum = LoadDoubles(values);
+    }
+    void Add(const Starts<Sample>& starts, std::ptrdiff_t column, F64 area)
+    {
+        std::int32_t samples[kLanes64];
+        for (std::size_t i = 0; i < kLanes64; ++i)
+            samples[i] = starts[i][column];
+        m_weight = m_weight + area;
+        m_sum = m_sum + ToDoubles(samples) * area;
+    }
+    void Store(FootprintSums& sums, std::size_t at) const
+    {
+        StoreDoubles(sums.weights + at, m_weight);
+        double values[kLanes64];
+        StoreDoubles(values, m_sum);
+        for (std::size_t i = 0; i < kLanes64; ++i)
+            sums.channels[at + i][0] = values[i];
+    }
+
+private:
+    F64 m_sum, m_weight;
+};
+
+/// What is summed of a row, of each footprint.
+struct Row {
+    std::int32_t first[kLanes64];
+    std::int32_t last[kLanes64];
+    F64 column;
+    std::int32_t columns = 0; ///< of the longest
+    /// Whether some footprint goes on behind its last column, or its last row, or would read behind the
+    /// picture's last column.
+    bool needsLimits = false;
+
+    Row(const Extent& extent, Mask64 isBelow, const FootprintPicture& picture)
+    {
+        const F64 left = SplatDouble(picture.left);
+        const Span span(extent, left, SplatDouble(picture.right));
+        std::int32_t end[kLanes64];
+        StoreWhole(end, span.last);
+        StoreWhole(last, Select(isBelow, left - SplatDouble(1), span.last));
+        StoreWhole(first, span.first);
+        for (std::size_t i = 0; i < kLanes64; ++i) {
+            needsLimits = needsLimits || last[i] != end[i];
+            if (last[i] < first[i])
+                Skip(i, picture);
+            else if (columns <= last[i] - first[i])
+                columns = last[i] - first[i] + 1;
+        }
+        for (const std::int32_t start : first)
+            needsLimits = needsLimits || start > picture.right - columns + 1;
+        column = ToDoubles(first);
+    }
+
+    /// A footprint with nothing in the row stands at the picture's first column. Its areas are 0 there,
+    /// unless it is farther to the right.
+    void Skip(std::size_t i, const FootprintPicture& picture)
+    {
+        needsLimits = needsLimits || last[i] >= picture.left;
+        first[i] = picture.left;
+        last[i] = picture.left - 1;
+    }
+};
+
+template <class Areas, class RowSums, class Sample>
+void SumColumns(const Row& row, Areas areas, RowSums& sums, const Starts<Sample>& starts)
+{
+    F64 column = row.column;
+    for (std::int32_t i = 0; i < row.columns; ++i) {
+        sums.Add(starts, i, areas.Next(column));
+        column = column + SplatDouble(1);
+    }
+}
+
+/// The same where no footprint reads, or adds, anything behind its last column.
+template <class Areas, class RowSums, class Sample>
+void SumLimited(const Row& row, Areas areas, RowSums& sums, Starts<Sample>& starts,
+                std::ptrdiff_t pixelSamples)
+{
+    F64 column = row.column;
+    const F64 last = ToDoubles(row.last);
+    for (std::int32_t i = 0; i < row.columns; ++i) {
+        sums.Add(starts, 0, Select(last < column, SplatDouble(0), areas.Next(column)));
+        for (std::size_t lane = 0; lane < kLanes64; ++lane)
+            if (row.first[lane] + i < row.last[lane]) starts[lane] += pixelSamples;
+        column = column + SplatDouble(1);
+    }
+}
+
+template <class Sample, int kChannels, class Shape>
+void SumLanes(const FootprintGroup& group, std::size_t start, const FootprintPicture& picture,
+              FootprintSums& result)
+{
+    Shape shape(group, start);
+    Sums<Sample, kChannels> sums(result, start);
+    const Span span(shape.Rows(), SplatDouble(picture.top), SplatDouble(picture.bottom));
+    std::int32_t first[kLanes64];
+    std::int32_t last[kLanes64];
+    StoreWhole(first, span.first);
+    StoreWhole(last, span.last);
+    std::int32_t rows = 0;
+    for (std::size_t i = 0; i < kLanes64; ++i)
+        if (rows <= last[i] - first[i]) rows = last[i] - first[i] + 1;
+    const F64 bottom = ToDoubles(last);
+    F64 row = ToDoubles(first);
+    shape.Start(row);
+    for (std::int32_t i = 0; i < rows; ++i) {
+        const Row part(shape.GoTo(row), bottom < row, picture);
+        Starts<Sample> starts;
+        for (std::size_t lane = 0; lane < kLanes64; ++lane) {
+            const std::int32_t at = first[lane] + i < picture.bottom ? first[lane] + i : picture.bottom;
+            starts[lane] = reinterpret_cast<const Sample*>(picture.base + at * picture.rowBytes) +
+                           std::ptrdiff_t{part.first[lane]} * kChannels;
+        }
+        shape.Visit(part.column, [&](const auto& areas) {
+            if (part.needsLimits)
+                SumLimited(part, areas, sums, starts, kChannels);
+            else
+                SumColumns(part, areas, sums, starts);
+        });
+        row = row + SplatDouble(1);
+    }
+    sums.Store(result, start);
+}
+
+template <class Sample, int kChannels, class Shape>
+void SumGroup(const FootprintGroup& group, const FootprintPicture& picture, FootprintSums& sums)
+{
+    for (std::size_t start = 0; start < kFootprintGroup; start += kLanes64)
+        SumLanes<Sample, kChannels, Shape>(group, start, picture, sums);
+}
+
+template <class Shape>
+void FillShape(FootprintKernel (&kernels)[2][2])
+{
+    kernels[0][0] = SumGroup<std::uint8_t, 1, Shape>;
+    kernels[0][1] = SumGroup<std::uint8_t, 4, Shape>;
+    kernels[1][0] = SumGroup<std::uint16_t, 1, Shape>;
+    kernels[1][1] = SumGroup<std::uint16_t, 4, Shape>;
+}
+
+} // namespace
+
+namespace VFIL_LEVEL {
+
+void Fill(FootprintRows& rows)
+{
+    FillShape<Quads>(rows.quads);
+    FillShape<Boxes>(rows.boxes);
+}
+
+} // namespace VFIL_LEVEL
+} // namespace vfil

@@ -1,0 +1,23 @@
+/// \file
+/// Row kernels of the two-pass resampler: weighted sums along a line and across rows, and what is painted
+/// under the result.
+#pragma once
+
+#include "il/rows/levels.h"
+#include "il/rows/transform/resampleparams.h"
+
+namespace vfil {
+
+VFIL_DECLARE_FILL(ResampleRows)
+
+const ResampleRows& ResampleRowsAt(Level level);
+
+/// The kernels of a run.
+template <class Sample>
+WeighPixels<Sample> FindWeighPixels(bool useVectors, int channels);
+template <class Sample>
+WeighRows<Sample> FindWeighRows(bool useVectors);
+template <class Sample>
+PaintUnder<Sample> FindPaintUnder(bool useVectors);
+
+} // namespace vfil

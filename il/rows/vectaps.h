@@ -1,0 +1,106 @@
+/// \file
+/// Pixels from places of their own, as pairs for products. Included by *_simd.cpp sources alone, as vec.h is.
+/// The level avx512 has none of this: its kernels are those of avx2.
+#pragma once
+
+#include "il/rows/vec32.h"
+
+namespace vfil {
+namespace {
+
+#if !defined(__AVX512BW__)
+
+/// Outputs whose pixels share a vector: one in each 128 bits.
+constexpr std::size_t kTapLanes = kBytes / 16;
+
+/// 16 bytes at each of the addresses, one in each 128 bits. The second address counts at avx2 alone.
+inline Register LoadSixteens(const void* low, [[maybe_unused]] const void* high)
+{
+    const __m128i first = _mm_loadu_si128(static_cast<const __m128i*>(low));
+#if defined(__AVX2__)
+    const __m256i second = _mm256_broadcastsi128_si256(_mm_loadu_si128(static_cast<const __m128i*>(high)));
+    return _mm256_blend_epi32(_mm256_castsi128_si256(first), second, 0xF0);
+#else
+    return first;
+#endif
+}
+
+/// 8 bytes at each of the addresses, in the lower half of each 128 bits; the upper ones are undefined.
+inline Register LoadEights(const void* low, [[maybe_unused]] const void* high)
+{
+    const __m128i first = _mm_loadl_epi64(static_cast<const __m128i*>(low));
+#if defined(__AVX2__)
+    const __m256i second = _mm256_broadcastq_epi64(_mm_loadl_epi64(static_cast<const __m128i*>(high)));
+    return _mm256_blend_epi32(_mm256_castsi128_si256(first), second, 0xF0);
+#else
+    return first;
+#endif
+}
+
+/// Of two pixels of four bytes in the lower, or upper, half of each 128 bits: the channels of both, side by
+/// side, as 16-bit lanes.
+template <bool upper>
+inline S32 PairChannels8(Register v)
+{
+#if defined(__AVX2__)
+    constexpr std::uint64_t kLow = 0x8005'8001'8004'8000;
+    constexpr std::uint64_t kHigh = 0x8007'8003'8006'8002;
+    constexpr std::uint64_t kUp = upper ? 0x0008'0008'0008'0008 : 0;
+    return {Shuffle16(v, kLow + kUp, kHigh + kUp)};
+#else
+    const Register pixels = upper ? _mm_srli_si128(v, 8) : v;
+    return {_mm_unpacklo_epi8(_mm_unpacklo_epi8(pixels, _mm_srli_si128(pixels, 4)), Register{})};
+#endif
+}
+
+/// The same of two pixels of four words in each 128 bits.
+inline S32 PairChannels16(Register v)
+{
+#if defined(__AVX2__)
+    return {Shuffle16(v, 0x0B0A'0302'0908'0100, 0x0F0E'0706'0D0C'0504)};
+#else
+    return {_mm_unpacklo_epi16(v, _mm_srli_si128(v, 8))};
+#endif
+}
+
+/// 4 bytes at each index, which counts units of so many bytes.
+template <int unit>
+inline S32 GatherFours(const void* base, const std::int32_t* indices)
+{
+#if defined(__AVX2__)
+    const Register at = Load(reinterpret_cast<const std::uint8_t*>(indices)).bits;
+    return {_mm256_i32gather_epi32(static_cast<const int*>(base), at, unit)};
+#else
+    std::int32_t values[kLanes32];
+    for (std::size_t i = 0; i < kLanes32; ++i)
+        std::memcpy(values + i, static_cast<const std::uint8_t*>(base) + std::ptrdiff_t{indices[i]} * unit,
+                    4);
+    return {Load(reinterpret_cast<const std::uint8_t*>(values)).bits};
+#endif
+}
+
+/// Two lower bytes, or two upper ones, of each 32 bits as its 16-bit lanes.
+template <bool upper>
+inline S32 PairBytes(S32 v)
+{
+    if constexpr (upper) v = ShiftDownBits<16>(v);
+    return (v & Splat32(0xFF)) | (ShiftUp<8>(v) & Splat32(0x00FF0000));
+}
+
+/// The vectors' lower 128 bits, then their upper ones.
+inline void StoreLanesInTurn(void* p, U16 a, U16 b)
+{
+    auto* const out = static_cast<std::uint8_t*>(p);
+#if defined(__AVX2__)
+    Store(out, {_mm256_permute2x128_si256(a.bits, b.bits, 0x20)});
+    Store(out + kBytes, {_mm256_permute2x128_si256(a.bits, b.bits, 0x31)});
+#else
+    Store(out, {a.bits});
+    Store(out + kBytes, {b.bits});
+#endif
+}
+
+#endif
+
+} // namespace
+} // namespace vfil

@@ -69,23 +69,22 @@ struct Edge {
         const F64 cut = topX + (bottomX - topX) * (y - topY) / (bottomY - topY);
         return Select(topY < y, Select(y < bottomY, cut, bottomX), topX);
     }
-    /// Adds the edge's part in a row to the others, if any footprint has one.
-    void GoTo(F64 rowTop, F64 rowBottom, EdgePart (&parts)[4], int& count, Extent& columns)
+    /// Its part in a row. True if some footprint has one.
+    bool GoTo(F64 rowTop, F64 rowBottom, EdgePart& part, Extent& columns)
     {
         const F64 zero = SplatDouble(0);
-        const F64 length = Min(bottomY, rowBottom) - Max(topY, rowTop);
-        const Mask64 isHere = zero < length;
-        if (!AnyOf(isHere)) return;
         const F64 above = x;
         x = CutAt(rowBottom);
-        EdgePart& part = parts[count++];
         part.left = Min(above, x);
         part.right = Max(above, x);
         part.middle = (above + x) * SplatDouble(0.5);
+        const F64 length = Min(bottomY, rowBottom) - Max(topY, rowTop);
+        const Mask64 isHere = zero < length;
         part.height = Select(isHere, length * sign, zero);
         part.halfSlope = Select(isHere, slope, zero);
         columns.Widen(Select(isHere, part.left, SplatDouble(kBeyondAll)),
                       Select(isHere, part.right, SplatDouble(-kBeyondAll)));
+        return AnyOf(isHere);
     }
 };
 
@@ -119,6 +118,12 @@ struct QuadRow {
 
 class Quads {
 public:
+    /// What of the edges lies in a row.
+    struct RowState {
+        EdgePart parts[4];
+        int count;
+    };
+
     Quads(const FootprintGroup& group, std::size_t at)
     {
         for (int i = 0; i < 4; ++i) {
@@ -135,33 +140,41 @@ public:
             rows.Widen(edge.topY, edge.bottomY);
         return rows;
     }
+    Extent Columns() const
+    {
+        Extent columns;
+        for (const Edge& edge : m_edges)
+            columns.Widen(edge.topX, edge.topX);
+        for (const Edge& edge : m_edges)
+            columns.Widen(edge.bottomX, edge.bottomX);
+        return columns;
+    }
     void Start(F64 row)
     {
         for (Edge& edge : m_edges)
             edge.x = edge.CutAt(row - SplatDouble(0.5));
     }
-    Extent GoTo(F64 row)
+    /// Takes the next row.
+    Extent GoTo(F64 row, RowState& state)
     {
         const F64 half = SplatDouble(0.5);
         Extent columns;
-        m_count = 0;
+        state.count = 0;
         for (Edge& edge : m_edges)
-            edge.GoTo(row - half, row + half, m_parts, m_count, columns);
+            state.count += edge.GoTo(row - half, row + half, state.parts[state.count], columns) ? 1 : 0;
         return columns;
     }
     /// Calls with the row's areas, which begin at a column.
     template <class Sum>
-    void Visit(F64 column, const Sum& sum) const
+    static void Visit(const RowState& state, F64 column, const Sum& sum)
     {
-        if (m_count == 2) sum(QuadRow<2>(m_parts, column));
-        if (m_count == 3) sum(QuadRow<3>(m_parts, column));
-        if (m_count == 4) sum(QuadRow<4>(m_parts, column));
+        if (state.count == 2) sum(QuadRow<2>(state.parts, column));
+        if (state.count == 3) sum(QuadRow<3>(state.parts, column));
+        if (state.count == 4) sum(QuadRow<4>(state.parts, column));
     }
 
 private:
     Edge m_edges[4];
-    EdgePart m_parts[4];
-    int m_count = 0;
 };
 
 F64 LengthIn(F64 from, F64 to, F64 pixel)
@@ -179,6 +192,8 @@ struct BoxRow {
 
 class Boxes {
 public:
+    using RowState = BoxRow;
+
     Boxes(const FootprintGroup& group, std::size_t at)
     {
         for (int i = 0; i < 4; i += 2) {
@@ -189,25 +204,25 @@ public:
         }
     }
     Extent Rows() const { return m_rows; }
+    Extent Columns() const { return m_columns; }
     void Start(F64 /*row*/) {}
-    Extent GoTo(F64 row)
+    Extent GoTo(F64 row, BoxRow& state) const
     {
-        m_height = LengthIn(m_rows.low, m_rows.high, row);
-        const Mask64 isEmpty = m_height == SplatDouble(0);
+        state = {m_columns.low, m_columns.high, LengthIn(m_rows.low, m_rows.high, row)};
+        const Mask64 isEmpty = state.height == SplatDouble(0);
         Extent columns;
         columns.Widen(Select(isEmpty, columns.low, m_columns.low),
                       Select(isEmpty, columns.high, m_columns.high));
         return columns;
     }
     template <class Sum>
-    void Visit(F64 /*column*/, const Sum& sum) const
+    static void Visit(const BoxRow& state, F64 /*column*/, const Sum& sum)
     {
-        sum(BoxRow{m_columns.low, m_columns.high, m_height});
+        sum(state);
     }
 
 private:
     Extent m_columns, m_rows;
-    F64 m_height{};
 };
 
 /// Where each footprint reads.
@@ -280,13 +295,30 @@ private:
 struct Row {
     std::int32_t first[kLanes64];
     std::int32_t last[kLanes64];
-    F64 column;
-    std::int32_t columns = 0; ///< of the longest
+    F64 column;           ///< the first one
+    std::int32_t columns; ///< of the longest
     /// Whether some footprint goes on behind its last column, or its last row, or would read behind the
     /// picture's last column.
-    bool needsLimits = false;
+    bool needsLimits;
 
-    Row(const Extent& extent, Mask64 isBelow, const FootprintPicture& picture)
+    /// Of footprints that need no limits in any row. One with nothing in the row stands where it ends, at
+    /// \p end; its areas are 0 there.
+    void SetInside(const Extent& extent, F64 end)
+    {
+        const F64 half = SplatDouble(0.5);
+        const F64 begin = Min(extent.low, end) + half;
+        StoreWhole(first, begin);
+        StoreWhole(last, Max(extent.high + half, begin - SplatDouble(1)));
+        columns = 0;
+        for (std::size_t i = 0; i < kLanes64; ++i) {
+            const std::int32_t length = last[i] - first[i] + 1;
+            columns = columns < length ? length : columns;
+        }
+        needsLimits = false;
+        column = ToDoubles(first);
+    }
+
+    void Set(const Extent& extent, Mask64 isBelow, const FootprintPicture& picture)
     {
         const F64 left = SplatDouble(picture.left);
         const Span span(extent, left, SplatDouble(picture.right));
@@ -294,6 +326,8 @@ struct Row {
         StoreWhole(end, span.last);
         StoreWhole(last, Select(isBelow, left - SplatDouble(1), span.last));
         StoreWhole(first, span.first);
+        columns = 0;
+        needsLimits = false;
         for (std::size_t i = 0; i < kLanes64; ++i) {
             needsLimits = needsLimits || last[i] != end[i];
             if (last[i] < first[i])
@@ -341,38 +375,82 @@ void SumLimited(const Row& row, Areas areas, RowSums& sums, Starts<Sample>& star
     }
 }
 
+/// The rows of each footprint, from its own first one.
+struct Rows {
+    std::int32_t first[kLanes64];
+    std::int32_t last[kLanes64];
+    std::int32_t count = 0; ///< of the highest
+
+    Rows(const Extent& extent, const FootprintPicture& picture)
+    {
+        const Span span(extent, SplatDouble(picture.top), SplatDouble(picture.bottom));
+        StoreWhole(first, span.first);
+        StoreWhole(last, span.last);
+        for (std::size_t i = 0; i < kLanes64; ++i)
+            if (count <= last[i] - first[i]) count = last[i] - first[i] + 1;
+    }
+};
+
+/// Whether none of the footprints reaches over the picture, wherever in its columns it stands and however
+/// wide the others are.
+bool AreInside(const Extent& columns, const Extent& rows, const FootprintPicture& picture)
+{
+    const F64 half = SplatDouble(0.5);
+    double widths[kLanes64];
+    StoreDoubles(widths, columns.high - columns.low);
+    double width = 0;
+    for (const double each : widths)
+        width = width < each ? each : width;
+    const F64 left = SplatDouble(picture.left) - half;
+    const F64 right = SplatDouble(picture.right - width - 2);
+    const F64 bottom = SplatDouble(picture.bottom) + half;
+    return !AnyOf(columns.low < left) && !AnyOf(right < columns.high) && !AnyOf(bottom < rows.high);
+}
+
+/// How many rows are cut before their pixels are summed: cutting has no branches, so that the processor knows
+/// the number of columns when it comes to them. Row by row, footprints of 16 pixels took 142 for 134 ns.
+constexpr std::int32_t kRowsAhead = 8;
+
 template <class Sample, int kChannels, class Shape>
 void SumLanes(const FootprintGroup& group, std::size_t start, const FootprintPicture& picture,
               FootprintSums& result)
 {
     Shape shape(group, start);
     Sums<Sample, kChannels> sums(result, start);
-    const Span span(shape.Rows(), SplatDouble(picture.top), SplatDouble(picture.bottom));
-    std::int32_t first[kLanes64];
-    std::int32_t last[kLanes64];
-    StoreWhole(first, span.first);
-    StoreWhole(last, span.last);
-    std::int32_t rows = 0;
-    for (std::size_t i = 0; i < kLanes64; ++i)
-        if (rows <= last[i] - first[i]) rows = last[i] - first[i] + 1;
-    const F64 bottom = ToDoubles(last);
-    F64 row = ToDoubles(first);
+    const Extent columns = shape.Columns();
+    const bool isInside = AreInside(columns, shape.Rows(), picture);
+    const Rows rows(shape.Rows(), picture);
+    const F64 bottom = ToDoubles(rows.last);
+    F64 row = ToDoubles(rows.first);
     shape.Start(row);
-    for (std::int32_t i = 0; i < rows; ++i) {
-        const Row part(shape.GoTo(row), bottom < row, picture);
-        Starts<Sample> starts;
-        for (std::size_t lane = 0; lane < kLanes64; ++lane) {
-            const std::int32_t at = first[lane] + i < picture.bottom ? first[lane] + i : picture.bottom;
-            starts[lane] = reinterpret_cast<const Sample*>(picture.base + at * picture.rowBytes) +
-                           std::ptrdiff_t{part.first[lane]} * kChannels;
-        }
-        shape.Visit(part.column, [&](const auto& areas) {
-            if (part.needsLimits)
-                SumLimited(part, areas, sums, starts, kChannels);
+    for (std::int32_t done = 0; done < rows.count; done += kRowsAhead) {
+        const std::int32_t count = rows.count - done < kRowsAhead ? rows.count - done : kRowsAhead;
+        typename Shape::RowState states[kRowsAhead];
+        Row parts[kRowsAhead];
+        for (std::int32_t i = 0; i < count; ++i) {
+            const Extent extent = shape.GoTo(row, states[i]);
+            if (isInside)
+                parts[i].SetInside(extent, columns.high);
             else
-                SumColumns(part, areas, sums, starts);
-        });
-        row = row + SplatDouble(1);
+                parts[i].Set(extent, bottom < row, picture);
+            row = row + SplatDouble(1);
+        }
+        for (std::int32_t i = 0; i < count; ++i) {
+            Starts<Sample> starts;
+            for (std::size_t lane = 0; lane < kLanes64; ++lane) {
+                const std::int32_t y = rows.first[lane] + done + i;
+                starts[lane] =
+                    reinterpret_cast<const Sample*>(picture.base + (y < picture.bottom ? y : picture.bottom) *
+                                                                       picture.rowBytes) +
+                    std::ptrdiff_t{parts[i].first[lane]} * kChannels;
+            }
+            Shape::Visit(states[i], parts[i].column, [&](const auto& areas) {
+                if (parts[i].needsLimits)
+                    SumLimited(parts[i], areas, sums, starts, kChannels);
+                else
+                    SumColumns(parts[i], areas, sums, starts);
+            });
+        }
     }
     sums.Store(result, start);
 }

@@ -22,10 +22,16 @@ std::vector<Level> OwnLevels()
 struct Tables {
     Tables(std::size_t count, std::size_t pairCount, std::size_t linePixels, std::mt19937& random)
         : outputs(count), pairs(pairCount), pitch(count + kTapSlack), starts(pitch), sums(pitch),
-          fractions(pitch), weights(2 * pairs * pitch), high{fractions, fractions}, low{high[0], high[0]}
+          fractions(pitch), weights(2 * pairs * pitch),
+          exact(4 * pitch), high{fractions, fractions}, low{high[0], high[0]}
     {
+        for (double& weight : exact)
+            weight = std::uniform_real_distribution<double>(-0.1, 1)(random);
+        // Some rows stretch a line, others go to and fro.
+        const bool stretches = random() % 2 != 0;
         for (std::size_t k = 0; k < outputs; ++k) {
-            starts[k] = static_cast<std::int32_t>(random() % (linePixels - 2 * pairs + 1));
+            const std::size_t places = linePixels - 2 * pairs + 1;
+            starts[k] = static_cast<std::int32_t>(stretches ? k * 7 / 10 % places : random() % places);
             fractions[k] = static_cast<std::uint32_t>(test::RandomSample(random, 65535)) * 0x10001U;
             const CubicWeights cubic = CubicWeightsOf(fractions[k] & 0xFFFF);
             for (std::size_t i = 0; i < 2; ++i) {
@@ -46,16 +52,18 @@ struct Tables {
         }
     }
     LineTaps Line() const { return {starts.data(), weights.data(), sums.data(), pitch, pairs}; }
-    LerpTaps Lerp() const { return {starts.data(), fractions.data(), nullptr}; }
+    LerpTaps Lerp() const { return {starts.data(), fractions.data(), exact.data()}; }
     CubicTaps Cubic() const
     {
-        return {starts.data(), {high[0].data(), high[1].data()}, {low[0].data(), low[1].data()}, nullptr};
+        return {
+            starts.data(), {high[0].data(), high[1].data()}, {low[0].data(), low[1].data()}, exact.data()};
     }
 
     std::size_t outputs, pairs, pitch;
     std::vector<std::int32_t> starts, sums;
     std::vector<std::uint32_t> fractions;
     std::vector<std::int16_t> weights;
+    std::vector<double> exact;
     std::vector<std::uint32_t> high[2], low[2];
 };
 
@@ -87,8 +95,16 @@ constexpr std::size_t kLinePixels = 90;
 template <class Sample>
 void CheckResampler(const char* name, WeighPixels<Sample> ResampleRows::*pixelsOf,
                     WeighPixels<Sample> ResampleRows::*monoOf, WeighRows<Sample> ResampleRows::*rowsOf,
-                    PaintUnder<Sample> ResampleRows::*underOf)
+                    PaintUnder<Sample> ResampleRows::*underOf,
+                    MultiplyAlpha<Sample> ResampleRows::*multiplyOf)
 {
+    Check<Sample>(
+        name, [&](Level level) { return ResampleRowsAt(level).*multiplyOf; }, false, 4,
+        [&](auto kernel, Sample* out, std::size_t pixels, std::mt19937& random) {
+            const auto row = EndRichSamples<Sample>(4 * pixels, random);
+            std::copy(row.begin(), row.end(), out);
+            kernel(out, pixels);
+        });
     for (const std::size_t channels : {4U, 1U})
         for (const std::size_t pairs : {1U, 2U, 4U, 12U})
             Check<Sample>(
@@ -96,7 +112,7 @@ void CheckResampler(const char* name, WeighPixels<Sample> ResampleRows::*pixelsO
                 true, channels,
                 [&](auto kernel, Sample* out, std::size_t pixels, std::mt19937& random) {
                     const Tables tables(pixels, pairs, kLinePixels, random);
-                    const auto line = EndRichSamples<Sample>((kLinePixels + 4) * channels, random);
+                    const auto line = EndRichSamples<Sample>((kLinePixels + 8) * channels, random);
                     kernel(line.data(), tables.Line(), out, pixels);
                 });
     for (const std::size_t pairs : {1U, 2U, 5U})
@@ -127,12 +143,56 @@ void CheckResampler(const char* name, WeighPixels<Sample> ResampleRows::*pixelsO
 TEST(PanZoomRows, TheResamplersVectorsAreThePlainForms)
 {
     CheckResampler<std::uint8_t>("bytes", &ResampleRows::pixels8, &ResampleRows::mono8, &ResampleRows::rows8,
-                                 &ResampleRows::under8);
+                                 &ResampleRows::under8, &ResampleRows::multiply8);
     CheckResampler<std::uint16_t>("words", &ResampleRows::pixels16, &ResampleRows::mono16,
-                                  &ResampleRows::rows16, &ResampleRows::under16);
+                                  &ResampleRows::rows16, &ResampleRows::under16, &ResampleRows::multiply16);
 }
 
-TEST(PanZoomRows, SamplingAlongTheAxesIsThePlainForm)
+TEST(PanZoomRows, SamplingWordsAlongTheAxesIsThePlainForm)
+{
+    using Words = std::vector<std::uint16_t>;
+    const auto words = [](std::size_t count, std::mt19937& random) {
+        return EndRichSamples<std::uint16_t>(count, random);
+    };
+    const auto doubles = [&](std::size_t count, double scale, double offset, std::mt19937& random) {
+        std::vector<double> values(count);
+        for (double& value : values)
+            value = std::uniform_real_distribution<double>(offset, offset + scale)(random);
+        return values;
+    };
+    Check<double>(
+        "lerp", [](Level level) { return ScaleRowsAt(level).words.lerpPixels[0]; }, true, 4,
+        [&](auto kernel, double* out, std::size_t pixels, std::mt19937& random) {
+            const Tables tables(pixels, 1, kLinePixels, random);
+            kernel(words(kLinePixels * 4, random).data(), tables.Lerp(), out, pixels);
+        });
+    Check<std::uint16_t>(
+        "rows", [](Level level) { return ScaleRowsAt(level).words.lerpRows; }, false, 1,
+        [&](auto kernel, std::uint16_t* out, std::size_t samples, std::mt19937& random) {
+            const auto low = doubles(samples + kScaleSlack, 65535, 0, random);
+            const auto high = doubles(samples + kScaleSlack, 65535, 0, random);
+            kernel(low.data(), high.data(), {0, doubles(1, 1, 0, random)[0]}, out, samples);
+        });
+    Check<double>(
+        "columns", [](Level level) { return ScaleRowsAt(level).words.columns; }, false, 1,
+        [&](auto kernel, double* out, std::size_t samples, std::mt19937& random) {
+            const Words rows[4] = {words(samples, random), words(samples, random), words(samples, random),
+                                   words(samples, random)};
+            const std::uint16_t* starts[4] = {rows[0].data(), rows[1].data(), rows[2].data(), rows[3].data()};
+            RowWeights weights{};
+            std::copy_n(doubles(4, 1.2, -0.2, random).begin(), 4, weights.exact);
+            kernel(starts, weights, out, samples);
+        });
+    Check<std::uint16_t>(
+        "cubic", [](Level level) { return ScaleRowsAt(level).words.cubicPixels[0]; }, false, 4,
+        [&](auto kernel, std::uint16_t* out, std::size_t pixels, std::mt19937& random) {
+            const Tables tables(pixels, 2, kLinePixels, random);
+            const auto columns = doubles(kLinePixels * 4, 82000, -9000, random);
+            kernel(columns.data(), tables.Cubic(), out, pixels);
+        });
+}
+
+TEST(PanZoomRows, SamplingBytesAlongTheAxesIsThePlainForm)
 {
     using Bytes = std::vector<std::uint8_t>;
     for (const std::size_t form : {0U, 1U}) {
@@ -141,14 +201,14 @@ TEST(PanZoomRows, SamplingAlongTheAxesIsThePlainForm)
             "lerp", [&](Level level) { return ScaleRowsAt(level).bytes.lerpPixels[form]; }, true, channels,
             [&](auto kernel, std::uint8_t* out, std::size_t pixels, std::mt19937& random) {
                 const Tables tables(pixels, 1, kLinePixels, random);
-                const Bytes line = EndRichSamples<std::uint8_t>((kLinePixels + 4) * channels, random);
+                const Bytes line = EndRichSamples<std::uint8_t>((kLinePixels + 8) * channels, random);
                 kernel(line.data(), tables.Lerp(), out, pixels);
             });
         Check<std::uint8_t>(
             "cubic", [&](Level level) { return ScaleRowsAt(level).bytes.cubicPixels[form]; }, false, channels,
             [&](auto kernel, std::uint8_t* out, std::size_t pixels, std::mt19937& random) {
                 const Tables tables(pixels, 2, kLinePixels, random);
-                std::vector<std::int16_t> columns((kLinePixels + 4) * channels);
+                std::vector<std::int16_t> columns((kLinePixels + 8) * channels);
                 for (std::int16_t& column : columns) // up to where the weights' overshoot takes them
                     column = static_cast<std::int16_t>(test::RandomSample(random, 22480) - 3080);
                 kernel(columns.data(), tables.Cubic(), out, pixels);
@@ -160,7 +220,8 @@ TEST(PanZoomRows, SamplingAlongTheAxesIsThePlainForm)
         [&](auto kernel, std::uint8_t* out, std::size_t samples, std::mt19937& random) {
             const Bytes low = EndRichSamples<std::uint8_t>(samples, random);
             const Bytes high = EndRichSamples<std::uint8_t>(samples, random);
-            kernel(low.data(), high.data(), {fixed(random), 0}, out, samples);
+            const int fraction = random() % 4 ? fixed(random) : static_cast<int>(random() % 2 * 0x8000);
+            kernel(low.data(), high.data(), {fraction, 0}, out, samples);
         });
     Check<std::int16_t>(
         "columns", [](Level level) { return ScaleRowsAt(level).bytes.columns; }, false, 1,

@@ -43,6 +43,31 @@ void Map(const float (&m)[6], float& x, float& y)
     y = static_cast<float>(m[3] * px + m[4] * py + m[5]);
 }
 
+/// Whole numbers of the steps' unit that are less than 2 to the power of 22 pixels. A sum of them, with that
+/// of the factors' bits, has no bit that a double lacks.
+class WholeSteps {
+public:
+    /// False when \p v is no such number.
+    bool Take(double v, std::int64_t& whole)
+    {
+        const double scaled = std::ldexp(v, kStepBits);
+        if (!(std::abs(scaled) < 0x1p62) || scaled != std::floor(scaled)) return false;
+        whole = static_cast<std::int64_t>(scaled);
+        m_bits |= static_cast<std::uint64_t>(whole);
+        return true;
+    }
+    /// Whether all numbers up to a size, that are sums of multiples of those taken, are doubles.
+    bool AreDoubles(double size) const
+    {
+        if (m_bits == 0) return true;
+        const double unit = static_cast<double>(m_bits & (~m_bits + 1));
+        return std::ldexp(size, kStepBits) < unit * 0x1p53;
+    }
+
+private:
+    std::uint64_t m_bits = 0;
+};
+
 /// The input coordinates of a line, by steps.
 class Steps {
 public:
@@ -51,6 +76,13 @@ public:
           m_u(inverse[0] * double{start[0]} + inverse[1] * double{start[1]} + inverse[2]),
           m_v(inverse[3] * double{start[0]} + inverse[4] * double{start[1]} + inverse[5])
     {}
+    /// The same in fixed point, where the sums have no rounding and so any order of them is the same: true of
+    /// nearly all maps of pictures, whose factors are floats.
+    bool ToFixed(const float (&inverse)[6], const vfILVector2f& start, long width, SampleSteps& steps) const
+    {
+        return ToFixed(inverse, start, width, m_u, m_du, steps.u, steps.du) &&
+               ToFixed(inverse + 3, start, width, m_v, m_dv, steps.v, steps.dv);
+    }
     /// The next ones.
     void Take(long count, double* u, double* v)
     {
@@ -63,6 +95,24 @@ public:
     }
 
 private:
+    static bool ToFixed(const float* factors, const vfILVector2f& start, long width, double u, double du,
+                        std::int64_t& fixedU, std::int64_t& fixedDu)
+    {
+        constexpr double kMost = 0x1p22;
+        const double terms[] = {factors[0] * double{start[0]}, factors[1] * double{start[1]}, factors[2]};
+        WholeSteps whole;
+        std::int64_t unused = 0;
+        double size = 0;
+        for (const double term : terms) {
+            if (!whole.Take(term, unused)) return false;
+            size += std::abs(term);
+        }
+        const double last = u + static_cast<double>(width) * du;
+        size = std::max({size, std::abs(u), std::abs(last)});
+        return whole.Take(du, fixedDu) && whole.Take(u, fixedU) && whole.AreDoubles(size) &&
+               std::max(size, 16 * std::abs(du)) < kMost;
+    }
+
     double m_du, m_dv;
     double m_u, m_v;
 };
@@ -96,12 +146,17 @@ void vfILAffineTransform::InvertTransformPointXY(float& x, float& y)
 }
 
 /// By the form of the interpolation type.
-void vfILAffineTransform::SampleSteps(const vfILVector2f& start, long width, unsigned char* output)
+void vfILAffineTransform::SampleByForm(const vfILVector2f& start, long width, unsigned char* output)
 {
     const SampleRow sample = FindSampleRow(m_simdAvailable != 0, SampleFormOf(GetInterpolationType()),
                                            SamplePixelOf(Run().output));
     const SampleSource source = SourceOf(Run());
     Steps steps(m_inverse, start);
+    SampleSteps fixed{};
+    if (steps.ToFixed(m_inverse, start, width, fixed)) {
+        sample(source, fixed, static_cast<std::size_t>(width), output);
+        return;
+    }
     double u[kSampleBlock];
     double v[kSampleBlock];
     for (long at = 0; at < width; at += kSampleBlock) {
@@ -114,19 +169,19 @@ void vfILAffineTransform::SampleSteps(const vfILVector2f& start, long width, uns
 void vfILAffineTransform::TransformLineWithNearestNeighborInterpolation(const vfILVector2f& start, long width,
                                                                         unsigned char* output)
 {
-    SampleSteps(start, width, output);
+    SampleByForm(start, width, output);
 }
 
 void vfILAffineTransform::TransformLineWithBilinearInterpolation(const vfILVector2f& start, long width,
                                                                  unsigned char* output)
 {
-    SampleSteps(start, width, output);
+    SampleByForm(start, width, output);
 }
 
 void vfILAffineTransform::TransformLineWithBicubicInterpolation(const vfILVector2f& start, long width,
                                                                 unsigned char* output)
 {
-    SampleSteps(start, width, output);
+    SampleByForm(start, width, output);
 }
 
 /// All footprints have one size, and so the line one choice of levels.

@@ -70,6 +70,17 @@ void vfILVectorWarp::SetFastApproximation(int approximate)
     m_fastApproximation = approximate;
 }
 
+void vfILVectorWarp::GetWarpFactor(double* first, double* second) const
+{
+    if (first != nullptr) *first = m_firstFactor;
+    if (second != nullptr) *second = m_secondFactor;
+}
+
+int vfILVectorWarp::GetFastApproximation() const
+{
+    return m_fastApproximation;
+}
+
 /// Calls warp with what it reads and writes.
 template <class Warp>
 void vfILVectorWarp::Process(Warp warp) const

@@ -32,7 +32,7 @@ protected:
                                                            unsigned char* output) override;
 
 private:
-    void SampleSteps(const vfILVector2f& start, long width, unsigned char* output);
+    void SampleByForm(const vfILVector2f& start, long width, unsigned char* output);
 
     float m_forward[6] = {};
     float m_inverse[6] = {};

@@ -46,8 +46,11 @@ public:
     /// Warps by a share of the vectors, 1 being the default: 0 and \p factor, or below 0, back from their
     /// end, 1 and \p factor + 1.
     void SetWarpFactor(double factor);
+    /// Writes to each pointer that is not null.
+    void GetWarpFactor(double* first, double* second) const;
     /// \param approximate Not 0: the approximate path. Default 0.
     void SetFastApproximation(int approximate);
+    int GetFastApproximation() const;
 
 private:
     template <class Warp>

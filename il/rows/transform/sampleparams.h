@@ -9,11 +9,11 @@ namespace vfil {
 
 /// What an output pixel is made of, around its place in the input.
 enum class SampleForm { Nearest, Bilinear, Bicubic };
-inline constexpr std::size_t kSampleForms = 3;
+constexpr std::size_t kSampleForms = 3;
 
 /// A pixel of four samples or of one, of a byte or a word each.
 enum class SamplePixel { FourBytes, FourWords, Byte, Word };
-inline constexpr std::size_t kSamplePixels = 4;
+constexpr std::size_t kSamplePixels = 4;
 
 /// The picture that is sampled. Pixels outside of the bounds read as the default pixel, one by one.
 struct SampleSource {
@@ -24,19 +24,52 @@ struct SampleSource {
     alignas(8) unsigned char defaultPixel[8];
 };
 
-/// Writes \p count pixels, sampled at (u[i], v[i]). Any coordinates will do: without a source, as NaN has
-/// none, a pixel is the default one. Rows need no alignment.
-using SampleRow = void (*)(const SampleSource& source, const double* u, const double* v, std::size_t count,
-                           unsigned char* out);
+/// Writes \p count pixels, sampled at (u[i], v[i]). Rows need no alignment.
+using SampleKernel = void (*)(const SampleSource& source, const double* u, const double* v, std::size_t count,
+                              unsigned char* out);
+
+/// Places on a straight line, in fixed point of kStepBits.
+struct SampleSteps {
+    std::int64_t u, v;
+    std::int64_t du, dv; ///< from a place to the next
+};
+constexpr int kStepBits = 40;
+
+/// A coordinate of a line.
+constexpr double StepAt(std::int64_t u, std::int64_t du, std::int64_t step)
+{
+    return static_cast<double>(u + step * du) * (1.0 / static_cast<double>(std::int64_t{1} << kStepBits));
+}
+
+/// The same at places on a line.
+using StepKernel = void (*)(const SampleSource& source, const SampleSteps& steps, std::size_t count,
+                            unsigned char* out);
+
+/// A part of the plane: low <= u < high.
+struct SampleBounds {
+    double lowU, highU, lowV, highV;
+};
+
+/// How many of the first places lie in a part of the plane.
+using CountInside = std::size_t (*)(const SampleBounds& bounds, const double* u, const double* v,
+                                    std::size_t count);
 
 /// The kernels of sampling, for one level.
 struct SampleRows {
-    SampleRow sample[kSampleForms][kSamplePixels];
+    /// At any places: without a source, as NaN has none, a pixel is the default one.
+    SampleKernel sample[kSampleForms][kSamplePixels];
+    /// At places whose pixels are all within the bounds, by kInsideMargin, of a source of less than 4 GiB.
+    SampleKernel inside[kSampleForms][kSamplePixels];
+    StepKernel steps[kSampleForms][kSamplePixels];
+    CountInside countInside;
 };
 
+/// What places have to keep from the bounds for their rounding, and that of the arithmetic.
+constexpr double kInsideMargin = 1.0 / 16384;
+
 /// Coordinates of 8-bit pixels are rounded to this fraction of a pixel.
-inline constexpr int kFractionBits = 16;
-inline constexpr double kFractions = 65536.0;
+constexpr int kFractionBits = 16;
+constexpr double kFractions = 65536.0;
 
 /// The Catmull-Rom weights of the four pixels around a fraction of 0 .. 65535, where 65536 stands for 1. Each
 /// product is rounded, and what is below the stated places is lost: the weights are not quite those of the

@@ -64,9 +64,10 @@ typename Kind::Pixel Nearest(const Kind& picture, double u, double v)
 struct Fixed {
     explicit Fixed(double u)
     {
-        const auto fixed = static_cast<std::int64_t>(std::floor(u * kFractions + 0.5));
-        whole = fixed >> kFractionBits;
-        fraction = static_cast<std::int32_t>(fixed & ((1 << kFractionBits) - 1));
+        const double low = std::floor(u);
+        const auto fixed = static_cast<std::int32_t>((u - low) * kFractions + 0.5);
+        whole = static_cast<std::int64_t>(low) + (fixed >> kFractionBits);
+        fraction = fixed & ((1 << kFractionBits) - 1);
     }
 
     std::int64_t whole;
@@ -218,15 +219,108 @@ void PlainSampleRow(const SampleSource& source, const double* u, const double* v
     }
 }
 
-constexpr SampleRows kPlainRows{
-    .sample =
-        {{PlainSampleRow<SampleForm::Nearest, FourBytes>, PlainSampleRow<SampleForm::Nearest, FourWords>,
-          PlainSampleRow<SampleForm::Nearest, Byte>, PlainSampleRow<SampleForm::Nearest, Word>},
-         {PlainSampleRow<SampleForm::Bilinear, FourBytes>, PlainSampleRow<SampleForm::Bilinear, FourWords>,
-          PlainSampleRow<SampleForm::Bilinear, Byte>, PlainSampleRow<SampleForm::Bilinear, Word>},
-         {PlainSampleRow<SampleForm::Bicubic, FourBytes>, PlainSampleRow<SampleForm::Bicubic, FourWords>,
-          PlainSampleRow<SampleForm::Bicubic, Byte>, PlainSampleRow<SampleForm::Bicubic, Word>}},
+/// The line's places are doubles without a rounding, and whole numbers of the unit: any order of sums has
+/// them.
+template <SampleForm form, class Kind>
+void PlainStepRow(const SampleSource& source, const SampleSteps& steps, std::size_t count, unsigned char* out)
+{
+    for (std::size_t i = 0; i < count; ++i, out += Kind::kPixelBytes) {
+        const double u = StepAt(steps.u, steps.du, static_cast<std::int64_t>(i));
+        const double v = StepAt(steps.v, steps.dv, static_cast<std::int64_t>(i));
+        PlainSampleRow<form, Kind>(source, &u, &v, 1, out);
+    }
+}
+
+std::size_t PlainCountInside(const SampleBounds& bounds, const double* u, const double* v, std::size_t count)
+{
+    std::size_t at = 0;
+    while (at < count && u[at] >= bounds.lowU && u[at] < bounds.highU && v[at] >= bounds.lowV &&
+           v[at] < bounds.highV)
+        ++at;
+    return at;
+}
+
+template <SampleForm form>
+struct Plain {
+    static constexpr SampleKernel kRows[] = {PlainSampleRow<form, FourBytes>, PlainSampleRow<form, FourWords>,
+                                             PlainSampleRow<form, Byte>, PlainSampleRow<form, Word>};
+    static constexpr StepKernel kSteps[] = {PlainStepRow<form, FourBytes>, PlainStepRow<form, FourWords>,
+                                            PlainStepRow<form, Byte>, PlainStepRow<form, Word>};
 };
+
+SampleRows PlainRows()
+{
+    SampleRows rows{};
+    for (std::size_t pixel = 0; pixel < kSamplePixels; ++pixel) {
+        rows.sample[0][pixel] = rows.inside[0][pixel] = Plain<SampleForm::Nearest>::kRows[pixel];
+        rows.sample[1][pixel] = rows.inside[1][pixel] = Plain<SampleForm::Bilinear>::kRows[pixel];
+        rows.sample[2][pixel] = rows.inside[2][pixel] = Plain<SampleForm::Bicubic>::kRows[pixel];
+        rows.steps[0][pixel] = Plain<SampleForm::Nearest>::kSteps[pixel];
+        rows.steps[1][pixel] = Plain<SampleForm::Bilinear>::kSteps[pixel];
+        rows.steps[2][pixel] = Plain<SampleForm::Bicubic>::kSteps[pixel];
+    }
+    rows.countInside = PlainCountInside;
+    return rows;
+}
+
+constexpr std::size_t kBytesOf[kSamplePixels] = {4, 8, 1, 2};
+
+/// Where the pixels of a place are all within the bounds, and where some may be.
+struct Reach {
+    double low, high;
+};
+
+Reach InsideOf(SampleForm form, double first, double behind)
+{
+    switch (form) {
+    case SampleForm::Nearest:
+        return {first - 0.5 + kInsideMargin, behind - 0.5 - kInsideMargin};
+    case SampleForm::Bilinear:
+        return {first, behind - 1 - kInsideMargin};
+    default:
+        return {first + 1, behind - 2 - kInsideMargin};
+    }
+}
+
+Reach NearOf(SampleForm form, double first, double behind)
+{
+    const int reach = form == SampleForm::Bicubic ? 2 : 1;
+    return {first - reach, behind + reach - 1};
+}
+
+/// The kernels without a test for edges know offsets of 32 bits.
+bool IsWithin4GiB(const SampleSource& source)
+{
+    return source.rowBytes <= std::int64_t{0xFFFFFFFF} / std::max(source.top, 1);
+}
+
+using Span = SampleSpan;
+
+Span Common(const Span& a, const Span& b)
+{
+    const std::int64_t first = std::max(a.first, b.first);
+    return {first, std::max(first, std::min(a.behind, b.behind))};
+}
+
+std::int64_t DivideUp(std::int64_t a, std::int64_t b)
+{
+    return a / b + (a % b > 0 ? 1 : 0);
+}
+
+/// The steps from u on, by du, of a line that are within a reach. Beyond 2 to the power of 22 are no places
+/// of a line.
+Span Within(std::int64_t u, std::int64_t du, const Reach& reach, std::int64_t count)
+{
+    constexpr double kUnits = static_cast<double>(std::int64_t{1} << kStepBits);
+    constexpr double kMost = 1 << 22;
+    const auto low = static_cast<std::int64_t>(std::clamp(reach.low, -kMost, kMost) * kUnits);
+    const auto high = static_cast<std::int64_t>(std::clamp(reach.high, -kMost, kMost) * kUnits);
+    if (low >= high) return {0, 0};
+    if (du == 0) return u >= low && u < high ? Span{0, count} : Span{0, 0};
+    const Span span = du > 0 ? Span{DivideUp(low - u, du), DivideUp(high - u, du)}
+                             : Span{DivideUp(u - high + 1, -du), DivideUp(u - low + 1, -du)};
+    return {std::clamp<std::int64_t>(span.first, 0, count), std::clamp<std::int64_t>(span.behind, 0, count)};
+}
 
 template <class Sample>
 void PlainMix(Sample* from, const Sample* to, double amount, std::size_t samples)
@@ -241,14 +335,87 @@ void PlainMix(Sample* from, const Sample* to, double amount, std::size_t samples
 
 const SampleRows& SampleRowsAt(Level level)
 {
-    static const LevelTables<SampleRows> tables(kPlainRows, VFIL_FILLS);
+    static const LevelTables<SampleRows> tables(PlainRows(), VFIL_FILLS);
     return tables.At(level);
 }
 
 SampleRow FindSampleRow(bool useVectors, SampleForm form, SamplePixel pixel)
 {
-    const SampleRows& rows = SampleRowsAt(useVectors ? BestLevel() : Level::Plain);
-    return rows.sample[static_cast<std::size_t>(form)][static_cast<std::size_t>(pixel)];
+    return {SampleRowsAt(useVectors ? BestLevel() : Level::Plain), form, pixel};
+}
+
+SampleRow::SampleRow(const SampleRows& rows, SampleForm form, SamplePixel pixel)
+    : m_form(form), m_pixelBytes(kBytesOf[static_cast<std::size_t>(pixel)]),
+      m_sample(rows.sample[static_cast<std::size_t>(form)][static_cast<std::size_t>(pixel)]),
+      m_inside(rows.inside[static_cast<std::size_t>(form)][static_cast<std::size_t>(pixel)]),
+      m_steps(rows.steps[static_cast<std::size_t>(form)][static_cast<std::size_t>(pixel)]),
+      m_countInside(rows.countInside)
+{}
+
+void SampleRow::operator()(const SampleSource& source, const double* u, const double* v, std::size_t count,
+                           unsigned char* out) const
+{
+    if (m_inside == m_sample || !IsWithin4GiB(source)) {
+        m_sample(source, u, v, count, out);
+        return;
+    }
+    const Reach x = InsideOf(m_form, source.left, source.right);
+    const Reach y = InsideOf(m_form, source.bottom, source.top);
+    const SampleBounds bounds{x.low, x.high, y.low, y.high};
+    constexpr std::size_t kEdge = 8;
+    while (count > 0) {
+        std::size_t done = m_countInside(bounds, u, v, count);
+        if (done != 0) {
+            m_inside(source, u, v, done, out);
+        } else {
+            done = std::min(kEdge, count);
+            m_sample(source, u, v, done, out);
+        }
+        u += done;
+        v += done;
+        out += done * m_pixelBytes;
+        count -= done;
+    }
+}
+
+void SampleRow::operator()(const SampleSource& source, const SampleSteps& steps, std::size_t count,
+                           unsigned char* out) const
+{
+    const auto within = [&](Reach (*reach)(SampleForm, double, double)) {
+        const auto all = static_cast<std::int64_t>(count);
+        return Common(Within(steps.u, steps.du, reach(m_form, source.left, source.right), all),
+                      Within(steps.v, steps.dv, reach(m_form, source.bottom, source.top), all));
+    };
+    const Span near = within(NearOf);
+    Span inside = Common(near, within(InsideOf));
+    if (inside.first == inside.behind || !IsWithin4GiB(source)) inside = {near.behind, near.behind};
+    FillDefault(source, {0, near.first}, out);
+    SampleEdge(source, steps, {near.first, inside.first}, out);
+    if (inside.first != inside.behind) {
+        const SampleSteps first{steps.u + inside.first * steps.du, steps.v + inside.first * steps.dv,
+                                steps.du, steps.dv};
+        m_steps(source, first, static_cast<std::size_t>(inside.behind - inside.first),
+                out + static_cast<std::size_t>(inside.first) * m_pixelBytes);
+    }
+    SampleEdge(source, steps, {inside.behind, near.behind}, out);
+    FillDefault(source, {near.behind, static_cast<std::int64_t>(count)}, out);
+}
+
+void SampleRow::FillDefault(const SampleSource& source, const Span& span, unsigned char* out) const
+{
+    for (std::int64_t i = span.first; i < span.behind; ++i)
+        std::memcpy(out + static_cast<std::size_t>(i) * m_pixelBytes, source.defaultPixel, m_pixelBytes);
+}
+
+/// Places whose pixels may lie outside.
+void SampleRow::SampleEdge(const SampleSource& source, const SampleSteps& steps, const Span& span,
+                           unsigned char* out) const
+{
+    for (std::int64_t i = span.first; i < span.behind; ++i) {
+        const double u = StepAt(steps.u, steps.du, i);
+        const double v = StepAt(steps.v, steps.dv, i);
+        m_sample(source, &u, &v, 1, out + static_cast<std::size_t>(i) * m_pixelBytes);
+    }
 }
 
 void MixSamples(std::uint8_t* from, const std::uint8_t* to, double amount, std::size_t samples)

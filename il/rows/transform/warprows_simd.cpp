@@ -214,18 +214,62 @@ void TakeCells(const Cells& cells, const Source& source, const Span& pixelsX, co
             if ((slots[i].bits >> lane & 1U) != 0) Append(hits, slots[i], lane);
 }
 
+bool AllEqual(const Corners& a, const Corners& b)
+{
+    const Mask64 below = (a.at[0] == b.at[0]) & (a.at[1] == b.at[1]);
+    const Mask64 above = (a.at[2] == b.at[2]) & (a.at[3] == b.at[3]);
+    return BitsOf(below & above) == kAllLanes;
+}
+
+Corners operator+(const Corners& a, F64 b)
+{
+    return {{a.at[0] + b, a.at[1] + b, a.at[2] + b, a.at[3] + b}};
+}
+
+/// A whole number that is not far, of which vectors of it move pixels onto pixels.
+bool IsStep(double v)
+{
+    return v >= -kFarthest && v <= kFarthest && static_cast<double>(static_cast<int>(v)) == v;
+}
+
+/// Where whole cells land on pixels, each is at the common corners of several, and comes from the same place
+/// in all of them: as where nothing moves. Takes a vector of such cells, a hit a corner.
+bool TakeSteps(const WarpCells& row, const Source& source, const Corners& x, const Corners& y, WarpHits& hits)
+{
+    const double stepX = row.x[0][source.index] * row.target;
+    const double stepY = row.y[0][source.index] * row.target;
+    if (row.source != 0 || !IsStep(stepX) || !IsStep(stepY)) return false;
+    const auto first = static_cast<double>(source.index);
+    const double left = first + stepX;
+    const double below = row.row + stepY;
+    if (left < 0 || left + kLanes64 > row.lastX || below < 0 || below + 1 > row.lastY) return false;
+    if (!AllEqual(x, source.gridX + SplatDouble(stepX)) || !AllEqual(y, source.gridY + SplatDouble(stepY)))
+        return false;
+    for (double up = 0; up < 2; up += 1)
+        for (std::size_t i = 0; i <= kLanes64; ++i) {
+            const std::size_t at = hits.count++;
+            hits.x[at] = left + static_cast<double>(i);
+            hits.y[at] = below + up;
+            hits.u[at] = first + static_cast<double>(i);
+            hits.v[at] = row.row + up;
+        }
+    return true;
+}
+
 std::size_t RegularCells(const WarpCells& row, std::size_t first, WarpHits& hits)
 {
     const F64 target = SplatDouble(row.target);
     const F64 below = SplatDouble(row.row);
     const F64 above = SplatDouble(row.row + 1);
+    F64 left = CountFrom(static_cast<double>(first));
     std::size_t index = first;
-    for (; index + kLanes64 <= row.count && hits.count + 9 * kLanes64 <= WarpHits::kMost;) {
-        const F64 left = CountFrom(static_cast<double>(index));
+    for (; index + kLanes64 <= row.count && hits.count + 9 * kLanes64 <= WarpHits::kMost;
+         index += kLanes64, left = left + SplatDouble(kLanes64)) {
         const F64 right = left + SplatDouble(1);
         const Source source{row, index, {{left, right, left, right}}, {{below, below, above, above}}};
         const Corners x = Moved(source.gridX, row.x, index, target);
         const Corners y = Moved(source.gridY, row.y, index, target);
+        if (TakeSteps(row, source, x, y, hits)) continue;
         const Cells cells = CellsOf(x, y);
         const Span spanX = SpanOf(x);
         const Span spanY = SpanOf(y);
@@ -233,12 +277,10 @@ std::size_t RegularCells(const WarpCells& row, std::size_t first, WarpHits& hits
         // The lanes before the first cell that is not.
         const unsigned lanes = regular & ~(regular + 1) & kAllLanes;
         TakeCells(cells, source, PixelsOf(spanX, row.lastX), PixelsOf(spanY, row.lastY), lanes, hits);
-        if (regular != kAllLanes) {
-            for (unsigned bits = regular; (bits & 1U) != 0; bits >>= 1)
-                ++index;
-            break;
-        }
-        index += kLanes64;
+        if (regular == kAllLanes) continue;
+        for (unsigned bits = regular; (bits & 1U) != 0; bits >>= 1)
+            ++index;
+        break;
     }
     return index;
 }
@@ -269,9 +311,10 @@ void Shift(const double* vectorsX, const double* vectorsY, double factor, double
 {
     const F64 by = SplatDouble(factor);
     const F64 row = SplatDouble(y);
+    F64 column = CountFrom(x);
     std::size_t i = 0;
-    for (; i + kLanes64 <= pixels; i += kLanes64) {
-        StoreDoubles(u + i, CountFrom(x + static_cast<double>(i)) + LoadDoubles(vectorsX + i) * by);
+    for (; i + kLanes64 <= pixels; i += kLanes64, column = column + SplatDouble(kLanes64)) {
+        StoreDoubles(u + i, column + LoadDoubles(vectorsX + i) * by);
         StoreDoubles(v + i, row + LoadDoubles(vectorsY + i) * by);
     }
     for (; i < pixels; ++i) {

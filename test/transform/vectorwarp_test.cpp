@@ -132,6 +132,24 @@ TEST(VectorWarp, LaterCellsStandAndSomeAreNeverDrawn)
         ASSERT_EQ(out.Get(i % 16, i / 16), kOpaqueBlack) << i;
 }
 
+TEST(VectorWarp, CellsWithoutAPlaceAreNotDrawn)
+{
+    constexpr double kInfinity = std::numeric_limits<double>::infinity();
+    std::mt19937 random(3);
+    std::normal_distribution<double> normal;
+    GuardedImage in(PXFormat_Mono8, 2, 2), out(PXFormat_Mono8, 2, 2);
+    for (long i = 0; i < 4; ++i)
+        in.Set(i % 2, i / 2, {255});
+    for (int round = 0; round < 400; ++round) {
+        Field field(2, 2, [&](double, double) {
+            return std::array{0.4 * normal(random), 0.4 * normal(random)};
+        });
+        (round % 2 == 0 ? field.x : field.y)[random() % 4] = round % 3 == 0 ? kInfinity : -kInfinity;
+        Warp(field, in, out, kExact);
+        ASSERT_EQ(out.Bytes(), std::vector<std::uint8_t>(4)) << round;
+    }
+}
+
 /// How far the grid stands along the vectors in the input and in the output.
 struct Factors {
     double first, second;
@@ -179,7 +197,7 @@ TEST(VectorWarp, VectorsGiveThePlainBytes)
             return std::array{3 * std::sin(x / 9 + y / 7), 2 * std::cos(x / 8 - y / 5)};
         },
         [&](double, double) {
-            return std::array{normal(random) * 0.2, normal(random) * 0.2};
+            return std::array{normal(random) * 0.8, normal(random) * 0.8};
         },
         [&](double, double) {
             return std::array{normal(random) * 3, normal(random) * 3};

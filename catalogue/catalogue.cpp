@@ -14,7 +14,8 @@ const std::vector<Entry>& Entries()
         std::vector<Entry> all;
         for (const auto family :
              {LayerEntries, PixelEntries, BlurEntries, EdgeEntries, RankEntries, MorphEntries, ConvertEntries,
-              FillkeyEntries, KeyerEntries, VideoKeyerEntries, TableKeyerEntries, FieldEntries, TransformEntries}) {
+              FillkeyEntries, KeyerEntries, VideoKeyerEntries, TableKeyerEntries, FieldEntries,
+              TransformEntries, CornerEntries, WarpEntries}) {
             std::vector<Entry> some = family();
             std::move(some.begin(), some.end(), std::back_inserter(all));
         }

@@ -20,11 +20,11 @@ enum class ParameterType {
     Set, ///< any of the choices, one at least
     Flag,
     Point,
-    Pair,   ///< two numbers, of x and y; one stands for both
-    Colour, ///< red, green, blue and alpha
-    Table,  ///< numbers of the pixels of a window
-    Curve,  ///< a whole number for each of 0 .. kCurvePoints - 1
-    Box,    ///< x and y of its lowest corner, width and height
+    Pair,    ///< two numbers, of x and y; one stands for both
+    Colour,  ///< red, green, blue and alpha
+    Table,   ///< numbers of the pixels of a window
+    Curve,   ///< a whole number for each of 0 .. kCurvePoints - 1
+    Box,     ///< x and y of its lowest corner, width and height
     Numbers, ///< as many as the list has
     Size,    ///< width and height
     Vectors, ///< a vector for each pixel of the input, from a file

@@ -42,7 +42,13 @@ std::vector<Entry> VideoKeyerEntries();
 /// The entries of what works on the fields of video.
 std::vector<Entry> FieldEntries();
 
-/// The entries of what moves a picture: turns, scales, quadrilaterals.
+/// The entries of turns, scales and shifts.
 std::vector<Entry> TransformEntries();
+
+/// The entries of what moves a picture by its corners.
+std::vector<Entry> CornerEntries();
+
+/// The entry of the warp along vectors.
+std::vector<Entry> WarpEntries();
 
 } // namespace vfil::catalogue

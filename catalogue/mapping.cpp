@@ -141,9 +141,15 @@ std::optional<Homography> HomographyOf(const Corners& corners, long width, long 
     const double h = ((x1 - x2) * sum.y - (y1 - y2) * sum.x) / determinant;
     const double across = 1 / static_cast<double>(width - 1);
     const double up = 1 / static_cast<double>(height - 1);
-    return Homography{(x1 - x0 + g * x1) * across, (x3 - x0 + h * x3) * up, x0, //
-                      (y1 - y0 + g * y1) * across, (y3 - y0 + h * y3) * up, y0, //
-                      g * across,                  h * up,                  1};
+    return Homography{(x1 - x0 + g * x1) * across,
+                      (x3 - x0 + h * x3) * up,
+                      x0, //
+                      (y1 - y0 + g * y1) * across,
+                      (y3 - y0 + h * y3) * up,
+                      y0, //
+                      g * across,
+                      h * up,
+                      1};
 }
 
 Homography Normalized(const Homography& map)

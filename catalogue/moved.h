@@ -132,8 +132,9 @@ inline Parameter FilteringLevel()
 {
     Parameter parameter = NumberParameter<&vfILMonadicTransformProc::SetFilteringLevel,
                                           &vfILMonadicTransformProc::GetFilteringLevel>(
-        {0, 1000, 0, "half pixels"}, "makes it softer: how much wider than a pixel the areas are, or the "
-                                     "radius of the blur under prefiltered; without effect on the others",
+        {0, 1000, 0, "half pixels"},
+        "makes it softer: how much wider than a pixel the areas are, or the "
+        "radius of the blur under prefiltered; without effect on the others",
         0);
     return parameter;
 }
@@ -150,8 +151,9 @@ template <class P>
 Parameter AlphaAsItIs()
 {
     Parameter parameter = FlagParameter<&P::SetInputImgPremultiplied, &P::GetInputImgPremultiplied>(
-        std::nullopt, "whether the picture's colour is multiplied by its alpha; stated, it is worked on as it "
-                      "is");
+        std::nullopt,
+        "whether the picture's colour is multiplied by its alpha; stated, it is worked on as it "
+        "is");
     parameter.role = ParameterRole::Premultiplication;
     return parameter;
 }

@@ -68,8 +68,8 @@ struct Step {
     std::optional<vfILVector2l> outputSize;
     CanvasSize canvas;
     std::optional<StepMask> mask;
-    unsigned long mode = 0;    ///< bits of vfILProcessingMode
-    bool usualChannels = true; ///< nobody chose those in the mode
+    unsigned long mode = 0;      ///< bits of vfILProcessingMode
+    bool usualChannels = true;   ///< nobody chose those in the mode
     bool fieldsTogether = false; ///< frames of two fields are taken as they are
     vfILColor defaultColor{0, 0, 0, 0};
     std::optional<GUID> to; ///< format of the results, for an operator with conversions

@@ -18,10 +18,10 @@ struct Signal {
     long height = 0;
     bool clip = false;       ///< changes from frame to frame
     bool interlaced = false; ///< has two fields, as far as anybody says
-    bool alpha = false;    ///< its first input had an alpha channel that counts
-    bool mayClear = false; ///< an operator may have made pixels clear that have no alpha otherwise
-    bool ofCanvas = false; ///< its size is that of a canvas
-    GUID home{};           ///< the format in which it is written, as far as the file takes it
+    bool alpha = false;      ///< its first input had an alpha channel that counts
+    bool mayClear = false;   ///< an operator may have made pixels clear that have no alpha otherwise
+    bool ofCanvas = false;   ///< its size is that of a canvas
+    GUID home{};             ///< the format in which it is written, as far as the file takes it
     std::optional<std::size_t> clipRoot; ///< the first source behind it that is a clip
 };
 

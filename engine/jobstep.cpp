@@ -135,8 +135,7 @@ void CheckAlternatives(const Entry& entry, const Values& values)
         const auto one = GivenOf(either.one, values);
         const auto other = GivenOf(either.other, values);
         if (!one.empty() && !other.empty()) {
-            throw RequestError("takes " + Named(one.front()) + " or " + Named(other.front()) +
-                               ", not both");
+            throw RequestError("takes " + Named(one.front()) + " or " + Named(other.front()) + ", not both");
         }
         if (either.required && one.empty() && other.empty())
             throw RequestError("needs " + Named(either.one.front()) + " or " + Named(either.other.front()));

@@ -289,8 +289,7 @@ Signal ResultSignal(const JobPlan& plan, const StepPlan& planned)
     const bool whole = planned.outputSize == planned.dominantBox.GetSize() && !step.roi;
     const bool copies = catalogue::IsConverter(*step.entry) || step.entry->copies;
     const bool writesAlpha = (step.mode & VFIL_MODE_ALPHA) != 0 && !copies;
-    result.mayClear =
-        !planned.opaque && (first.mayClear || writesAlpha || !whole || planned.dominant != 0);
+    result.mayClear = !planned.opaque && (first.mayClear || writesAlpha || !whole || planned.dominant != 0);
     result.ofCanvas = step.entry->places;
     for (const StepInput& input : planned.inputs) {
         if (!result.clipRoot && input.signal) result.clipRoot = SignalOf(plan, input).clipRoot;

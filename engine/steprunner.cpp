@@ -1,8 +1,8 @@
 /// \file
 /// The run of one step: prepare, connect, check, execute.
 #include "engine/steprunner.h"
-#include "engine/interrupt.h"
 #include "engine/failure.h"
+#include "engine/interrupt.h"
 #include "engine/planning.h"
 #include "engine/settings.h"
 #include "engine/words.h"
@@ -19,11 +19,12 @@ namespace {
 // RGBA.
 constexpr std::size_t kAlphaChannel = 3;
 
-// Rounding makes full alpha a code less here and there.
+// Rounding makes full alpha a code less here and there. Of opaque pictures straight colour is the same.
 void MakeOpaque(host::Picture& picture)
 {
     const vfILFormatInfo& info = picture.FormatInfo();
     if (!info.alpha) return;
+    picture.SetPremultiplied(false);
     const auto pixel = static_cast<std::size_t>(info.pixelBytes);
     const auto sample = static_cast<std::size_t>(info.sampleBytes);
     for (long y = 0; y < picture.Height(); ++y) {

@@ -67,8 +67,8 @@ void TakeVector(const std::filesystem::path& path, const unsigned char* bytes, F
     const double x = FloatAt(bytes);
     const double y = -FloatAt(bytes + 4);
     if (!(std::abs(x) <= kMostKnown && std::abs(y) <= kMostKnown)) {
-        throw FileError(path, "has no vector for the pixel in column " + std::to_string(column) +
-                                  " of row " + std::to_string(row) + " from the top");
+        throw FileError(path, "has no vector for the pixel in column " + std::to_string(column) + " of row " +
+                                  std::to_string(row) + " from the top");
     }
     const auto index =
         static_cast<std::size_t>(flow.height - 1 - row) * static_cast<std::size_t>(flow.width) +

@@ -87,6 +87,36 @@ inline S32 PairBytes(S32 v)
     return (v & Splat32(0xFF)) | (ShiftUp<8>(v) & Splat32(0x00FF0000));
 }
 
+/// The upper 16 bits of the products of signed lanes.
+inline U16 MulHighSigned(U16 a, U16 b)
+{
+    return {VFIL_MM(mulhi_epi16)(a.bits, b.bits)};
+}
+
+/// Each of the lower, or the upper, two 32-bit lanes of each 128 bits twice.
+inline U16 TwiceLow32(S32 v)
+{
+    return {VFIL_MM(unpacklo_epi32)(v.bits, v.bits)};
+}
+
+inline U16 TwiceHigh32(S32 v)
+{
+    return {VFIL_MM(unpackhi_epi32)(v.bits, v.bits)};
+}
+
+/// Of four vectors whose lower halves of each 128 bits hold two 32-bit values: the first ones, and the second
+/// ones, in the order of the vectors.
+struct Halves32 {
+    Register first, second;
+};
+
+inline Halves32 SplitHalves(Register a, Register b, Register c, Register d)
+{
+    const Register low = VFIL_MM(unpacklo_epi32)(a, b);
+    const Register high = VFIL_MM(unpacklo_epi32)(c, d);
+    return {VFIL_MM(unpacklo_epi64)(low, high), VFIL_MM(unpackhi_epi64)(low, high)};
+}
+
 /// The vectors' lower 128 bits, then their upper ones.
 inline void StoreLanesInTurn(void* p, U16 a, U16 b)
 {

@@ -2,8 +2,8 @@
 /// Exact areas: what a convex polygon covers of each pixel of a grid, without supersampling, and the two
 /// operations that prepare a polygon for it.
 ///
-/// Pixel i reaches from i - 0.5 to i + 0.5 on each axis, so that pixel centres have whole coordinates, and y
-/// grows downwards. To draw a polygon with exact edges:
+/// Pixel i reaches from i - 0.5 to i + 0.5 on each axis, so that pixel centres have whole coordinates. A row
+/// is above another one here when its y is smaller. To draw a polygon with exact edges:
 ///
 ///     IncrementalPixelCoverage2D coverage;
 ///     coverage.Initialize(n, x, y, reversed, firstRow);
@@ -33,8 +33,8 @@ public:
     /// \param start     The first row to cover.
     void Initialize(long n, const double x[], const double y[], int reversed, long start);
 
-    /// Writes what the polygon has within the current row, up its left side and down its right one, and moves
-    /// one row down.
+    /// Writes what the polygon has within the current row, from the largest y on its left side to the
+    /// smallest, and back on its right side, and moves one row on.
     ///
     /// \param outX, outY  Room for kMaxBandVertices.
     /// \return The count of vertices, of which some may coincide; 0 above and below the polygon.

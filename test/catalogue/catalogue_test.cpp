@@ -41,8 +41,8 @@ catalogue::Table Numbers(const Parameter& parameter)
 
 std::shared_ptr<const catalogue::VectorField> SomeVectors()
 {
-    static const auto field = std::make_shared<const catalogue::VectorField>(catalogue::VectorField{
-        4, 2, std::vector<double>(8, 0.5), std::vector<double>(8, -1), "flow.flo"});
+    static const auto field = std::make_shared<const catalogue::VectorField>(
+        catalogue::VectorField{4, 2, std::vector<double>(8, 0.5), std::vector<double>(8, -1), "flow.flo"});
     return field;
 }
 

@@ -195,8 +195,15 @@ HelpPage OperatorHelp(const Entry& entry)
     if (entry.whole)
         takes.rows.emplace_back("region",
                                 "none: works on whole pictures, without --output-offset and --fields");
+    for (const Option& option : SourceOptions()) {
+        const std::string name = SourceOptionOf(entry, option.name);
+        if (name != option.name)
+            takes.rows.emplace_back("--" + name, "what --" + option.name +
+                                                     " is to all other operators: " + option.summary);
+    }
     if (entry.places)
-        takes.rows.emplace_back("region", "none: see --size instead of --roi, --output-offset and --output-size");
+        takes.rows.emplace_back("region",
+                                "none: see --size instead of --roi, --output-offset and --output-size");
     if (entry.multiplied) {
         takes.rows.emplace_back("alpha",
                                 "colour of pictures with straight alpha is multiplied by it first, unless a "

@@ -6,6 +6,7 @@
 #include "tools/vfil/text.h"
 #include "tools/vfil/valuetext.h"
 
+#include <algorithm>
 #include <map>
 
 namespace vfil::tool {
@@ -215,9 +216,19 @@ std::vector<Option> OutputOptions(const Entry& entry)
     return options;
 }
 
+std::string SourceOptionOf(const Entry& entry, const std::string& setting)
+{
+    const auto& own = entry.parameters;
+    const auto isSame = [&](const Parameter& parameter) { return parameter.name == setting; };
+    return (std::any_of(own.begin(), own.end(), isSame) ? "in-" : "") + setting;
+}
+
 std::vector<Option> OptionsOf(const Entry& entry)
 {
-    return Combine({ParameterOptions(entry), OutputOptions(entry), SharedOptions()});
+    std::vector<Option> shared = SharedOptions();
+    for (Option& option : shared)
+        option.name = SourceOptionOf(entry, option.name);
+    return Combine({ParameterOptions(entry), OutputOptions(entry), shared});
 }
 
 namespace {

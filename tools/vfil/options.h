@@ -37,6 +37,10 @@ const std::vector<Option>& RunOptions();
 /// The options that all operators share: those of the four groups, and --output.
 const std::vector<Option>& SharedOptions();
 
+/// The option of a setting that all operators share: its name, unless the operator has a parameter of that
+/// name.
+std::string SourceOptionOf(const catalogue::Entry& entry, const std::string& setting);
+
 /// All options of an operator.
 std::vector<Option> OptionsOf(const catalogue::Entry& entry);
 

@@ -115,6 +115,19 @@ void AddSinks(const Entry& entry, const Arguments& arguments, Step& step, Job& j
     if (job.sinks.empty()) throw RequestError("needs -o FILE, the picture or clip to write");
 }
 
+// The options as they speak of the pictures that are read.
+Values SourceValues(const Entry& entry, const Values& options)
+{
+    Values values = options;
+    for (const engine::Setting& setting : engine::SourceSettings()) {
+        const std::string option = SourceOptionOf(entry, setting.name);
+        if (option == setting.name) continue;
+        values.given.erase(setting.name);
+        if (options.Has(option)) values.given[setting.name] = options.All(option);
+    }
+    return values;
+}
+
 } // namespace
 
 Job MakeJob(const Entry& entry, const Arguments& arguments)
@@ -125,16 +138,17 @@ Job MakeJob(const Entry& entry, const Arguments& arguments)
     const std::size_t most = entry.inputs.size();
     CheckWords(arguments.words, most - static_cast<std::size_t>(optional), most, PictureNames(entry));
     Job job;
+    const Values reading = SourceValues(entry, arguments.options);
     Step step = engine::MakeStep(entry, arguments.options);
     step.inputs.resize(most);
     for (std::size_t i = 0; i < arguments.words.size(); ++i) {
         step.inputs[i] = entry.inputs[i].role;
-        job.sources.push_back(engine::MakeSource(step.inputs[i], arguments.words[i], arguments.options));
+        job.sources.push_back(engine::MakeSource(step.inputs[i], arguments.words[i], reading));
     }
     CheckRaw(job);
     if (step.mask) {
         // A mask takes the depth of the pictures by itself.
-        job.sources.push_back(engine::MakeSource("mask", step.mask->input, arguments.options));
+        job.sources.push_back(engine::MakeSource("mask", step.mask->input, reading));
         job.sources.back().format.reset();
         step.mask->input = "mask";
     }

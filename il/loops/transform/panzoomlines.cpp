@@ -1,0 +1,339 @@
+/// \file
+/// Sampling along the axes, row by row.
+
+#include "il/loops/transform/panzoomlines.h"
+
+#include "il/loops/frame/imageview.h"
+#include "il/loops/frame/rowcopy.h"
+#include "il/loops/frame/rowloop.h"
+#include "il/loops/transform/sampletable.h"
+#include "il/loops/transform/sampling.h"
+#include "il/rows/transform/scalerows.h"
+
+#include <cstring>
+#include <new>
+
+namespace vfil {
+
+namespace {
+
+/// Default pixels before and behind those of a line: a place that is near reaches at most so far.
+constexpr std::int64_t kPad = 4;
+
+Span SpanOf(long first, long count)
+{
+    return {first, std::int64_t{first} + count - 1};
+}
+
+/// What the forms share: the places of the columns, and rows of the input.
+template <class Format>
+class Lines : public PanZoomLines {
+protected:
+    using Sample = typename Format::Sample;
+    static constexpr std::size_t kChannels = Format::kChannels;
+    static constexpr std::size_t kForm = kChannels == 4 ? 0 : 1; ///< of the kernels' arrays
+
+    Lines(const vfILTransformRun& run, SampleForm form, const AxisMap& x, const AxisMap& y)
+        : m_input(run.input), m_columns(SpanOf(run.effectBox.GetOffsetX(), run.effectBox.GetSizeX())),
+          m_x{x, SpanOf(run.sourceBox.GetOffsetX(), run.sourceBox.GetSizeX()), form, sizeof(Sample) == 1},
+          m_y{y, SpanOf(run.sourceBox.GetOffsetY(), run.sourceBox.GetSizeY()), form, sizeof(Sample) == 1}
+    {
+        std::memcpy(m_defaultPixel, run.defaultPixel, sizeof m_defaultPixel);
+    }
+
+    /// Where each column's first pixel lies in a line: kPad + its distance from m_needed.first, or 0 where
+    /// there are default pixels alone.
+    bool PrepareStarts()
+    {
+        const std::size_t count = m_columns.Count();
+        if (!m_starts.Allocate(count + kScaleSlack)) return false;
+        const std::int64_t before = m_x.form == SampleForm::Bicubic ? 1 : 0;
+        m_needed = {};
+        for (std::int64_t x = m_columns.first; x <= m_columns.last; ++x) {
+            const Span pixels = m_x.PixelsAt(m_x.At(x));
+            if (pixels.IsEmpty()) continue;
+            const bool isFirst = m_needed.IsEmpty();
+            m_needed.first = isFirst ? pixels.first : std::min(m_needed.first, pixels.first);
+            m_needed.last = isFirst ? pixels.last : std::max(m_needed.last, pixels.last);
+        }
+        std::fill_n(m_starts.Data(), count + kScaleSlack, 0);
+        for (std::size_t k = 0; k < count; ++k) {
+            const AxisPlace place = PlaceOf(k);
+            if (m_x.PixelsAt(place).IsEmpty()) continue;
+            m_starts[k] = static_cast<std::int32_t>(place.whole - before - m_needed.first + kPad);
+        }
+        return true;
+    }
+    AxisPlace PlaceOf(std::size_t column) const
+    {
+        return m_x.At(m_columns.first + static_cast<std::int64_t>(column));
+    }
+    std::size_t LineSamples() const { return (m_needed.Count() + 2 * kPad) * kChannels; }
+    /// The pixels of a row that are needed.
+    const Sample* Row(std::int64_t y) const
+    {
+        return reinterpret_cast<const Sample*>(m_input.pixels + y * m_input.RowBytes()) +
+               m_needed.first * static_cast<std::int64_t>(kChannels);
+    }
+    void FillDefault(void* pixels, std::size_t count) const
+    {
+        FillRow(static_cast<unsigned char*>(pixels), count * sizeof m_defaultPixel,
+                reinterpret_cast<const unsigned char*>(m_defaultPixel), sizeof m_defaultPixel);
+    }
+
+    ImageView m_input;
+    Span m_columns; ///< of the effect box
+    AxisPlaces m_x, m_y;
+    Span m_needed; ///< columns of the input
+    Sample m_defaultPixel[kChannels] = {};
+    RunArray<std::int32_t> m_starts;
+};
+
+template <class Format>
+class NearestLines final : public Lines<Format> {
+    using Base = Lines<Format>;
+
+public:
+    NearestLines(const vfILTransformRun& run, const AxisMap& x, const AxisMap& y, bool)
+        : Base(run, SampleForm::Nearest, x, y)
+    {}
+    /// The columns that have a pixel are neighbours.
+    bool Prepare()
+    {
+        if (!this->PrepareStarts()) return false;
+        std::size_t behind = this->m_columns.Count();
+        while (m_first < behind && this->m_starts[m_first] == 0)
+            ++m_first;
+        while (behind > m_first && this->m_starts[behind - 1] == 0)
+            --behind;
+        m_count = behind - m_first;
+        return true;
+    }
+    void MakeLine(long y, unsigned char* output) override
+    {
+        const AxisPlace row = this->m_y.At(y);
+        const std::size_t columns = this->m_columns.Count();
+        if (!row.isNear || m_count == 0) return this->FillDefault(output, columns);
+        if (row.whole == m_held && m_last != nullptr) {
+            std::memcpy(output, m_last, columns * sizeof(Pixel));
+        } else {
+            this->FillDefault(output, m_first);
+            Pick(reinterpret_cast<const unsigned char*>(this->Row(row.whole)),
+                 output + m_first * sizeof(Pixel));
+            this->FillDefault(output + (m_first + m_count) * sizeof(Pixel), columns - m_first - m_count);
+        }
+        m_held = row.whole;
+        m_last = output;
+    }
+
+private:
+    struct Pixel {
+        typename Base::Sample sample[Base::kChannels];
+    };
+
+    void Pick(const unsigned char* row, unsigned char* output) const
+    {
+        const std::int32_t* const starts = this->m_starts.Data() + m_first;
+        for (std::size_t k = 0; k < m_count; ++k)
+            std::memcpy(output + k * sizeof(Pixel), row + (starts[k] - kPad) * std::ptrdiff_t{sizeof(Pixel)},
+                        sizeof(Pixel));
+    }
+
+    std::size_t m_first = 0, m_count = 0; ///< columns that have a pixel
+    std::int64_t m_held = -1;             ///< the row that the line before shows
+    const unsigned char* m_last = nullptr;
+};
+
+template <class Format>
+class BilinearLines final : public Lines<Format> {
+    using Base = Lines<Format>;
+    using Sample = typename Base::Sample;
+    using Lerped = typename BetweenPasses<Sample>::Lerped;
+
+public:
+    BilinearLines(const vfILTransformRun& run, const AxisMap& x, const AxisMap& y, bool useVectors)
+        : Base(run, SampleForm::Bilinear, x, y), m_kernels(FindScaleRows<Sample>(useVectors))
+    {}
+    bool Prepare()
+    {
+        if (!this->PrepareStarts()) return false;
+        const std::size_t entries = this->m_columns.Count() + kScaleSlack;
+        m_rowSamples = entries * Base::kChannels;
+        const std::size_t line = this->LineSamples() + kScaleSlack * Base::kChannels;
+        if (!m_fractions.Allocate(entries) || !m_exact.Allocate(entries) || !m_line.Allocate(line) ||
+            !m_ring.Allocate(3 * m_rowSamples))
+            return false;
+        std::fill_n(m_fractions.Data(), entries, 0U);
+        std::fill_n(m_exact.Data(), entries, 0.0);
+        for (std::size_t k = 0; k < this->m_columns.Count(); ++k) {
+            const AxisPlace place = this->PlaceOf(k);
+            if (this->m_starts[k] == 0) continue;
+            m_fractions[k] = static_cast<std::uint32_t>(place.fraction) * 0x10001U;
+            m_exact[k] = place.exact;
+        }
+        this->FillDefault(m_line.Data(), line / Base::kChannels);
+        std::fill_n(m_ring.Data(), 3 * m_rowSamples, Lerped{0});
+        Lerp(m_ring.Data() + 2 * m_rowSamples); // the row of default pixels
+        return true;
+    }
+    void MakeLine(long y, unsigned char* output) override
+    {
+        const AxisPlace place = this->m_y.At(y);
+        if (!place.isNear) return this->FillDefault(output, this->m_columns.Count());
+        const Lerped* const low = LerpedRow(place.whole);
+        const Lerped* const high = LerpedRow(place.whole + 1);
+        m_kernels.lerpRows(low, high, {place.fraction, place.exact}, reinterpret_cast<Sample*>(output),
+                           this->m_columns.Count() * Base::kChannels);
+    }
+
+private:
+    void Lerp(Lerped* out) const
+    {
+        m_kernels.lerpPixels[Base::kForm](m_line.Data(),
+                                          {this->m_starts.Data(), m_fractions.Data(), m_exact.Data()}, out,
+                                          this->m_columns.Count());
+    }
+    const Lerped* LerpedRow(std::int64_t row)
+    {
+        if (row < this->m_y.source.first || row > this->m_y.source.last)
+            return m_ring.Data() + 2 * m_rowSamples;
+        const auto slot = static_cast<std::size_t>(row & 1);
+        Lerped* const out = m_ring.Data() + slot * m_rowSamples;
+        if (m_held[slot] == row) return out;
+        m_held[slot] = row;
+        std::copy_n(this->Row(row), this->m_needed.Count() * Base::kChannels,
+                    m_line.Data() + kPad * Base::kChannels);
+        Lerp(out);
+        return out;
+    }
+
+    const ScaleRowsOf<Sample>& m_kernels;
+    RunArray<std::uint32_t> m_fractions;
+    RunArray<double> m_exact;
+    RunArray<Sample> m_line; ///< a row of the input between default pixels
+    RunArray<Lerped> m_ring; ///< an even row, an odd one, and that of default pixels
+    std::size_t m_rowSamples = 0;
+    std::int64_t m_held[2] = {-1, -1};
+};
+
+template <class Format>
+class BicubicLines final : public Lines<Format> {
+    using Base = Lines<Format>;
+    using Sample = typename Base::Sample;
+    using Column = typename BetweenPasses<Sample>::Column;
+
+public:
+    BicubicLines(const vfILTransformRun& run, const AxisMap& x, const AxisMap& y, bool useVectors)
+        : Base(run, SampleForm::Bicubic, x, y), m_kernels(FindScaleRows<Sample>(useVectors))
+    {}
+    bool Prepare()
+    {
+        if (!this->PrepareStarts()) return false;
+        const std::size_t entries = this->m_columns.Count() + kScaleSlack;
+        const std::size_t samples = this->LineSamples() + kScaleSlack * Base::kChannels;
+        if (!m_exact.Allocate(4 * entries) || !m_weights.Allocate(4 * entries) || !m_sums.Allocate(samples) ||
+            !m_defaults.Allocate(samples))
+            return false;
+        std::fill_n(m_exact.Data(), 4 * entries, 0.0);
+        std::fill_n(m_weights.Data(), 4 * entries, 0U);
+        std::fill_n(m_sums.Data(), samples, Column{0});
+        this->FillDefault(m_defaults.Data(), samples / Base::kChannels);
+        for (std::size_t k = 0; k < this->m_columns.Count(); ++k)
+            SetWeights(k, entries);
+        m_taps = {this->m_starts.Data(),
+                  {m_weights.Data(), m_weights.Data() + entries},
+                  {m_weights.Data() + 2 * entries, m_weights.Data() + 3 * entries},
+                  m_exact.Data()};
+        return true;
+    }
+    void MakeLine(long y, unsigned char* output) override
+    {
+        const AxisPlace place = this->m_y.At(y);
+        const std::size_t columns = this->m_columns.Count();
+        if (!place.isNear) return this->FillDefault(output, columns);
+        RowWeights weights{};
+        const CubicWeights fixed = CubicWeightsOf(place.fraction);
+        std::copy_n(fixed.weight, 4, weights.fixed);
+        SetExactWeights(place.exact, weights.exact);
+        const Sample* rows[4];
+        for (int i = 0; i < 4; ++i) {
+            const std::int64_t row = place.whole - 1 + i;
+            const bool counts = row >= this->m_y.source.first && row <= this->m_y.source.last;
+            rows[i] = counts ? this->Row(row) : m_defaults.Data();
+        }
+        Column* const first = m_sums.Data() + kPad * Base::kChannels;
+        const std::size_t needed = this->m_needed.Count() * Base::kChannels;
+        m_kernels.columns(rows, weights, first, needed);
+        PadColumns(weights, first, first + needed);
+        m_kernels.cubicPixels[Base::kForm](m_sums.Data(), m_taps, reinterpret_cast<Sample*>(output), columns);
+    }
+
+private:
+    /// The weights of column k; a table has so many entries.
+    void SetWeights(std::size_t k, std::size_t entries)
+    {
+        const AxisPlace place = this->PlaceOf(k);
+        const bool isDefault = this->m_starts[k] == 0;
+        SetExactWeights(isDefault ? 0.0 : place.exact, m_exact.Data() + 4 * k);
+        const CubicWeights w = CubicWeightsOf(isDefault ? 0 : place.fraction);
+        const auto pair = [](std::int32_t low, std::int32_t high) {
+            return (static_cast<std::uint32_t>(low) & 0xFFFFU) | static_cast<std::uint32_t>(high) << 16;
+        };
+        for (std::size_t i = 0; i < 2; ++i) {
+            const std::int32_t a = w.weight[2 * i];
+            const std::int32_t b = w.weight[2 * i + 1];
+            m_weights[i * entries + k] = pair(a >> 2, b >> 2);
+            m_weights[(i + 2) * entries + k] = pair(a & 3, b & 3);
+        }
+    }
+    /// The columns of default pixels, on both sides.
+    void PadColumns(const RowWeights& weights, Column* first, Column* behind) const
+    {
+        const Sample* const rows[4] = {m_defaults.Data(), m_defaults.Data(), m_defaults.Data(),
+                                       m_defaults.Data()};
+        constexpr std::size_t kSamples = kPad * Base::kChannels;
+        m_kernels.columns(rows, weights, first - kSamples, kSamples);
+        std::copy_n(first - kSamples, kSamples, behind);
+    }
+
+    const ScaleRowsOf<Sample>& m_kernels;
+    RunArray<double> m_exact;
+    RunArray<std::uint32_t> m_weights; ///< four tables
+    RunArray<Column> m_sums;           ///< the columns of a line
+    RunArray<Sample> m_defaults;       ///< a row of default pixels
+    CubicTaps m_taps{};
+};
+
+/// Lines that write nothing.
+class NoLines final : public PanZoomLines {
+public:
+    void MakeLine(long, unsigned char*) override {}
+};
+
+template <class Made>
+std::unique_ptr<PanZoomLines> Prepared(const vfILTransformRun& run, const AxisMap& x, const AxisMap& y,
+                                       bool useVectors)
+{
+    std::unique_ptr<Made> lines(new (std::nothrow) Made(run, x, y, useVectors));
+    if (lines == nullptr || !lines->Prepare()) return nullptr;
+    return lines;
+}
+
+} // namespace
+
+std::unique_ptr<PanZoomLines> PanZoomLines::Create(const vfILTransformRun& run, vfILInterpolationType type,
+                                                   const AxisMap& x, const AxisMap& y, bool useVectors)
+{
+    std::unique_ptr<PanZoomLines> lines;
+    bool isKnown = false;
+    PointFormats::Visit(run.output.format->id, [&](auto tag) {
+        using Format = decltype(tag);
+        isKnown = type >= VFIL_INTERP_NEAREST && type <= VFIL_INTERP_BICUBIC;
+        if (type == VFIL_INTERP_NEAREST) lines = Prepared<NearestLines<Format>>(run, x, y, useVectors);
+        if (type == VFIL_INTERP_BILINEAR) lines = Prepared<BilinearLines<Format>>(run, x, y, useVectors);
+        if (type == VFIL_INTERP_BICUBIC) lines = Prepared<BicubicLines<Format>>(run, x, y, useVectors);
+    });
+    return isKnown ? std::move(lines) : std::unique_ptr<PanZoomLines>(new (std::nothrow) NoLines);
+}
+
+} // namespace vfil

@@ -1,0 +1,194 @@
+/// \file
+/// The vector forms of the kernels of sampling along the axes, for the level VFIL_LEVEL.
+#include "il/rows/transform/scaleparams.h"
+#include "il/rows/vecmove.h"
+#include "il/rows/vecsum.h"
+#include "il/rows/vectaps.h"
+
+namespace vfil {
+namespace {
+
+#if !defined(__AVX512BW__)
+
+static_assert(kScaleSlack >= kBytes);
+
+/// a + ((b - a) * fraction + 32768) / 65536 of samples of 8 bits in 16-bit lanes. The high half of the
+/// product with an unsigned fraction is that with a signed one, and once more the factor where it is above
+/// half.
+U16 Between(U16 a, U16 b, U16 fraction)
+{
+    const U16 d = b - a;
+    const U16 whole = MulHighSigned(d, fraction) + (d & SignMask(fraction));
+    return a + whole + ShiftRight<15>(d * fraction);
+}
+
+/// Pixels at kLanes32 places, and the ones behind them, in order.
+Halves32 LoadPixelPairs(const std::uint8_t* line, const std::int32_t* starts)
+{
+    const auto at = [&](std::size_t i) {
+        return LoadEights(line + 4 * std::ptrdiff_t{starts[i]},
+                          line + 4 * std::ptrdiff_t{starts[i + kLanes32 - 4]});
+    };
+    return SplitHalves(at(0), at(1), at(2), at(3));
+}
+
+void LerpFours(const std::uint8_t* line, const LerpTaps& taps, std::uint8_t* out, std::size_t pixels)
+{
+    for (std::size_t k = 0; k < pixels; k += kLanes32) {
+        const Halves32 pairs = LoadPixelPairs(line, taps.starts + k);
+        const S32 fractions = LoadLanes(taps.fractions + k);
+        const U16Pair a = Widen({pairs.first});
+        const U16Pair b = Widen({pairs.second});
+        Store(out + 4 * k, Narrow({Between(a.lo, b.lo, TwiceLow32(fractions)),
+                                   Between(a.hi, b.hi, TwiceHigh32(fractions))}));
+    }
+}
+
+/// Lanes of a sample each, the first of a pair, and the second.
+void LerpOnes(const std::uint8_t* line, const LerpTaps& taps, std::uint8_t* out, std::size_t pixels)
+{
+    for (std::size_t k = 0; k < pixels; k += kBytes) {
+        S32 results[4];
+        for (std::size_t i = 0; i < 4; ++i) {
+            const std::size_t at = k + i * kLanes32;
+            const S32 pairs = GatherFours<1>(line, taps.starts + at);
+            const U16 first{(pairs & Splat32(0xFF)).bits};
+            const U16 second{(ShiftDownBits<8>(pairs) & Splat32(0xFF)).bits};
+            results[i] = {Between(first, second, {LoadLanes(taps.fractions + at).bits}).bits};
+        }
+        Store(out + k, NarrowLanes(results[0], results[1], results[2], results[3]));
+    }
+}
+
+void LerpTwoRows(const std::uint8_t* low, const std::uint8_t* high, const RowFraction& fraction,
+                 std::uint8_t* out, std::size_t samples)
+{
+    const U16 fractions = Splat(fraction.fixed);
+    MapRow<false, 1>(low, high, out, samples, [&](U8 below, U8 above, Part) {
+        const U16Pair a = Widen(below);
+        const U16Pair b = Widen(above);
+        return Narrow({Between(a.lo, b.lo, fractions), Between(a.hi, b.hi, fractions)});
+    });
+}
+
+/// The weights of four rows, as 4 high + low, in pairs.
+struct SplitWeights {
+    explicit SplitWeights(const std::int32_t* w)
+        : high{SplatPair16(w[0] >> 2, w[1] >> 2), SplatPair16(w[2] >> 2, w[3] >> 2)},
+          low{SplatPair16(w[0] & 3, w[1] & 3), SplatPair16(w[2] & 3, w[3] & 3)}
+    {}
+    /// Of samples of the rows 0 and 1, and of 2 and 3.
+    S32 Sum(U16 first, U16 second) const
+    {
+        const S32 a{first.bits};
+        const S32 b{second.bits};
+        return ShiftUp<2>(DotPairs(a, high[0]) + DotPairs(b, high[1])) + DotPairs(a, low[0]) +
+               DotPairs(b, low[1]);
+    }
+
+    S32 high[2], low[2];
+};
+
+void ColumnChunk(const std::uint8_t* const (&rows)[4], const SplitWeights& weights, std::int16_t* out)
+{
+    const U8 a = Load(rows[0]);
+    const U8 b = Load(rows[1]);
+    const U8 c = Load(rows[2]);
+    const U8 d = Load(rows[3]);
+    const U16Pair low[2] = {Widen(InterleaveLow(a, b)), Widen(InterleaveLow(c, d))};
+    const U16Pair high[2] = {Widen(InterleaveHigh(a, b)), Widen(InterleaveHigh(c, d))};
+    const auto column = [](S32 sum) { return ShiftDown<10>(sum + Splat32(0x200)); };
+    StoreLanesInTurn(
+        out, PackSigned(column(weights.Sum(low[0].lo, low[1].lo)), column(weights.Sum(low[0].hi, low[1].hi))),
+        PackSigned(column(weights.Sum(high[0].lo, high[1].lo)), column(weights.Sum(high[0].hi, high[1].hi))));
+}
+
+void Columns(const std::uint8_t* const* rows, const RowWeights& weights, std::int16_t* out,
+             std::size_t samples)
+{
+    const SplitWeights split(weights.fixed);
+    std::size_t at = 0;
+    for (; samples - at >= kBytes; at += kBytes)
+        ColumnChunk({rows[0] + at, rows[1] + at, rows[2] + at, rows[3] + at}, split, out + at);
+    if (at == samples) return;
+    std::uint8_t parts[4][kBytes] = {};
+    std::int16_t results[kBytes];
+    for (std::size_t row = 0; row < 4; ++row)
+        std::memcpy(parts[row], rows[row] + at, samples - at);
+    ColumnChunk({parts[0], parts[1], parts[2], parts[3]}, split, results);
+    std::memcpy(out + at, results, (samples - at) * sizeof *out);
+}
+
+/// Sums of the columns' products, rounded; limited to samples by who packs them.
+S32 CubicSum(S32 high, S32 low)
+{
+    return ShiftDown<22>(ShiftUp<2>(high) + low + Splat32(0x200000));
+}
+
+/// The outputs k + lane and k + lane + 4.
+template <int lane>
+S32 CubicFour(const std::int16_t* columns, const CubicTaps& taps, std::size_t k)
+{
+    const std::int16_t* const first = columns + 4 * std::ptrdiff_t{taps.starts[k + lane]};
+    const std::int16_t* const second = columns + 4 * std::ptrdiff_t{taps.starts[k + lane + kLanes32 - 4]};
+    const auto weight = [k](const std::uint32_t* weights) {
+        return Shuffle32<lane * 0x55>(LoadLanes(weights + k));
+    };
+    const S32 a = PairChannels16(LoadSixteens(first, second));
+    const S32 b = PairChannels16(LoadSixteens(first + 8, second + 8));
+    return CubicSum(DotPairs(a, weight(taps.high[0])) + DotPairs(b, weight(taps.high[1])),
+                    DotPairs(a, weight(taps.low[0])) + DotPairs(b, weight(taps.low[1])));
+}
+
+/// The last bytes of a row go through a block of memory.
+void StorePart(std::uint8_t* out, U8 v, std::size_t bytes)
+{
+    if (bytes >= kBytes) return Store(out, v);
+    std::uint8_t block[kBytes];
+    Store(block, v);
+    std::memcpy(out, block, bytes);
+}
+
+void CubicFours(const std::int16_t* columns, const CubicTaps& taps, std::uint8_t* out, std::size_t pixels)
+{
+    for (std::size_t k = 0; k < pixels; k += kLanes32) {
+        const U16 low = PackSigned(CubicFour<0>(columns, taps, k), CubicFour<1>(columns, taps, k));
+        const U16 high = PackSigned(CubicFour<2>(columns, taps, k), CubicFour<3>(columns, taps, k));
+        StorePart(out + 4 * k, Narrow({low, high}), 4 * (pixels - k));
+    }
+}
+
+S32 CubicOne(const std::int16_t* columns, const CubicTaps& taps, std::size_t k)
+{
+    const S32 a = GatherFours<2>(columns, taps.starts + k);
+    const S32 b = GatherFours<2>(columns + 2, taps.starts + k);
+    const auto weight = [k](const std::uint32_t* weights) { return LoadLanes(weights + k); };
+    return CubicSum(DotPairs(a, weight(taps.high[0])) + DotPairs(b, weight(taps.high[1])),
+                    DotPairs(a, weight(taps.low[0])) + DotPairs(b, weight(taps.low[1])));
+}
+
+void CubicOnes(const std::int16_t* columns, const CubicTaps& taps, std::uint8_t* out, std::size_t pixels)
+{
+    for (std::size_t k = 0; k < pixels; k += kBytes) {
+        S32 results[4];
+        for (std::size_t i = 0; i < 4; ++i)
+            results[i] = CubicOne(columns, taps, k + i * kLanes32);
+        StorePart(out + k, NarrowLanes(results[0], results[1], results[2], results[3]), pixels - k);
+    }
+}
+
+#endif
+
+} // namespace
+
+namespace VFIL_LEVEL {
+
+void Fill([[maybe_unused]] ScaleRows& rows)
+{
+#if !defined(__AVX512BW__)
+    rows.bytes = {{LerpFours, LerpOnes}, LerpTwoRows, Columns, {CubicFours, CubicOnes}};
+#endif
+}
+
+} // namespace VFIL_LEVEL
+} // namespace vfil

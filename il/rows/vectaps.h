@@ -93,6 +93,27 @@ inline U16 MulHighSigned(U16 a, U16 b)
     return {VFIL_MM(mulhi_epi16)(a.bits, b.bits)};
 }
 
+/// The first pixels of outputs, and the second ones.
+struct PixelPairs {
+    Register first, second;
+};
+
+#if defined(__AVX2__)
+/// Pixels of four bytes at 8 places, and the ones behind them, where all lie in the 8 pixels that begin with the
+/// lowest of the first and the last place. False where they don't.
+inline bool LoadNearPairs(const std::uint8_t* line, const std::int32_t* starts, PixelPairs& pairs)
+{
+    const std::int32_t low = starts[0] < starts[7] ? starts[0] : starts[7];
+    const Register places = Load(reinterpret_cast<const std::uint8_t*>(starts)).bits;
+    const Register first = _mm256_sub_epi32(places, _mm256_set1_epi32(low));
+    const Register second = _mm256_add_epi32(first, _mm256_set1_epi32(1));
+    if (_mm256_testz_si256(_mm256_or_si256(first, second), _mm256_set1_epi32(~7)) == 0) return false;
+    const Register pixels = Load(line + 4 * std::ptrdiff_t{low}).bits;
+    pairs = {_mm256_permutevar8x32_epi32(pixels, first), _mm256_permutevar8x32_epi32(pixels, second)};
+    return true;
+}
+#endif
+
 /// Each of the lower, or the upper, two 32-bit lanes of each 128 bits twice.
 inline U16 TwiceLow32(S32 v)
 {
@@ -106,11 +127,7 @@ inline U16 TwiceHigh32(S32 v)
 
 /// Of four vectors whose lower halves of each 128 bits hold two 32-bit values: the first ones, and the second
 /// ones, in the order of the vectors.
-struct Halves32 {
-    Register first, second;
-};
-
-inline Halves32 SplitHalves(Register a, Register b, Register c, Register d)
+inline PixelPairs SplitHalves(Register a, Register b, Register c, Register d)
 {
     const Register low = VFIL_MM(unpacklo_epi32)(a, b);
     const Register high = VFIL_MM(unpacklo_epi32)(c, d);

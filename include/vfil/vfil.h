@@ -19,6 +19,7 @@
 #include <vfil/models.h>
 #include <vfil/morphology.h>
 #include <vfil/numeric.h>
+#include <vfil/panzoom.h>
 #include <vfil/perspective.h>
 #include <vfil/pixel.h>
 #include <vfil/pixelcoverage.h>

@@ -1,10 +1,10 @@
 /// \file
 /// Footprint sums: the vector forms against the plain ones, these against a brute-force cut, and whole output
 /// pixels against values by hand and a model that is made of the slicers.
-#include "il/rows/geometry/footprint.h"
+#include "il/rows/transform/footprint.h"
 
 #include "cellarea.h"
-#include "il/rows/geometry/footprintrows.h"
+#include "il/rows/transform/footprintrows.h"
 #include "support/rowcheck.h"
 
 #include <vfil/pixelcoverage.h>

@@ -70,7 +70,7 @@ public:
 private:
     bool PrepareRows()
     {
-        constexpr std::size_t kSlack = kTapSlack + 2;
+        constexpr std::size_t kSlack = kTapSlack; // pixels, of which a kernel may read some
         m_ringRows = std::max<std::size_t>(2 * m_y.pairs, 1);
         m_rowSamples = (m_x.outputs.Count() + kTapSlack) * kChannels;
         const std::size_t lineSamples = (m_x.needed.Count() + 2 * m_x.pairs + kSlack) * kChannels;

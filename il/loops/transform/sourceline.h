@@ -5,6 +5,7 @@
 #include "il/loops/frame/colourpixel.h"
 #include "il/loops/transform/panzoomrun.h"
 #include "il/rows/pixarith.h"
+#include "il/rows/transform/resamplerows.h"
 
 #include <algorithm>
 #include <cstring>
@@ -67,6 +68,7 @@ public:
     bool Create(const PanZoomRun& run, const Span (&source)[2], const Span& x, const Span& y)
     {
         m_multiplies = run.multiplies && kChannels == 4;
+        m_multiply = FindMultiplyAlpha<Sample>(run.useVectors);
         m_border = run.HasBorder();
         m_fades = run.Fades();
         m_x = x;
@@ -86,7 +88,7 @@ public:
     /// Treats the pixels that are asked for, of row y.
     void Treat(Sample* line, std::int64_t y) const
     {
-        if (m_multiplies) Multiply(line);
+        if (m_multiplies) m_multiply(line, m_x.Count());
         if (m_border) PaintBorder(line, m_bands[1].Open(y));
         if (m_fades) Fade(line, m_bands[1].Gain(y));
     }
@@ -97,12 +99,6 @@ private:
     static std::int32_t Product(std::int32_t a, std::int32_t b)
     {
         return static_cast<std::int32_t>((std::int64_t{a} * b + kWholeWeight / 2) >> kWeightBits);
-    }
-    void Multiply(Sample* pixel) const
-    {
-        for (std::size_t i = 0; i < m_x.Count(); ++i, pixel += kChannels)
-            for (std::size_t c = 0; c + 1 < kChannels; ++c)
-                pixel[c] = Rule::Mult(pixel[c], pixel[kChannels - 1]);
     }
     void PaintBorder(Sample* pixel, int openY) const
     {
@@ -130,6 +126,7 @@ private:
         }
     }
 
+    MultiplyAlpha<Sample> m_multiply = nullptr;
     AxisBands m_bands[2];
     Sample m_colour[kChannels] = {};
     Span m_x;

@@ -2,8 +2,8 @@
 /// Kernels that sum footprints, and the plain form for polygons of any number of vertices.
 #pragma once
 
-#include "il/rows/transform/footprintparams.h"
 #include "il/rows/levels.h"
+#include "il/rows/transform/footprintparams.h"
 
 namespace vfil {
 

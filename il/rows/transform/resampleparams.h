@@ -36,6 +36,10 @@ using WeighRows = void (*)(const Sample* const* rows, const std::int16_t* weight
 template <class Sample>
 using PaintUnder = void (*)(const Sample* front, Sample* back, std::size_t pixels);
 
+/// Multiplies the colour of RGBA pixels by their alpha, in place.
+template <class Sample>
+using MultiplyAlpha = void (*)(Sample* row, std::size_t pixels);
+
 /// The kernels of the two-pass resampler, for one level.
 struct ResampleRows {
     WeighPixels<std::uint8_t> pixels8;
@@ -46,6 +50,8 @@ struct ResampleRows {
     WeighRows<std::uint16_t> rows16;
     PaintUnder<std::uint8_t> under8;
     PaintUnder<std::uint16_t> under16;
+    MultiplyAlpha<std::uint8_t> multiply8;
+    MultiplyAlpha<std::uint16_t> multiply16;
 };
 
 } // namespace vfil

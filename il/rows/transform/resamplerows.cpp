@@ -53,6 +53,14 @@ void PlainUnder(const Sample* front, Sample* back, std::size_t pixels)
     }
 }
 
+template <class Sample>
+void PlainMultiply(Sample* pixel, std::size_t pixels)
+{
+    for (std::size_t i = 0; i < pixels; ++i, pixel += 4)
+        for (int c = 0; c < 3; ++c)
+            pixel[c] = FullScale<Sample>::Mult(pixel[c], pixel[3]);
+}
+
 const LevelTables<ResampleRows>& Tables()
 {
     static const LevelTables<ResampleRows> tables({.pixels8 = PlainPixels<std::uint8_t, 4>,
@@ -62,7 +70,9 @@ const LevelTables<ResampleRows>& Tables()
                                                    .rows8 = PlainRows<std::uint8_t>,
                                                    .rows16 = PlainRows<std::uint16_t>,
                                                    .under8 = PlainUnder<std::uint8_t>,
-                                                   .under16 = PlainUnder<std::uint16_t>},
+                                                   .under16 = PlainUnder<std::uint16_t>,
+                                                   .multiply8 = PlainMultiply<std::uint8_t>,
+                                                   .multiply16 = PlainMultiply<std::uint16_t>},
                                                   VFIL_FILLS);
     return tables;
 }
@@ -113,6 +123,18 @@ template <>
 PaintUnder<std::uint16_t> FindPaintUnder(bool useVectors)
 {
     return Best(useVectors).under16;
+}
+
+template <>
+MultiplyAlpha<std::uint8_t> FindMultiplyAlpha(bool useVectors)
+{
+    return Best(useVectors).multiply8;
+}
+
+template <>
+MultiplyAlpha<std::uint16_t> FindMultiplyAlpha(bool useVectors)
+{
+    return Best(useVectors).multiply16;
 }
 
 } // namespace vfil

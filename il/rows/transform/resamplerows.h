@@ -19,5 +19,7 @@ template <class Sample>
 WeighRows<Sample> FindWeighRows(bool useVectors);
 template <class Sample>
 PaintUnder<Sample> FindPaintUnder(bool useVectors);
+template <class Sample>
+MultiplyAlpha<Sample> FindMultiplyAlpha(bool useVectors);
 
 } // namespace vfil

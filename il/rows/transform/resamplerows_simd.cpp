@@ -63,10 +63,33 @@ S32 SumPixel8(const std::uint8_t* line, const LineTaps& taps, std::size_t k)
     }
 }
 
+#if defined(__AVX2__)
+/// Two pixels an output, of neighbours whose pixels all lie in one vector.
+U8 NearPixels8(const PixelPairs& pairs, const LineTaps& taps, std::size_t k)
+{
+    const S32 weights = LoadTapWeights(taps, 0, k);
+    const U16Pair low = Widen(InterleaveLow(U8{pairs.first}, U8{pairs.second}));
+    const U16Pair high = Widen(InterleaveHigh(U8{pairs.first}, U8{pairs.second}));
+    return Narrow({PackSigned(Rounded(DotPairs({low.lo.bits}, SplatLane<0>(weights))),
+                              Rounded(DotPairs({low.hi.bits}, SplatLane<1>(weights)))),
+                   PackSigned(Rounded(DotPairs({high.lo.bits}, SplatLane<2>(weights))),
+                              Rounded(DotPairs({high.hi.bits}, SplatLane<3>(weights))))});
+}
+#endif
+
 template <bool single>
 void Pixels8(const std::uint8_t* line, const LineTaps& taps, std::uint8_t* out, std::size_t pixels)
 {
     for (std::size_t k = 0; k < pixels; k += kLanes32) {
+#if defined(__AVX2__)
+        if constexpr (single) {
+            PixelPairs pairs{};
+            if (LoadNearPairs(line, taps.starts + k, pairs)) {
+                Store(out + 4 * k, NearPixels8(pairs, taps, k));
+                continue;
+            }
+        }
+#endif
         const U16 low = PackSigned(Rounded(SumPixel8<single, 0>(line, taps, k)),
                                    Rounded(SumPixel8<single, 1>(line, taps, k)));
         const U16 high = PackSigned(Rounded(SumPixel8<single, 2>(line, taps, k)),
@@ -249,6 +272,25 @@ void Under16(const std::uint16_t* front, std::uint16_t* back, std::size_t pixels
     });
 }
 
+/// Alpha itself is multiplied by the full value.
+void Multiply8(std::uint8_t* row, std::size_t pixels)
+{
+    MapRow<false, 4>(row, row, row, 4 * pixels, [](U8 v, U8, Part) {
+        const U16Pair wide = Widen(v);
+        const U16 kept = SplatPixel(0x00FF'0000'0000'0000);
+        return Narrow(
+            {NormMult(wide.lo, SplatAlpha(wide.lo) | kept), NormMult(wide.hi, SplatAlpha(wide.hi) | kept)});
+    });
+}
+
+void Multiply16(std::uint16_t* row, std::size_t pixels)
+{
+    MapRow<false, 8>(row, row, row, 8 * pixels, [](U8 v, U8, Part) {
+        const U16 wide{v.bits};
+        return U8{NormMultFull(wide, SplatAlpha(wide) | SplatPixel(0xFFFF'0000'0000'0000)).bits};
+    });
+}
+
 #endif
 
 } // namespace
@@ -258,7 +300,7 @@ namespace VFIL_LEVEL {
 void Fill([[maybe_unused]] ResampleRows& rows)
 {
 #if !defined(__AVX512BW__)
-    rows = {AnyPixels8, AnyMono8, Pixels16, Mono16, Rows8, Rows16, Under8, Under16};
+    rows = {AnyPixels8, AnyMono8, Pixels16, Mono16, Rows8, Rows16, Under8, Under16, Multiply8, Multiply16};
 #endif
 }
 

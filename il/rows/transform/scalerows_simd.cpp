@@ -1,6 +1,7 @@
 /// \file
 /// The vector forms of the kernels of sampling along the axes, for the level VFIL_LEVEL.
 #include "il/rows/transform/scaleparams.h"
+#include "il/rows/vecfloat.h"
 #include "il/rows/vecmove.h"
 #include "il/rows/vecsum.h"
 #include "il/rows/vectaps.h"
@@ -23,8 +24,12 @@ U16 Between(U16 a, U16 b, U16 fraction)
 }
 
 /// Pixels at kLanes32 places, and the ones behind them, in order.
-Halves32 LoadPixelPairs(const std::uint8_t* line, const std::int32_t* starts)
+PixelPairs LoadPixelPairs(const std::uint8_t* line, const std::int32_t* starts)
 {
+#if defined(__AVX2__)
+    PixelPairs near{};
+    if (LoadNearPairs(line, starts, near)) return near;
+#endif
     const auto at = [&](std::size_t i) {
         return LoadEights(line + 4 * std::ptrdiff_t{starts[i]},
                           line + 4 * std::ptrdiff_t{starts[i + kLanes32 - 4]});
@@ -35,7 +40,7 @@ Halves32 LoadPixelPairs(const std::uint8_t* line, const std::int32_t* starts)
 void LerpFours(const std::uint8_t* line, const LerpTaps& taps, std::uint8_t* out, std::size_t pixels)
 {
     for (std::size_t k = 0; k < pixels; k += kLanes32) {
-        const Halves32 pairs = LoadPixelPairs(line, taps.starts + k);
+        const PixelPairs pairs = LoadPixelPairs(line, taps.starts + k);
         const S32 fractions = LoadLanes(taps.fractions + k);
         const U16Pair a = Widen({pairs.first});
         const U16Pair b = Widen({pairs.second});
@@ -63,11 +68,25 @@ void LerpOnes(const std::uint8_t* line, const LerpTaps& taps, std::uint8_t* out,
 void LerpTwoRows(const std::uint8_t* low, const std::uint8_t* high, const RowFraction& fraction,
                  std::uint8_t* out, std::size_t samples)
 {
-    const U16 fractions = Splat(fraction.fixed);
-    MapRow<false, 1>(low, high, out, samples, [&](U8 below, U8 above, Part) {
-        const U16Pair a = Widen(below);
-        const U16Pair b = Widen(above);
-        return Narrow({Between(a.lo, b.lo, fractions), Between(a.hi, b.hi, fractions)});
+    if (fraction.fixed == 0) {
+        std::memcpy(out, low, samples);
+        return;
+    }
+    if (fraction.fixed == 0x8000) {
+        MapRow<false, 1>(low, high, out, samples, [](U8 a, U8 b, Part) { return Average(a, b); });
+        return;
+    }
+    // Seen from the nearer row the weight is below a half: a signed number.
+    const bool isHigh = fraction.fixed > 0x8000;
+    const U16 weight = Splat(isHigh ? 0x10000 - fraction.fixed : fraction.fixed);
+    const auto between = [weight](U16 a, U16 b) {
+        const U16 d = b - a;
+        return a + MulHighSigned(d, weight) + ShiftRight<15>(d * weight);
+    };
+    MapRow<false, 1>(isHigh ? high : low, isHigh ? low : high, out, samples, [&](U8 near, U8 far, Part) {
+        const U16Pair a = Widen(near);
+        const U16Pair b = Widen(far);
+        return Narrow({between(a.lo, b.lo), between(a.hi, b.hi)});
     });
 }
 
@@ -177,6 +196,95 @@ void CubicOnes(const std::int16_t* columns, const CubicTaps& taps, std::uint8_t*
     }
 }
 
+F64 Between(F64 a, F64 b, F64 fraction)
+{
+    return a + (b - a) * fraction;
+}
+
+void LerpFourWords(const std::uint16_t* line, const LerpTaps& taps, double* out, std::size_t pixels)
+{
+    for (std::size_t k = 0; k < pixels; ++k, out += 4) {
+        const std::uint16_t* const in = line + 4 * std::ptrdiff_t{taps.starts[k]};
+        const F64 fraction = SplatDouble(taps.exact[k]);
+        for (std::size_t c = 0; c < 4; c += kLanes64)
+            StoreDoubles(out + c, Between(LoadAsDoubles(in + c), LoadAsDoubles(in + 4 + c), fraction));
+    }
+}
+
+/// 4 kLanes64 samples of doubles, rounded half up and limited.
+template <class Sum>
+void StoreWords(std::uint16_t* out, Sum sum)
+{
+    const auto whole = [&](std::size_t i) {
+        const F64 limited = Max(Min(sum(i * kLanes64), SplatDouble(65535)), SplatDouble(0));
+        return limited + SplatDouble(0.5);
+    };
+    const S32 low{HalvesToInt32(whole(0), whole(1))};
+    const S32 high{HalvesToInt32(whole(2), whole(3))};
+    Store(reinterpret_cast<std::uint8_t*>(out), NarrowPairs(low, high));
+}
+
+/// A row of so many samples; the last go through a block of memory. The rows that sum(at) reads are longer.
+template <class SumAt>
+void MakeWords(std::uint16_t* out, std::size_t samples, SumAt sumAt)
+{
+    constexpr std::size_t kWords = 4 * kLanes64;
+    for (std::size_t at = 0; at < samples; at += kWords) {
+        const auto sum = [&](std::size_t i) { return sumAt(at + i); };
+        if (samples - at >= kWords) {
+            StoreWords(out + at, sum);
+        } else {
+            std::uint16_t block[kWords];
+            StoreWords(block, sum);
+            std::memcpy(out + at, block, (samples - at) * sizeof *out);
+        }
+    }
+}
+
+void LerpTwoRowsOfDoubles(const double* low, const double* high, const RowFraction& fraction,
+                          std::uint16_t* out, std::size_t samples)
+{
+    const F64 weight = SplatDouble(fraction.exact);
+    MakeWords(out, samples,
+              [=](std::size_t at) { return Between(LoadDoubles(low + at), LoadDoubles(high + at), weight); });
+}
+
+/// In the order of the plain form.
+F64 SumOfFour(F64 a, F64 b, F64 c, F64 d, const double* weights)
+{
+    return ((a * SplatDouble(weights[0]) + b * SplatDouble(weights[1])) + c * SplatDouble(weights[2])) +
+           d * SplatDouble(weights[3]);
+}
+
+void ColumnsOfWords(const std::uint16_t* const* rows, const RowWeights& weights, double* out,
+                    std::size_t samples)
+{
+    const auto sum = [&](const std::uint16_t* a, const std::uint16_t* b, const std::uint16_t* c,
+                         const std::uint16_t* d) {
+        return SumOfFour(LoadAsDoubles(a), LoadAsDoubles(b), LoadAsDoubles(c), LoadAsDoubles(d),
+                         weights.exact);
+    };
+    std::size_t at = 0;
+    for (; samples - at >= kLanes64; at += kLanes64)
+        StoreDoubles(out + at, sum(rows[0] + at, rows[1] + at, rows[2] + at, rows[3] + at));
+    if (at == samples) return;
+    std::uint16_t parts[4][kLanes64] = {};
+    double results[kLanes64];
+    for (std::size_t row = 0; row < 4; ++row)
+        std::memcpy(parts[row], rows[row] + at, (samples - at) * sizeof(std::uint16_t));
+    StoreDoubles(results, sum(parts[0], parts[1], parts[2], parts[3]));
+    std::memcpy(out + at, results, (samples - at) * sizeof *out);
+}
+
+void CubicFourWords(const double* columns, const CubicTaps& taps, std::uint16_t* out, std::size_t pixels)
+{
+    MakeWords(out, 4 * pixels, [=, &taps](std::size_t at) {
+        const double* const in = columns + 4 * std::ptrdiff_t{taps.starts[at / 4]} + at % 4;
+        return SumOfFour(LoadDoubles(in), LoadDoubles(in + 4), LoadDoubles(in + 8), LoadDoubles(in + 12),
+                         taps.exact + at / 4 * 4);
+    });
+}
+
 #endif
 
 } // namespace
@@ -187,6 +295,10 @@ void Fill([[maybe_unused]] ScaleRows& rows)
 {
 #if !defined(__AVX512BW__)
     rows.bytes = {{LerpFours, LerpOnes}, LerpTwoRows, Columns, {CubicFours, CubicOnes}};
+    rows.words.lerpPixels[0] = LerpFourWords;
+    rows.words.lerpRows = LerpTwoRowsOfDoubles;
+    rows.words.columns = ColumnsOfWords;
+    rows.words.cubicPixels[0] = CubicFourWords;
 #endif
 }
 

@@ -7,6 +7,10 @@
 
 #include <vfil/frame.h>
 
+namespace vfil {
+struct FootprintPlanes;
+} // namespace vfil
+
 /// What all transforms share apart from the mapping: the crop of the source, a border inside of what is left,
 /// an opacity with a falloff towards the edges, and what the pictures say of premultiplication. Groups of
 /// four are left, right, top, bottom, in pixels, each 0 by default.
@@ -305,6 +309,11 @@ private:
     double FootprintSizeAt(float x, float y);
     long ClipPlanes(unsigned long first, unsigned long count, double (*planes)[4]);
     void MapCorner(double x, double y, double& u, double& v, double& w);
+    struct Corners;
+    void MapCorners(double left, double right, double low, double high, Corners& corners);
+    template <class Format>
+    void SumLine(const vfILVector2f& start, long width, double half, const vfil::FootprintPlanes* planes,
+                 unsigned char* output);
 
     long m_coefficientCount = 0;
     float m_coefficients[kMostCoefficients] = {};

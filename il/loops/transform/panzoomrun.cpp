@@ -48,7 +48,7 @@ public:
         const Span source[2] = {Cropped(m_run.a.view.width, m_run.crop[0]),
                                 Cropped(m_run.a.view.height, m_run.crop[1])};
         const Span rows = SpanOf(m_run.effectBox.GetOffsetY(), m_run.effectBox.GetSizeY());
-        if (!m_x.Create(m_run.x, source[0], m_columns) || !m_y.Create(m_run.y, source[1], rows)) return false;
+        if (!m_x.CreateRowWeightLookup(m_run.x, source[0], m_columns) || !m_y.CreateRowWeightLookup(m_run.y, source[1], rows)) return false;
         if (m_x.outputs.IsEmpty()) m_y.outputs = {};
         return m_source.Create(m_run, source, m_x.needed, m_y.needed) && PrepareRows() && PrepareAlpha() &&
                PrepareBackground();
@@ -199,6 +199,17 @@ private:
         return count / 2;
     }
 
+    /// Output k of the y axis.
+    void PerformYPassOnRow(std::size_t k, Sample* out, std::size_t samples)
+    {
+        if (m_y.IsList()) {
+            std::copy_n(XRow(m_y.needed.first + m_y.starts[k]), samples, out);
+            return;
+        }
+        const std::size_t pairs = FindRows(k);
+        m_weighRows(m_rows.Data(), m_weights.Data(), pairs, out, samples);
+    }
+
     void MakeRow(std::int64_t y, Sample* out)
     {
         FindBackground(y);
@@ -212,10 +223,7 @@ private:
         const auto before = static_cast<std::size_t>(m_x.outputs.first - m_columns.first);
         const std::size_t count = m_x.outputs.Count();
         Sample* const made = out + before * kChannels;
-        if (m_y.IsList())
-            std::copy_n(XRow(m_y.needed.first + m_y.starts[k]), count * kChannels, made);
-        else
-            m_weighRows(m_rows.Data(), m_weights.Data(), FindRows(k), made, count * kChannels);
+        PerformYPassOnRow(k, made, count * kChannels);
         std::copy_n(background, before * kChannels, out);
         std::copy_n(background + (before + count) * kChannels, (pixels - before - count) * kChannels,
                     made + count * kChannels);

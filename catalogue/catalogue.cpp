@@ -15,7 +15,7 @@ const std::vector<Entry>& Entries()
         for (const auto family :
              {LayerEntries, PixelEntries, BlurEntries, EdgeEntries, RankEntries, MorphEntries, ConvertEntries,
               FillkeyEntries, KeyerEntries, VideoKeyerEntries, TableKeyerEntries, FieldEntries,
-              TransformEntries, CornerEntries, WarpEntries}) {
+              TransformEntries, PanZoomEntries, CornerEntries, WarpEntries}) {
             std::vector<Entry> some = family();
             std::move(some.begin(), some.end(), std::back_inserter(all));
         }

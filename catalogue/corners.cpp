@@ -129,19 +129,21 @@ public:
 
     std::optional<Extent> Covers(long width, long height) const override
     {
-        const AffineMap map{.c = m_local.numbers[0] + m_stab.numbers[0],
-                            .f = m_local.numbers[1] + m_stab.numbers[1]};
-        return ExtentOf(map, width, height);
+        const MapPoint local = PairOf(m_local, 0);
+        const MapPoint stab = PairOf(m_stab, 0);
+        return ExtentOf(AffineMap{.c = local.x + stab.x, .f = local.y + stab.y}, width, height);
     }
 
 private:
     void Map(long, long) override
     {
         // The class adds the stabilisation to the place each time.
-        SetLocalTransX(m_local.numbers[0]);
-        SetLocalTransY(m_local.numbers[1]);
-        SetStabTransX(m_stab.numbers[0]);
-        SetStabTransY(m_stab.numbers[1]);
+        const MapPoint local = PairOf(m_local, 0);
+        const MapPoint stab = PairOf(m_stab, 0);
+        SetLocalTransX(local.x);
+        SetLocalTransY(local.y);
+        SetStabTransX(stab.x);
+        SetStabTransY(stab.y);
         vfILTransfoPerspProj::SetCameraPosZ(m_camera);
         SetCoefficients();
     }

@@ -45,6 +45,9 @@ std::vector<Entry> FieldEntries();
 /// The entries of turns, scales and shifts.
 std::vector<Entry> TransformEntries();
 
+/// The entry of scales with a border and a falloff.
+std::vector<Entry> PanZoomEntries();
+
 /// The entries of what moves a picture by its corners.
 std::vector<Entry> CornerEntries();
 

@@ -14,20 +14,6 @@ namespace vfil::catalogue {
 
 namespace {
 
-// A pure green screen: a guess, but one that shows something.
-Value Green()
-{
-    return {0, 1, 0, 1};
-}
-
-// What keeps people who pick a keyer by name from getting their picture back as it was.
-void ExpectSectorKey(vfILChromaKeyer& keyer)
-{
-    keyer.SetKeyColor({0, 1, 0, 1});
-    keyer.SetAngleTolerance(120);
-    keyer.SetLiftAndGain(0, 1);
-}
-
 void ExpectDifferenceKey(vfILBlueGreenKeyer& keyer)
 {
     keyer.SetKeyColor({0, 1, 0, 1});
@@ -90,10 +76,10 @@ Entry RgbaKeyer(const char* className, const char* summary, std::vector<Paramete
 Entry ChromaKeyer()
 {
     using P = vfILChromaKeyer;
-    return RgbaKeyer<P, &ExpectSectorKey>(
+    return RgbaKeyer<P, &ExpectSectorKey<&P::SetAngleTolerance, &P::SetLiftAndGain, P>>(
         "vfILChromaKeyer", "key by hue: a sector of the chroma plane around the key colour",
         {KeyColor(Green()),
-         NumberParameter<&P::SetAngleTolerance, &P::GetAngleTolerance>({0, 360, 120, "degrees"},
+         NumberParameter<&P::SetAngleTolerance, &P::GetAngleTolerance>({0, 360, kSectorTolerance, "degrees"},
                                                                        "how wide the sector opens", 0x10023),
          PartParameter<&P::SetLiftAndGain, &P::GetLiftAndGain, 0>(
              "lift", {0, 1, 0}, "how far from grey the sector begins, which saves pale colours", 0x10023),

@@ -29,10 +29,10 @@ struct MapPoint {
 /// What is done to a picture, in the order of the members.
 struct AffineParts {
     MapPoint scale{1, 1};
-    MapPoint shear;      ///< by how much x grows with y, and y with x
+    MapPoint shear = {}; ///< by how much x grows with y, and y with x
     double rotation = 0; ///< in degrees, counter-clockwise as one sees it
-    MapPoint translation;
-    std::optional<MapPoint> about; ///< the point that stays but for the translation; absent: the middle
+    MapPoint translation = {};
+    std::optional<MapPoint> about = {}; ///< the point that stays but for the translation; absent: the middle
 };
 
 /// The mapping of a picture of that size. Turned by quarters about its middle, and not scaled, a picture

@@ -32,6 +32,18 @@ inline float Coefficient(double number)
     return std::isnan(number) ? 0.0F : static_cast<float>(std::clamp(number, -kMost, kMost));
 }
 
+/// The point of a list, if it has one.
+inline std::optional<MapPoint> PointOf(const Table& list)
+{
+    if (list.numbers.size() < 2) return std::nullopt;
+    return MapPoint{list.numbers[0], list.numbers[1]};
+}
+
+inline MapPoint PairOf(const Table& list, double usual)
+{
+    return PointOf(list).value_or(MapPoint{usual, usual});
+}
+
 /// A transform whose coefficients follow from what people say of it, as soon as it has a picture.
 template <class P>
 class Moved : public P, public Placement {

@@ -37,6 +37,8 @@ T FromValue(const Value& value)
 {
     if constexpr (std::same_as<T, vfILColor>)
         return {value.x, value.y, value.z, value.w};
+    else if constexpr (std::same_as<T, vfILVector2l>)
+        return {static_cast<long>(value.x), static_cast<long>(value.y)};
     else if constexpr (std::same_as<T, Table>)
         return value.table;
     else if constexpr (std::same_as<T, std::shared_ptr<const VectorField>>)
@@ -51,6 +53,8 @@ Value ToValue(const T& got)
 {
     if constexpr (std::same_as<T, vfILColor>)
         return {got.GetRed(), got.GetGreen(), got.GetBlue(), got.GetAlpha()};
+    else if constexpr (std::same_as<T, vfILVector2l>)
+        return {static_cast<double>(got[0]), static_cast<double>(got[1])};
     else if constexpr (std::same_as<T, Table>)
         return {.table = got};
     else if constexpr (std::same_as<T, std::shared_ptr<const VectorField>>)

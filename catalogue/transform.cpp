@@ -11,12 +11,6 @@ namespace {
 
 constexpr double kMostDegrees = 1e6;
 
-std::optional<MapPoint> PointOf(const Table& table)
-{
-    if (table.numbers.size() < 2) return std::nullopt;
-    return MapPoint{table.numbers[0], table.numbers[1]};
-}
-
 class Affine : public Moved<vfILAffineTransform> {
 public:
     void SetMatrix(const Table& matrix) { m_matrix = matrix; }
@@ -43,10 +37,10 @@ private:
     {
         const auto& n = m_matrix.numbers;
         if (n.size() >= 6) return {n[0], n[1], n[2], n[3], n[4], n[5]};
-        return AffineOf({.scale = PointOf(m_scale).value_or(MapPoint{1, 1}),
-                         .shear = PointOf(m_shear).value_or(MapPoint{}),
+        return AffineOf({.scale = PairOf(m_scale, 1),
+                         .shear = PairOf(m_shear, 0),
                          .rotation = m_degrees,
-                         .translation = PointOf(m_translation).value_or(MapPoint{}),
+                         .translation = PairOf(m_translation, 0),
                          .about = PointOf(m_about)},
                         width, height);
     }

@@ -12,18 +12,12 @@ namespace vfil::catalogue {
 
 namespace {
 
-Value Green()
-{
-    return {0, 1, 0, 1};
-}
 constexpr double kOne255th = 1.0 / 255;
 
-// What keys a green screen, and shows something of both pictures.
-void ExpectSectorKey(vfILChromaKeyerYUV& keyer)
+void ExpectSectorAndSpill(vfILChromaKeyerYUV& keyer)
 {
-    keyer.SetKeyColor({0, 1, 0, 1});
-    keyer.SetKeyAngleTolerance(120);
-    keyer.SetKeyLiftAndGain(0, 1);
+    using P = vfILChromaKeyerYUV;
+    ExpectSectorKey<&P::SetKeyAngleTolerance, &P::SetKeyLiftAndGain>(keyer);
     keyer.SetSpillAngleTolerance(150);
     keyer.SetSpillLiftAndGain(0, 1);
 }
@@ -110,12 +104,12 @@ std::vector<Parameter> SpillParameters()
 Entry SectorKeyer()
 {
     using P = vfILChromaKeyerYUV;
-    Entry entry = VideoKeyer<SetUp<DominatedByB<P>, &ExpectSectorKey>>(
+    Entry entry = VideoKeyer<SetUp<DominatedByB<P>, &ExpectSectorAndSpill>>(
         "vfILChromaKeyerYUV", "put 4:2:2 video over a back by hue, with spill correction");
     entry.parameters = {
         KeyColor(Green()),
         NumberParameter<&P::SetKeyAngleTolerance, &P::GetKeyAngleTolerance>(
-            {0, 360, 120, "degrees"}, "how wide the sector opens", 0x10023),
+            {0, 360, kSectorTolerance, "degrees"}, "how wide the sector opens", 0x10023),
         PartParameter<&P::SetKeyLiftAndGain, &P::GetKeyLiftAndGain, 0>(
             "key-lift", {0, 1, 0}, "how far from grey the sector begins, which saves pale colours", 0x10023),
         PartParameter<&P::SetKeyLiftAndGain, &P::GetKeyLiftAndGain, 1>(

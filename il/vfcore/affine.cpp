@@ -1,6 +1,7 @@
 /// \file
 /// Affine maps.
 
+#include "il/loops/frame/saturate.h"
 #include "il/loops/transform/pyramid.h"
 #include "il/loops/transform/sampling.h"
 
@@ -39,8 +40,8 @@ void Map(const float (&m)[6], float& x, float& y)
 {
     const double px = x;
     const double py = y;
-    x = static_cast<float>(m[0] * px + m[1] * py + m[2]);
-    y = static_cast<float>(m[3] * px + m[4] * py + m[5]);
+    x = SaturateToFloat(m[0] * px + m[1] * py + m[2]);
+    y = SaturateToFloat(m[3] * px + m[4] * py + m[5]);
 }
 
 /// Whole numbers of the steps' unit that are less than 2 to the power of 22 pixels. A sum of them, with that

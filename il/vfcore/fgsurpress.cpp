@@ -64,10 +64,6 @@ vfILStatus vfILFGSurpress::Process8()
             std::memcpy(out, in, 4 * pixels);
         }
     };
-    if (Run().mask.first != nullptr) {
-        RunKeyedRows<true>(*this, Run(), InputWalk(), treat);
-    } else {
-        RunKeyedRows<false>(*this, Run(), InputWalk(), treat);
-    }
+    RunKeyedRows(*this, Run(), InputWalk(), Run().mask.first != nullptr, treat);
     return VFIL_SUCCESS;
 }

@@ -119,12 +119,6 @@ void vfILMonadicTransformProc::TransformLineWithBilinearPrefilteredInterpolation
     }
 }
 
-void vfILMonadicTransformProc::TransformLineWithPixelSumming(const vfILVector2f& start, long width,
-                                                             unsigned char* output)
-{
-    SampleLine(start, width, output);
-}
-
 vfILStatus vfILMonadicTransformProc::BuildPyramid()
 {
     const long count = CountLevels(m_run.input.width, m_run.input.height);

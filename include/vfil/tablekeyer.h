@@ -4,90 +4,15 @@
 
 #include <vfil/keyer.h>
 
-/// Alpha by a pixel's hue, lightness and saturation, each of 0 .. 255, through tables of 256 bytes. Colour is
-/// copied. 8-bit RGBA.
-///
-/// Lightness is (largest + smallest + 1) / 2 of red, green and blue; saturation is their distance by its
-/// largest at that lightness. Hues begin at red: 0 .. 43, green 42 .. 128, blue 127 .. 213, and red again; a
-/// grey has hue and saturation 0. Alpha is what the table of hues has, but 255 where one of the three tables
-/// has 255; the matte map, if there is one, is applied last.
+/// The frame of the keys by tables: what is done with the alpha that a class finds. Colour is copied.
 ///
 /// The mode's channels have no effect: alpha is written. A mask's samples other than 0 have the full effect,
-/// where they are 0 a pixel is copied. The result is told to be neither keyed nor premultiplied.
-class VFIL_API vfILChromaKeyImg : public vfILMonadicPixelProc {
+/// where they are 0 a pixel is copied.
+class VFIL_API vfILTableKeyer : public vfILMonadicPixelProc {
 public:
-    /// Adds 0x1000D (a format that is not 8-bit RGBA), 0x10018 (no table of hues, lightnesses or
-    /// saturations).
-    vfILStatus Verify() override;
-
     // Tables are 256 bytes, not owned, and read at Execute. Default null.
 
     /// \param lut Alpha by alpha: the last step. Null leaves alpha as it is.
-    void SetMatteMapLUT(void* const lut);
-    void* GetMatteMapLUT() const;
-    /// \param lut Alpha by hue.
-    void SetHueMapLUT(void* const lut);
-    void* GetHueMapLUT() const;
-    /// \param lut 255 for the lightnesses that are never keyed.
-    void SetLightnessMapLUT(void* const lut);
-    void* GetLightnessMapLUT() const;
-    /// \param lut 255 for the saturations that are never keyed.
-    void SetSaturationMapLUT(void* const lut);
-    void* GetSaturationMapLUT() const;
-    /// \param keep Not 0: alpha is never above the input's. Default 0.
-    void KeepOriginalAlpha(int keep);
-    int IsKeepOriginalAlpha() const;
-
-    // What these steered is vfILFGSurpress's now. They do nothing, and GetConversionFactors leaves its
-    // arguments alone.
-
-    void SetConversionFactors(double first, double second, double third);
-    void GetConversionFactors(double* first, double* second, double* third) const;
-    void SetKeyType(long type);
-    void SetFgSurValue(double value);
-    void SetForegoundSurpress(int surpress);
-    void InvertKey(int invert);
-
-protected:
-    /// Fails with 0x1000D for a format that is not 8-bit RGBA, and 0x10018 without the three tables.
-    vfILStatus DoEffect() override;
-
-private:
-    vfILStatus Process8();
-    /// There is no key of 16 bits.
-    vfILStatus Process16();
-    static unsigned short ChromaKey16(unsigned short value);
-    template <bool matteMap, bool mask, bool keepAlpha>
-    vfILStatus Key8();
-    vfILStatus ProcessMatteMapMaskKeepAlpha8();
-    vfILStatus ProcessMatteMapMaskNoKeepAlpha8();
-    vfILStatus ProcessMatteMapNoMaskKeepAlpha8();
-    vfILStatus ProcessMatteMapNoMaskNoKeepAlpha8();
-    vfILStatus ProcessNoMatteMapMaskKeepAlpha8();
-    vfILStatus ProcessNoMatteMapMaskNoKeepAlpha8();
-    vfILStatus ProcessNoMatteMapNoMaskKeepAlpha8();
-    vfILStatus ProcessNoMatteMapNoMaskNoKeepAlpha8();
-
-    void* m_matteMap = nullptr;
-    void* m_hueMap = nullptr;
-    void* m_lightnessMap = nullptr;
-    void* m_saturationMap = nullptr;
-    int m_keepOriginalAlpha = 0;
-    static const wchar_t* const m_ClassName;
-    const wchar_t* GetClassNameW() const;
-};
-
-/// Alpha by a pixel's luminance, (largest + smallest) / 2 of red, green and blue, truncated, through a table
-/// of 256 bytes. Colour is copied. 8-bit RGBA. Channels and mask have the effects of vfILChromaKeyImg's.
-class VFIL_API vfILLumKeyImg : public vfILMonadicPixelProc {
-public:
-    /// Adds 0x1000D (a format that is not 8-bit RGBA), 0x10018 (no table of luminances).
-    vfILStatus Verify() override;
-
-    /// \param lut Alpha by luminance: 256 bytes, not owned, read at Execute. Default null.
-    void SetLuminanceMapLUT(void* const lut);
-    void* GetLuminanceMapLUT() const;
-    /// \param lut Alpha by alpha: 256 bytes, not owned, the last step. Default null: alpha stays as it is.
     void SetMatteMapLUT(void* const lut);
     void* GetMatteMapLUT() const;
     /// \param keep Not 0: alpha is never above the input's. Default 0.
@@ -101,13 +26,17 @@ public:
     void InvertKey(int invert);
 
 protected:
-    /// Fails with 0x1000D for a format that is not 8-bit RGBA, and 0x10018 without a table of luminances.
-    vfILStatus DoEffect() override;
+    /// Fails with 0x1000D for a format that is not 8-bit RGBA, and 0x10018 without the tables of a class.
+    vfILStatus CheckTables(const GUID& format, bool hasTables, const wchar_t* className);
+    vfILStatus Process8();
+    /// Runs over all rows.
+    ///
+    /// \param matteMap   Null for none.
+    /// \param mask       Pixels are copied where the mask has 0.
+    /// \param keepAlpha  Alpha is never above the input's.
+    virtual vfILStatus Key8(const void* matteMap, bool mask, bool keepAlpha) = 0;
 
 private:
-    vfILStatus Process8();
-    template <bool matteMap, bool mask, bool keepAlpha>
-    vfILStatus Key8();
     vfILStatus ProcessMatteMapMaskKeepAlpha8();
     vfILStatus ProcessMatteMapMaskNoKeepAlpha8();
     vfILStatus ProcessMatteMapNoMaskKeepAlpha8();
@@ -117,9 +46,76 @@ private:
     vfILStatus ProcessNoMatteMapNoMaskKeepAlpha8();
     vfILStatus ProcessNoMatteMapNoMaskNoKeepAlpha8();
 
-    void* m_luminanceMap = nullptr;
     void* m_matteMap = nullptr;
     int m_keepOriginalAlpha = 0;
+};
+
+/// Alpha by a pixel's hue, lightness and saturation, each of 0 .. 255, through tables of 256 bytes. Colour is
+/// copied. 8-bit RGBA.
+///
+/// Lightness is (largest + smallest + 1) / 2 of red, green and blue; saturation is their distance by its
+/// largest at that lightness. Hues begin at red: 0 .. 43, green 42 .. 128, blue 127 .. 213, and red again; a
+/// grey has hue and saturation 0. Alpha is what the table of hues has, but 255 where one of the three tables
+/// has 255; the matte map, if there is one, is applied last. The result is told to be neither keyed nor
+/// premultiplied.
+class VFIL_API vfILChromaKeyImg : public vfILTableKeyer {
+public:
+    /// Adds 0x1000D (a format that is not 8-bit RGBA), 0x10018 (no table of hues, lightnesses or
+    /// saturations).
+    vfILStatus Verify() override;
+
+    /// \param lut Alpha by hue.
+    void SetHueMapLUT(void* const lut);
+    void* GetHueMapLUT() const;
+    /// \param lut 255 for the lightnesses that are never keyed.
+    void SetLightnessMapLUT(void* const lut);
+    void* GetLightnessMapLUT() const;
+    /// \param lut 255 for the saturations that are never keyed.
+    void SetSaturationMapLUT(void* const lut);
+    void* GetSaturationMapLUT() const;
+
+    // What these steered is vfILFGSurpress's now. They do nothing.
+
+    void SetKeyType(long type);
+    void SetFgSurValue(double value);
+    void SetForegoundSurpress(int surpress);
+
+protected:
+    /// Fails with 0x1000D for a format that is not 8-bit RGBA, and 0x10018 without the three tables.
+    vfILStatus DoEffect() override;
+    vfILStatus Key8(const void* matteMap, bool mask, bool keepAlpha) override;
+
+private:
+    bool HasTables() const;
+    /// There is no key of 16 bits.
+    vfILStatus Process16();
+    static unsigned short ChromaKey16(unsigned short value);
+
+    void* m_hueMap = nullptr;
+    void* m_lightnessMap = nullptr;
+    void* m_saturationMap = nullptr;
+    static const wchar_t* const m_ClassName;
+    const wchar_t* GetClassNameW() const;
+};
+
+/// Alpha by a pixel's luminance, (largest + smallest) / 2 of red, green and blue, truncated, through a table
+/// of 256 bytes. Colour is copied. 8-bit RGBA.
+class VFIL_API vfILLumKeyImg : public vfILTableKeyer {
+public:
+    /// Adds 0x1000D (a format that is not 8-bit RGBA), 0x10018 (no table of luminances).
+    vfILStatus Verify() override;
+
+    /// \param lut Alpha by luminance.
+    void SetLuminanceMapLUT(void* const lut);
+    void* GetLuminanceMapLUT() const;
+
+protected:
+    /// Fails with 0x1000D for a format that is not 8-bit RGBA, and 0x10018 without a table of luminances.
+    vfILStatus DoEffect() override;
+    vfILStatus Key8(const void* matteMap, bool mask, bool keepAlpha) override;
+
+private:
+    void* m_luminanceMap = nullptr;
     static const wchar_t* const m_ClassName;
     const wchar_t* GetClassNameW() const;
 };

@@ -303,6 +303,8 @@ private:
     void MapRow(float x, float y, long count, double* u, double* v);
     void SampleLine(const vfILVector2f& start, long width, unsigned char* output);
     double FootprintSizeAt(float x, float y);
+    long ClipPlanes(unsigned long first, unsigned long count, double (*planes)[4]);
+    void MapCorner(double x, double y, double& u, double& v, double& w);
 
     long m_coefficientCount = 0;
     float m_coefficients[kMostCoefficients] = {};

@@ -255,7 +255,7 @@ TYPED_TEST(VideoKeyer, KeepsWhatTheCropAndTheFieldsKeep)
                 for (long x = 0; x < width; ++x)
                     for (long w = 0; x + w <= width; ++w)
                         for (long y = 0; y < height; ++y)
-                            for (long h = 0; y + h <= height && !this->HasFatalFailure(); ++h) {
+                            for (long h = 0; y + h <= height + 2 && !this->HasFatalFailure(); ++h) {
                                 if (x + w + y + h == 0) continue; // no crop
                                 Scene scene;
                                 scene.crop = {x, y, w, h};

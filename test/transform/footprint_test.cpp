@@ -1,10 +1,10 @@
 /// \file
 /// Footprint sums: the vector forms against the plain ones, these against a brute-force cut, and whole output
 /// pixels against values by hand and a model that is made of the slicers.
-#include "il/rows/geometry/footprint.h"
+#include "il/rows/transform/footprint.h"
 
 #include "cellarea.h"
-#include "il/rows/geometry/footprintrows.h"
+#include "il/rows/transform/footprintrows.h"
 #include "support/rowcheck.h"
 
 #include <vfil/pixelcoverage.h>
@@ -55,7 +55,8 @@ struct Picture {
     FootprintPicture view;
 
     Picture(std::mt19937& random, int width, int height, int channels)
-        : samples(EndRichSamples<Sample>(static_cast<std::size_t>(width * height * channels), random)),
+        : samples(EndRichSamples<Sample>(
+              static_cast<std::size_t>(width) * static_cast<std::size_t>(height * channels), random)),
           view{reinterpret_cast<const std::uint8_t*>(samples.data()),
                static_cast<std::ptrdiff_t>(width * channels * static_cast<int>(sizeof(Sample))),
                0,

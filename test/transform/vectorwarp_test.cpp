@@ -132,27 +132,78 @@ TEST(VectorWarp, LaterCellsStandAndSomeAreNeverDrawn)
         ASSERT_EQ(out.Get(i % 16, i / 16), kOpaqueBlack) << i;
 }
 
-/// The warps of one kind of every size and field, by the kernels of a level and by the plain ones.
+TEST(VectorWarp, CellsWithoutAPlaceAreNotDrawn)
+{
+    constexpr double kInfinity = std::numeric_limits<double>::infinity();
+    std::mt19937 random(3);
+    std::normal_distribution<double> normal;
+    GuardedImage in(PXFormat_Mono8, 2, 2), out(PXFormat_Mono8, 2, 2);
+    for (long i = 0; i < 4; ++i)
+        in.Set(i % 2, i / 2, {255});
+    for (int round = 0; round < 400; ++round) {
+        Field field(2, 2, [&](double, double) {
+            return std::array{0.4 * normal(random), 0.4 * normal(random)};
+        });
+        (round % 2 == 0 ? field.x : field.y)[random() % 4] = round % 3 == 0 ? kInfinity : -kInfinity;
+        Warp(field, in, out, kExact);
+        ASSERT_EQ(out.Bytes(), std::vector<std::uint8_t>(4)) << round;
+    }
+}
+
+/// How far the grid stands along the vectors in the input and in the output.
+struct Factors {
+    double first, second;
+};
+
+std::vector<std::uint8_t> Warped(Level level, const Field& field, const std::vector<std::uint8_t>& pixels,
+                                 const Factors& factors)
+{
+    std::vector<std::uint8_t> out(pixels.size());
+    const WarpRun run{.vectorsX = field.x.data(),
+                      .vectorsY = field.y.data(),
+                      .first = factors.first,
+                      .second = factors.second,
+                      .sourceWidth = field.width,
+                      .sourceHeight = field.height,
+                      .source = {pixels.data(),
+                                 field.width * 4,
+                                 0,
+                                 0,
+                                 static_cast<std::int32_t>(field.width),
+                                 static_cast<std::int32_t>(field.height),
+                                 {1, 2, 3, 4}},
+                      .sample = FindSampleRow(false, SampleForm::Bilinear, SamplePixel::FourBytes),
+                      .kernels = &WarpRowsAt(level),
+                      .output = out.data(),
+                      .width = field.width,
+                      .height = field.height};
+    const vfILVectorWarp processor;
+    factors.second == 0 ? WarpByPixel<4>(processor, run) : WarpByMesh<4>(processor, run);
+    return out;
+}
+
 TEST(VectorWarp, VectorsGiveThePlainBytes)
 {
     constexpr double kInfinity = std::numeric_limits<double>::infinity();
     constexpr double kOdd[] = {kInfinity, -kInfinity, std::numeric_limits<double>::quiet_NaN(),
                                1e300,     -1e18,      60};
+    constexpr long kSizes[][2] = {{1, 1}, {1, 9}, {7, 1}, {2, 2}, {5, 3}, {33, 21}, {300, 4}};
+    constexpr Factors kFactors[] = {{0, 1}, {1, 0.5}, {1, 0}, {-0.7, 1.3}};
     std::mt19937 random(8);
     std::normal_distribution<double> normal;
+    const auto odd = [&](double usual) { return random() % 20 == 0 ? kOdd[random() % 6] : usual; };
     const Field::Function functions[] = {
         [](double x, double y) {
             return std::array{3 * std::sin(x / 9 + y / 7), 2 * std::cos(x / 8 - y / 5)};
         },
         [&](double, double) {
-            return std::array{normal(random) * 0.2, normal(random) * 0.2};
+            return std::array{normal(random) * 0.8, normal(random) * 0.8};
         },
         [&](double, double) {
             return std::array{normal(random) * 3, normal(random) * 3};
         },
         [&](double, double) {
-            return std::array{random() % 20 == 0 ? kOdd[random() % 6] : 0.3,
-                              random() % 20 == 0 ? kOdd[random() % 6] : 1.0};
+            return std::array{odd(0.3), odd(1)};
         },
         [](double x, double y) {
             return std::array{-0.45 * x, 0.7 * y};
@@ -160,45 +211,23 @@ TEST(VectorWarp, VectorsGiveThePlainBytes)
         [](double x, double y) {
             return std::array{2.6 * y - x, 1.1 * x - y};
         },
+        // Still, and moved by whole pixels, across the edges as well.
+        [](double x, double y) {
+            return std::array{x < 20 ? 0.0 : 2.0, y < 9 ? -1.0 : std::floor(x / 90)};
+        },
     };
-    constexpr long kSizes[][2] = {{1, 1}, {1, 9}, {7, 1}, {2, 2}, {5, 3}, {33, 21}, {300, 4}};
-    for (const auto& [width, height] : kSizes)
+    for (const auto& size : kSizes)
         for (const auto& function : functions)
-            for (const auto& [first, second] : {std::pair{0.0, 1.0}, {1.0, 0.5}, {1.0, 0.0}, {-0.7, 1.3}}) {
-                const Field field(width, height, function);
-                GuardedImage in(PXFormat_RGBA32, width, height);
+            for (const Factors& factors : kFactors) {
+                const Field field(size[0], size[1], function);
+                GuardedImage in(PXFormat_RGBA32, size[0], size[1]);
                 in.Randomise(random);
-                const std::vector<std::uint8_t> pixels = in.Bytes();
-                const auto warped = [&](Level level) {
-                    std::vector<std::uint8_t> out(pixels.size());
-                    const WarpRun run{.vectorsX = field.x.data(),
-                                      .vectorsY = field.y.data(),
-                                      .first = first,
-                                      .second = second,
-                                      .sourceWidth = width,
-                                      .sourceHeight = height,
-                                      .source = {pixels.data(),
-                                                 width * 4,
-                                                 0,
-                                                 0,
-                                                 static_cast<std::int32_t>(width),
-                                                 static_cast<std::int32_t>(height),
-                                                 {1, 2, 3, 4}},
-                                      .sample =
-                                          FindSampleRow(false, SampleForm::Bilinear, SamplePixel::FourBytes),
-                                      .kernels = &WarpRowsAt(level),
-                                      .output = out.data(),
-                                      .width = width,
-                                      .height = height};
-                    const vfILVectorWarp processor;
-                    second == 0 ? WarpByPixel<4>(processor, run) : WarpByMesh<4>(processor, run);
-                    return out;
-                };
+                const auto expected = Warped(Level::Plain, field, in.Bytes(), factors);
                 for (const Level level : VectorLevels()) {
                     ASSERT_NE(WarpRowsAt(level).cells, WarpRowsAt(Below(level)).cells);
-                    ASSERT_EQ(warped(level), warped(Level::Plain))
-                        << width << " x " << height << ", field " << &function - functions << ", level "
-                        << static_cast<int>(level) << ", factors " << first << ", " << second;
+                    ASSERT_EQ(Warped(level, field, in.Bytes(), factors), expected)
+                        << size[0] << " x " << size[1] << ", field " << &function - functions << ", level "
+                        << static_cast<int>(level) << ", factors " << factors.first << ", " << factors.second;
                 }
             }
 }

@@ -36,16 +36,16 @@ inline void CollectFull(const void* table, std::uint8_t (&set)[32])
 }
 
 /// Runs a row kernel, treatPixels(in, out, pixels), over the process box. Where the mask has 0, pixels are
-/// copied; all else of it has the full effect.
-template <bool mask, class TreatPixels>
+/// copied; all else of it has the full effect. Without `mask` none is looked at.
+template <class TreatPixels>
 void RunKeyedRows(const vfILProcessor& processor, const vfILPixelRun& run, const vfILRowWalk& input,
-                  TreatPixels treatPixels)
+                  bool mask, TreatPixels treatPixels)
 {
     const auto pixels = static_cast<std::size_t>(run.processBox.GetSizeX());
     ForEachRow(processor, run.rows, [&](long row) {
         const auto* in = RowOf<const std::uint8_t>(input, row);
         auto* out = RowOf<std::uint8_t>(run.output, row);
-        if constexpr (!mask) {
+        if (!mask) {
             treatPixels(in, out, pixels);
         } else {
             const MaskRow<std::uint8_t> samples(run, row);

@@ -72,14 +72,18 @@ void LinearOf(const std::uint8_t* a, const std::uint8_t* b, std::uint8_t* out, s
         const U8 opaque = threshold.Take(most);
         const U8 clear = softness.Add(opaque);
         const U8 rest = SubClip(clear, screen);
+        const U8 beyond = SubClip(screen, opaque);
+        const auto isOpaque = Equal(beyond, SplatU32(0));
+        // Few pixels lie on the ramp, and the quotient takes its time.
+        if (IsZero({Min(rest, beyond).bits}))
+            return ShiftUp<24>(S32{Select(isOpaque, SplatU32(0xFF), SplatU32(0)).bits});
         const U8 width = Max(SubClip(clear, opaque), one);
         // (510 rest + width) / (2 width): no quotient of such numbers lies so close below a whole one that a
         // float would be that one.
         const S32 divisor = ShiftUp<1>(S32{width.bits});
         const S32 pair{(rest | ShiftLeft32<16>(width)).bits};
         const S32 matte = ToWhole(ToFloat(DotPairs(pair, SplatPair16(510, 1))) / ToFloat(divisor), 255);
-        const U8 beyond = SubClip(screen, opaque);
-        return ShiftUp<24>(S32{Select(Equal(beyond, SplatU32(0)), SplatU32(0xFF), U8{matte.bits}).bits});
+        return ShiftUp<24>(S32{Select(isOpaque, SplatU32(0xFF), U8{matte.bits}).bits});
     });
 }
 

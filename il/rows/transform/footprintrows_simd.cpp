@@ -2,213 +2,11 @@
 /// The vector forms of the footprint sums, for the level VFIL_LEVEL: footprints side by side, each with its
 /// own place in the picture and its own sums in the plain form's order. A footprint that ends before another
 /// one goes on with areas of 0.
-#include "il/rows/transform/footprintparams.h"
-#include "il/rows/vecfloat.h"
+#include "il/rows/transform/footprintlanes.h"
 #include "il/rows/vecpixel.h"
 
 namespace vfil {
 namespace {
-
-constexpr double kUpright = 1e-30;
-constexpr double kBeyondAll = 1e300;
-
-/// Where footprints begin and end on an axis, before they are limited to the picture. What is nowhere begins
-/// beyond all and ends before all.
-struct Extent {
-    F64 low = SplatDouble(kBeyondAll);
-    F64 high = SplatDouble(-kBeyondAll);
-
-    void Widen(F64 a, F64 b)
-    {
-        low = Min(low, a);
-        high = Max(high, b);
-    }
-};
-
-/// The first and the last pixel of an extent that count.
-struct Span {
-    F64 first, last;
-
-    Span(const Extent& extent, F64 begin, F64 end)
-        : first(Min(Max(extent.low + SplatDouble(0.5), begin), end + SplatDouble(1))),
-          last(Min(Max(extent.high + SplatDouble(0.5), begin - SplatDouble(1)), end))
-    {}
-};
-
-/// What of an edge of each footprint lies in a row.
-struct EdgePart {
-    F64 left, right, middle, height, halfSlope;
-
-    F64 AreaBeyond(F64 line) const
-    {
-        const F64 reach = Max(right - line, SplatDouble(0));
-        return Select(line < left, height * (middle - line), halfSlope * reach * reach);
-    }
-};
-
-/// An edge of each footprint; see the plain form.
-struct Edge {
-    F64 topX, topY, bottomX, bottomY, sign, slope;
-    F64 x;
-
-    void Set(F64 fromX, F64 fromY, F64 toX, F64 toY, F64 order)
-    {
-        const F64 zero = SplatDouble(0);
-        const Mask64 down = fromY < toY;
-        topX = Select(down, fromX, toX);
-        topY = Min(fromY, toY);
-        bottomX = Select(down, toX, fromX);
-        bottomY = Max(fromY, toY);
-        sign = Select(down, order, zero - order);
-        const F64 width = Max(bottomX - topX, topX - bottomX);
-        slope =
-            Select(width < SplatDouble(kUpright), zero, sign * (bottomY - topY) * SplatDouble(0.5) / width);
-    }
-    F64 CutAt(F64 y) const
-    {
-        const F64 cut = topX + (bottomX - topX) * (y - topY) / (bottomY - topY);
-        return Select(topY < y, Select(y < bottomY, cut, bottomX), topX);
-    }
-    /// Adds the edge's part in a row to the others, if any footprint has one.
-    void GoTo(F64 rowTop, F64 rowBottom, EdgePart (&parts)[4], int& count, Extent& columns)
-    {
-        const F64 zero = SplatDouble(0);
-        const F64 length = Min(bottomY, rowBottom) - Max(topY, rowTop);
-        const Mask64 isHere = zero < length;
-        if (!AnyOf(isHere)) return;
-        const F64 above = x;
-        x = CutAt(rowBottom);
-        EdgePart& part = parts[count++];
-        part.left = Min(above, x);
-        part.right = Max(above, x);
-        part.middle = (above + x) * SplatDouble(0.5);
-        part.height = Select(isHere, length * sign, zero);
-        part.halfSlope = Select(isHere, slope, zero);
-        columns.Widen(Select(isHere, part.left, SplatDouble(kBeyondAll)),
-                      Select(isHere, part.right, SplatDouble(-kBeyondAll)));
-    }
-};
-
-/// The areas in a row of quadrilaterals, of which some have so many edges in it. Where an edge is in no
-/// footprint of a vector, its areas are 0 in all.
-template <int edges>
-struct QuadRow {
-    EdgePart parts[edges];
-    F64 beyond;
-
-    QuadRow(const EdgePart* from, F64 column)
-    {
-        for (int i = 0; i < edges; ++i)
-            parts[i] = from[i];
-        beyond = AreaBeyond(column - SplatDouble(0.5));
-    }
-    F64 Next(F64 column)
-    {
-        const F64 before = beyond;
-        beyond = AreaBeyond(column + SplatDouble(0.5));
-        return before - beyond;
-    }
-    F64 AreaBeyond(F64 line) const
-    {
-        F64 area = parts[0].AreaBeyond(line);
-        for (int i = 1; i < edges; ++i)
-            area = area + parts[i].AreaBeyond(line);
-        return area;
-    }
-};
-
-class Quads {
-public:
-    Quads(const FootprintGroup& group, std::size_t at)
-    {
-        for (int i = 0; i < 4; ++i) {
-            const int next = (i + 1) & 3;
-            m_edges[i].Set(LoadDoubles(group.x[i] + at), LoadDoubles(group.y[i] + at),
-                           LoadDoubles(group.x[next] + at), LoadDoubles(group.y[next] + at),
-                           LoadDoubles(group.sign + at));
-        }
-    }
-    Extent Rows() const
-    {
-        Extent rows;
-        for (const Edge& edge : m_edges)
-            rows.Widen(edge.topY, edge.bottomY);
-        return rows;
-    }
-    void Start(F64 row)
-    {
-        for (Edge& edge : m_edges)
-            edge.x = edge.CutAt(row - SplatDouble(0.5));
-    }
-    Extent GoTo(F64 row)
-    {
-        const F64 half = SplatDouble(0.5);
-        Extent columns;
-        m_count = 0;
-        for (Edge& edge : m_edges)
-            edge.GoTo(row - half, row + half, m_parts, m_count, columns);
-        return columns;
-    }
-    /// Calls with the row's areas, which begin at a column.
-    template <class Sum>
-    void Visit(F64 column, const Sum& sum) const
-    {
-        if (m_count == 2) sum(QuadRow<2>(m_parts, column));
-        if (m_count == 3) sum(QuadRow<3>(m_parts, column));
-        if (m_count == 4) sum(QuadRow<4>(m_parts, column));
-    }
-
-private:
-    Edge m_edges[4];
-    EdgePart m_parts[4];
-    int m_count = 0;
-};
-
-F64 LengthIn(F64 from, F64 to, F64 pixel)
-{
-    const F64 half = SplatDouble(0.5);
-    return Max(Min(to, pixel + half) - Max(from, pixel - half), SplatDouble(0));
-}
-
-/// The areas in a row of boxes.
-struct BoxRow {
-    F64 left, right, height;
-
-    F64 Next(F64 column) const { return LengthIn(left, right, column) * height; }
-};
-
-class Boxes {
-public:
-    Boxes(const FootprintGroup& group, std::size_t at)
-    {
-        for (int i = 0; i < 4; i += 2) {
-            const F64 x = LoadDoubles(group.x[i] + at);
-            const F64 y = LoadDoubles(group.y[i] + at);
-            m_columns.Widen(x, x);
-            m_rows.Widen(y, y);
-        }
-    }
-    Extent Rows() const { return m_rows; }
-    void Start(F64 /*row*/) {}
-    Extent GoTo(F64 row)
-    {
-        m_height = LengthIn(m_rows.low, m_rows.high, row);
-        const Mask64 isEmpty = m_height == SplatDouble(0);
-        Extent columns;
-        columns.Widen(Select(isEmpty, columns.low, m_columns.low),
-                      Select(isEmpty, columns.high, m_columns.high));
-        return columns;
-    }
-    template <class Sum>
-    void Visit(F64 /*column*/, const Sum& sum) const
-    {
-        sum(BoxRow{m_columns.low, m_columns.high, m_height});
-    }
-
-private:
-    Extent m_columns, m_rows;
-    F64 m_height{};
-};
 
 /// Where each footprint reads.
 template <class Sample>
@@ -280,13 +78,30 @@ private:
 struct Row {
     std::int32_t first[kLanes64];
     std::int32_t last[kLanes64];
-    F64 column;
-    std::int32_t columns = 0; ///< of the longest
+    F64 column;           ///< the first one
+    std::int32_t columns; ///< of the longest
     /// Whether some footprint goes on behind its last column, or its last row, or would read behind the
     /// picture's last column.
-    bool needsLimits = false;
+    bool needsLimits;
 
-    Row(const Extent& extent, Mask64 isBelow, const FootprintPicture& picture)
+    /// Of footprints that need no limits in any row. One with nothing in the row stands where it ends, at
+    /// \p end; its areas are 0 there.
+    void SetInside(const Extent& extent, F64 end)
+    {
+        const F64 half = SplatDouble(0.5);
+        const F64 begin = Min(extent.low, end) + half;
+        StoreWhole(first, begin);
+        StoreWhole(last, Max(extent.high + half, begin - SplatDouble(1)));
+        columns = 0;
+        for (std::size_t i = 0; i < kLanes64; ++i) {
+            const std::int32_t length = last[i] - first[i] + 1;
+            columns = columns < length ? length : columns;
+        }
+        needsLimits = false;
+        column = ToDoubles(first);
+    }
+
+    void Set(const Extent& extent, Mask64 isBelow, const FootprintPicture& picture)
     {
         const F64 left = SplatDouble(picture.left);
         const Span span(extent, left, SplatDouble(picture.right));
@@ -294,6 +109,8 @@ struct Row {
         StoreWhole(end, span.last);
         StoreWhole(last, Select(isBelow, left - SplatDouble(1), span.last));
         StoreWhole(first, span.first);
+        columns = 0;
+        needsLimits = false;
         for (std::size_t i = 0; i < kLanes64; ++i) {
             needsLimits = needsLimits || last[i] != end[i];
             if (last[i] < first[i])
@@ -341,38 +158,82 @@ void SumLimited(const Row& row, Areas areas, RowSums& sums, Starts<Sample>& star
     }
 }
 
+/// The rows of each footprint, from its own first one.
+struct Rows {
+    std::int32_t first[kLanes64];
+    std::int32_t last[kLanes64];
+    std::int32_t count = 0; ///< of the highest
+
+    Rows(const Extent& extent, const FootprintPicture& picture)
+    {
+        const Span span(extent, SplatDouble(picture.top), SplatDouble(picture.bottom));
+        StoreWhole(first, span.first);
+        StoreWhole(last, span.last);
+        for (std::size_t i = 0; i < kLanes64; ++i)
+            if (count <= last[i] - first[i]) count = last[i] - first[i] + 1;
+    }
+};
+
+/// Whether none of the footprints reaches over the picture, wherever in its columns it stands and however
+/// wide the others are.
+bool AreInside(const Extent& columns, const Extent& rows, const FootprintPicture& picture)
+{
+    const F64 half = SplatDouble(0.5);
+    double widths[kLanes64];
+    StoreDoubles(widths, columns.high - columns.low);
+    double width = 0;
+    for (const double each : widths)
+        width = width < each ? each : width;
+    const F64 left = SplatDouble(picture.left) - half;
+    const F64 right = SplatDouble(picture.right - width - 2);
+    const F64 bottom = SplatDouble(picture.bottom) + half;
+    return !AnyOf(columns.low < left) && !AnyOf(right < columns.high) && !AnyOf(bottom < rows.high);
+}
+
+/// How many rows are cut before their pixels are summed: cutting has no branches, so that the processor knows
+/// the number of columns when it comes to them. Row by row, footprints of 16 pixels took 142 for 134 ns.
+constexpr std::int32_t kRowsAhead = 8;
+
 template <class Sample, int kChannels, class Shape>
 void SumLanes(const FootprintGroup& group, std::size_t start, const FootprintPicture& picture,
               FootprintSums& result)
 {
     Shape shape(group, start);
     Sums<Sample, kChannels> sums(result, start);
-    const Span span(shape.Rows(), SplatDouble(picture.top), SplatDouble(picture.bottom));
-    std::int32_t first[kLanes64];
-    std::int32_t last[kLanes64];
-    StoreWhole(first, span.first);
-    StoreWhole(last, span.last);
-    std::int32_t rows = 0;
-    for (std::size_t i = 0; i < kLanes64; ++i)
-        if (rows <= last[i] - first[i]) rows = last[i] - first[i] + 1;
-    const F64 bottom = ToDoubles(last);
-    F64 row = ToDoubles(first);
+    const Extent columns = shape.Columns();
+    const bool isInside = AreInside(columns, shape.Rows(), picture);
+    const Rows rows(shape.Rows(), picture);
+    const F64 bottom = ToDoubles(rows.last);
+    F64 row = ToDoubles(rows.first);
     shape.Start(row);
-    for (std::int32_t i = 0; i < rows; ++i) {
-        const Row part(shape.GoTo(row), bottom < row, picture);
-        Starts<Sample> starts;
-        for (std::size_t lane = 0; lane < kLanes64; ++lane) {
-            const std::int32_t at = first[lane] + i < picture.bottom ? first[lane] + i : picture.bottom;
-            starts[lane] = reinterpret_cast<const Sample*>(picture.base + at * picture.rowBytes) +
-                           std::ptrdiff_t{part.first[lane]} * kChannels;
-        }
-        shape.Visit(part.column, [&](const auto& areas) {
-            if (part.needsLimits)
-                SumLimited(part, areas, sums, starts, kChannels);
+    for (std::int32_t done = 0; done < rows.count; done += kRowsAhead) {
+        const std::int32_t count = rows.count - done < kRowsAhead ? rows.count - done : kRowsAhead;
+        typename Shape::RowState states[kRowsAhead];
+        Row parts[kRowsAhead];
+        for (std::int32_t i = 0; i < count; ++i) {
+            const Extent extent = shape.GoTo(row, states[i]);
+            if (isInside)
+                parts[i].SetInside(extent, columns.high);
             else
-                SumColumns(part, areas, sums, starts);
-        });
-        row = row + SplatDouble(1);
+                parts[i].Set(extent, bottom < row, picture);
+            row = row + SplatDouble(1);
+        }
+        for (std::int32_t i = 0; i < count; ++i) {
+            Starts<Sample> starts;
+            for (std::size_t lane = 0; lane < kLanes64; ++lane) {
+                const std::int32_t y = rows.first[lane] + done + i;
+                starts[lane] =
+                    reinterpret_cast<const Sample*>(picture.base + (y < picture.bottom ? y : picture.bottom) *
+                                                                       picture.rowBytes) +
+                    std::ptrdiff_t{parts[i].first[lane]} * kChannels;
+            }
+            Shape::Visit(states[i], parts[i].column, [&](const auto& areas) {
+                if (parts[i].needsLimits)
+                    SumLimited(parts[i], areas, sums, starts, kChannels);
+                else
+                    SumColumns(parts[i], areas, sums, starts);
+            });
+        }
     }
     sums.Store(result, start);
 }

@@ -92,7 +92,11 @@ vfILStatus vfILPanZoomTransform::CleanData()
 
 vfILStatus vfILPanZoomTransform::DoEffect()
 {
-    if (GetInterpolationType() != VFIL_INTERP_PANZOOM) return vfILMonadicTransformProc::DoEffect();
+    if (GetInterpolationType() != VFIL_INTERP_PANZOOM) {
+        const vfILStatus status = vfILMonadicTransformProc::DoEffect();
+        if (m_lines != nullptr) m_lines->Finish();
+        return status;
+    }
     const vfILVector2l toOutput = GetOutputOffset() - GetROI().GetOffset();
     return TransformImageWithAntialiasedOrBilinearPanzoom(
         m_simdAvailable, m_inverse[0], m_inverse[1], m_inverse[2], m_inverse[3], GetInputImg(),

@@ -94,7 +94,7 @@ constexpr std::size_t kLinePixels = 90;
 
 template <class Sample>
 void CheckResampler(const char* name, WeighPixels<Sample> ResampleRows::*pixelsOf,
-                    WeighPixels<Sample> ResampleRows::*monoOf, WeighRows<Sample> ResampleRows::*rowsOf,
+                    WeighPixels<Sample> ResampleRows::*monoOf, WeighRows<Sample> (ResampleRows::*rowsOf)[2],
                     PaintUnder<Sample> ResampleRows::*underOf,
                     MultiplyAlpha<Sample> ResampleRows::*multiplyOf)
 {
@@ -117,7 +117,7 @@ void CheckResampler(const char* name, WeighPixels<Sample> ResampleRows::*pixelsO
                 });
     for (const std::size_t pairs : {1U, 2U, 5U})
         Check<Sample>(
-            name, [&](Level level) { return ResampleRowsAt(level).*rowsOf; }, false, 1,
+            name, [&](Level level) { return (ResampleRowsAt(level).*rowsOf)[pairs % 2]; }, false, 1,
             [&](auto kernel, Sample* out, std::size_t samples, std::mt19937& random) {
                 const Tables tables(1, pairs, 2 * pairs, random);
                 std::vector<std::vector<Sample>> rows;
@@ -167,7 +167,7 @@ TEST(PanZoomRows, SamplingWordsAlongTheAxesIsThePlainForm)
             kernel(words(kLinePixels * 4, random).data(), tables.Lerp(), out, pixels);
         });
     Check<std::uint16_t>(
-        "rows", [](Level level) { return ScaleRowsAt(level).words.lerpRows; }, false, 1,
+        "rows", [](Level level) { return ScaleRowsAt(level).words.lerpRows[1]; }, false, 1,
         [&](auto kernel, std::uint16_t* out, std::size_t samples, std::mt19937& random) {
             const auto low = doubles(samples + kScaleSlack, 65535, 0, random);
             const auto high = doubles(samples + kScaleSlack, 65535, 0, random);
@@ -215,14 +215,15 @@ TEST(PanZoomRows, SamplingBytesAlongTheAxesIsThePlainForm)
             });
     }
     const auto fixed = [](std::mt19937& random) { return test::RandomSample(random, 65535); };
-    Check<std::uint8_t>(
-        "rows", [](Level level) { return ScaleRowsAt(level).bytes.lerpRows; }, false, 1,
-        [&](auto kernel, std::uint8_t* out, std::size_t samples, std::mt19937& random) {
-            const Bytes low = EndRichSamples<std::uint8_t>(samples, random);
-            const Bytes high = EndRichSamples<std::uint8_t>(samples, random);
-            const int fraction = random() % 4 ? fixed(random) : static_cast<int>(random() % 2 * 0x8000);
-            kernel(low.data(), high.data(), {fraction, 0}, out, samples);
-        });
+    for (const bool streaming : {false, true})
+        Check<std::uint8_t>(
+            "rows", [=](Level level) { return ScaleRowsAt(level).bytes.lerpRows[streaming]; }, false, 1,
+            [&](auto kernel, std::uint8_t* out, std::size_t samples, std::mt19937& random) {
+                const Bytes low = EndRichSamples<std::uint8_t>(samples, random);
+                const Bytes high = EndRichSamples<std::uint8_t>(samples, random);
+                const int fraction = random() % 4 ? fixed(random) : static_cast<int>(random() % 2 * 0x8000);
+                kernel(low.data(), high.data(), {fraction, 0}, out, samples);
+            });
     Check<std::int16_t>(
         "columns", [](Level level) { return ScaleRowsAt(level).bytes.columns; }, false, 1,
         [&](auto kernel, std::int16_t* out, std::size_t samples, std::mt19937& random) {

@@ -32,7 +32,7 @@ struct AxisTaps {
     /// \param source  The pixels that count; whatever lies outside has no weight.
     /// \param outputs The outputs to look at.
     /// \return False when memory is short.
-    bool Create(const AxisMap& map, const Span& source, const Span& outputs);
+    bool CreateRowWeightLookup(const AxisMap& map, const Span& source, const Span& outputs);
 
     bool IsList() const { return pairs == 0; }
     LineTaps Line() const { return {starts.Data(), weights.Data(), sums.Data(), pitch, pairs}; }

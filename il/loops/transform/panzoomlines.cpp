@@ -34,7 +34,9 @@ protected:
     static constexpr std::size_t kForm = kChannels == 4 ? 0 : 1; ///< of the kernels' arrays
 
     Lines(const vfILTransformRun& run, SampleForm form, const AxisMap& x, const AxisMap& y)
-        : m_input(run.input), m_columns(SpanOf(run.effectBox.GetOffsetX(), run.effectBox.GetSizeX())),
+        : PanZoomLines(run.outputBox.GetSizeX() * run.outputBox.GetSizeY() * run.output.pixelBytes >=
+                       static_cast<long>(kStreamingBytes)),
+          m_input(run.input), m_columns(SpanOf(run.effectBox.GetOffsetX(), run.effectBox.GetSizeX())),
           m_x{x, SpanOf(run.sourceBox.GetOffsetX(), run.sourceBox.GetSizeX()), form, sizeof(Sample) == 1},
           m_y{y, SpanOf(run.sourceBox.GetOffsetY(), run.sourceBox.GetSizeY()), form, sizeof(Sample) == 1}
     {
@@ -94,19 +96,23 @@ class NearestLines final : public Lines<Format> {
     using Base = Lines<Format>;
 
 public:
-    NearestLines(const vfILTransformRun& run, const AxisMap& x, const AxisMap& y, bool)
-        : Base(run, SampleForm::Nearest, x, y)
+    NearestLines(const vfILTransformRun& run, const AxisMap& x, const AxisMap& y, bool useVectors)
+        : Base(run, SampleForm::Nearest, x, y), m_useVectors(useVectors),
+          m_pickFours(ScaleRowsAt(useVectors ? BestLevel() : Level::Plain).pickFours)
     {}
-    /// The columns that have a pixel are neighbours.
+    /// The columns that have a pixel are neighbours. From here on starts[k] is where in the row.
     bool Prepare()
     {
-        if (!this->PrepareStarts()) return false;
-        std::size_t behind = this->m_columns.Count();
+        const std::size_t columns = this->m_columns.Count();
+        if (!this->PrepareStarts() || !m_row.Allocate(columns + kScaleSlack)) return false;
+        std::size_t behind = columns;
         while (m_first < behind && this->m_starts[m_first] == 0)
             ++m_first;
         while (behind > m_first && this->m_starts[behind - 1] == 0)
             --behind;
         m_count = behind - m_first;
+        for (std::size_t k = m_first; k < behind; ++k)
+            this->m_starts[k] -= static_cast<std::int32_t>(kPad);
         return true;
     }
     void MakeLine(long y, unsigned char* output) override
@@ -114,16 +120,10 @@ public:
         const AxisPlace row = this->m_y.At(y);
         const std::size_t columns = this->m_columns.Count();
         if (!row.isNear || m_count == 0) return this->FillDefault(output, columns);
-        if (row.whole == m_held && m_last != nullptr) {
-            std::memcpy(output, m_last, columns * sizeof(Pixel));
-        } else {
-            this->FillDefault(output, m_first);
-            Pick(reinterpret_cast<const unsigned char*>(this->Row(row.whole)),
-                 output + m_first * sizeof(Pixel));
-            this->FillDefault(output + (m_first + m_count) * sizeof(Pixel), columns - m_first - m_count);
-        }
+        if (row.whole != m_held) Pick(row.whole);
         m_held = row.whole;
-        m_last = output;
+        MoveRow(m_useVectors, reinterpret_cast<const unsigned char*>(m_row.Data()), output,
+                columns * sizeof(Pixel), this->Streams());
     }
 
 private:
@@ -131,17 +131,29 @@ private:
         typename Base::Sample sample[Base::kChannels];
     };
 
-    void Pick(const unsigned char* row, unsigned char* output) const
+    void Pick(std::int64_t y)
     {
-        const std::int32_t* const starts = this->m_starts.Data() + m_first;
-        for (std::size_t k = 0; k < m_count; ++k)
-            std::memcpy(output + k * sizeof(Pixel), row + (starts[k] - kPad) * std::ptrdiff_t{sizeof(Pixel)},
-                        sizeof(Pixel));
+        const auto* const row = reinterpret_cast<const unsigned char*>(this->Row(y));
+        const std::int32_t* const places = this->m_starts.Data() + m_first;
+        auto* const out = reinterpret_cast<unsigned char*>(m_row.Data() + m_first);
+        // What the kernel reads past a row's end must be in the picture.
+        const bool isFollowed = y + 1 < this->m_input.height && this->m_input.width >= 8;
+        if (sizeof(Pixel) == 4 && isFollowed) {
+            m_pickFours(row, places, out, m_count);
+        } else {
+            for (std::size_t k = 0; k < m_count; ++k)
+                std::memcpy(out + k * sizeof(Pixel), row + places[k] * std::ptrdiff_t{sizeof(Pixel)},
+                            sizeof(Pixel));
+        }
+        this->FillDefault(m_row.Data(), m_first);
+        this->FillDefault(m_row.Data() + m_first + m_count, this->m_columns.Count() - m_first - m_count);
     }
 
+    bool m_useVectors;
+    PickFours m_pickFours;
+    RunArray<Pixel> m_row;                ///< the last row that was picked
     std::size_t m_first = 0, m_count = 0; ///< columns that have a pixel
-    std::int64_t m_held = -1;             ///< the row that the line before shows
-    const unsigned char* m_last = nullptr;
+    std::int64_t m_held = -1;             ///< which row that is
 };
 
 template <class Format>
@@ -182,8 +194,9 @@ public:
         if (!place.isNear) return this->FillDefault(output, this->m_columns.Count());
         const Lerped* const low = LerpedRow(place.whole);
         const Lerped* const high = LerpedRow(place.whole + 1);
-        m_kernels.lerpRows(low, high, {place.fraction, place.exact}, reinterpret_cast<Sample*>(output),
-                           this->m_columns.Count() * Base::kChannels);
+        m_kernels.lerpRows[this->Streams()](low, high, {place.fraction, place.exact},
+                                            reinterpret_cast<Sample*>(output),
+                                            this->m_columns.Count() * Base::kChannels);
     }
 
 private:
@@ -307,6 +320,7 @@ private:
 /// Lines that write nothing.
 class NoLines final : public PanZoomLines {
 public:
+    NoLines() : PanZoomLines(false) {}
     void MakeLine(long, unsigned char*) override {}
 };
 
@@ -320,6 +334,11 @@ std::unique_ptr<PanZoomLines> Prepared(const vfILTransformRun& run, const AxisMa
 }
 
 } // namespace
+
+void PanZoomLines::Finish() const
+{
+    if (m_streams) FinishStreaming();
+}
 
 std::unique_ptr<PanZoomLines> PanZoomLines::Create(const vfILTransformRun& run, vfILInterpolationType type,
                                                    const AxisMap& x, const AxisMap& y, bool useVectors)

@@ -224,33 +224,46 @@ U8 SumRows16(const std::uint16_t* const* rows, const std::int16_t* weights, std:
     return {NarrowFull({ShiftDown<kWeightBits>(low), ShiftDown<kWeightBits>(high)}).bits};
 }
 
-/// Vectors of a row; the last lies at its end, over what is there already. A shorter row goes through one
-/// vector of memory.
-template <class Sample, class Sum>
+/// The vectors of a row. A streaming row first comes to an aligned output; its last samples, and those before
+/// the first aligned ones, go through a vector of memory.
+template <bool streaming, class Sample, class Sum>
 void MakeRow(const Sample* const* rows, const std::int16_t* weights, std::size_t pairs, Sample* out,
              std::size_t samples, Sum sum)
 {
     constexpr std::size_t kSamples = kBytes / sizeof(Sample);
-    const auto store = [out](std::size_t at, U8 v) { Store(reinterpret_cast<std::uint8_t*>(out + at), v); };
+    const auto part = [&](std::size_t at, std::size_t count) {
+        std::uint8_t bytes[kBytes];
+        Store(bytes, sum(rows, weights, pairs, at));
+        std::memcpy(out + at, bytes, count * sizeof(Sample));
+    };
+    auto* const row = reinterpret_cast<std::uint8_t*>(out);
     std::size_t at = 0;
+    if constexpr (streaming) {
+        const std::size_t head = BytesToAligned(row);
+        if (head % sizeof(Sample) == 0 && head / sizeof(Sample) < samples) {
+            at = head / sizeof(Sample);
+            if (at != 0) part(0, at);
+            for (; samples - at >= kSamples; at += kSamples)
+                StoreStreaming(row + at * sizeof(Sample), sum(rows, weights, pairs, at));
+        }
+    }
     for (; samples - at >= kSamples; at += kSamples)
-        store(at, sum(rows, weights, pairs, at));
-    if (at == samples) return;
-    std::uint8_t bytes[kBytes];
-    Store(bytes, sum(rows, weights, pairs, at));
-    std::memcpy(out + at, bytes, (samples - at) * sizeof(Sample));
+        Store(row + at * sizeof(Sample), sum(rows, weights, pairs, at));
+    if (at != samples) part(at, samples - at);
 }
 
+template <bool streaming>
 void Rows8(const std::uint8_t* const* rows, const std::int16_t* weights, std::size_t pairs, std::uint8_t* out,
            std::size_t samples)
 {
-    MakeRow(rows, weights, pairs, out, samples, SumRows8);
+    MakeRow<streaming>(rows, weights, pairs, out, samples, SumRows8);
 }
 
+template <bool streaming>
 void Rows16(const std::uint16_t* const* rows, const std::int16_t* weights, std::size_t pairs,
             std::uint16_t* out, std::size_t samples)
 {
-    MakeRow(rows, weights, pairs, out, samples, SumRows16);
+    MakeRow<streaming>(rows, weights, pairs, out, samples, SumRows16);
 }
 
 void Under8(const std::uint8_t* front, std::uint8_t* back, std::size_t pixels)
@@ -300,7 +313,16 @@ namespace VFIL_LEVEL {
 void Fill([[maybe_unused]] ResampleRows& rows)
 {
 #if !defined(__AVX512BW__)
-    rows = {AnyPixels8, AnyMono8, Pixels16, Mono16, Rows8, Rows16, Under8, Under16, Multiply8, Multiply16};
+    rows = {AnyPixels8,
+            AnyMono8,
+            Pixels16,
+            Mono16,
+            {Rows8<false>, Rows8<true>},
+            {Rows16<false>, Rows16<true>},
+            Under8,
+            Under16,
+            Multiply8,
+            Multiply16};
 #endif
 }
 

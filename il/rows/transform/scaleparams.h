@@ -57,7 +57,7 @@ struct RowWeights {
 template <class Sample>
 using LerpPixels = void (*)(const Sample* line, const LerpTaps& taps,
                             typename BetweenPasses<Sample>::Lerped* out, std::size_t pixels);
-/// Two such rows mixed. kScaleSlack samples behind each are read.
+/// Two such rows mixed. kScaleSlack samples behind each may be read.
 template <class Sample>
 using LerpRows = void (*)(const typename BetweenPasses<Sample>::Lerped* low,
                           const typename BetweenPasses<Sample>::Lerped* high, const RowFraction& fraction,
@@ -75,12 +75,18 @@ using CubicPixels = void (*)(const typename BetweenPasses<Sample>::Column* colum
 template <class Sample>
 struct ScaleRowsOf {
     LerpPixels<Sample> lerpPixels[2];
-    LerpRows<Sample> lerpRows;
+    LerpRows<Sample> lerpRows[2]; ///< [streaming]
     WeighColumns<Sample> columns;
     CubicPixels<Sample> cubicPixels[2];
 };
 
+/// Pixels of four bytes from their places in a line. 8 pixels from each place on may be read, and up to
+/// kScaleSlack outputs more written.
+using PickFours = void (*)(const std::uint8_t* line, const std::int32_t* places, std::uint8_t* out,
+                           std::size_t pixels);
+
 struct ScaleRows {
+    PickFours pickFours;
     ScaleRowsOf<std::uint8_t> bytes;
     ScaleRowsOf<std::uint16_t> words;
 };

@@ -4,6 +4,8 @@
 
 #include "il/rows/pixarith.h"
 
+#include <cstring>
+
 namespace vfil {
 
 namespace {
@@ -116,13 +118,21 @@ void PlainCubicPixels16(const double* columns, const CubicTaps& taps, std::uint1
     }
 }
 
+void PlainPickFours(const std::uint8_t* line, const std::int32_t* places, std::uint8_t* out,
+                    std::size_t pixels)
+{
+    for (std::size_t k = 0; k < pixels; ++k)
+        std::memcpy(out + 4 * k, line + 4 * std::ptrdiff_t{places[k]}, 4);
+}
+
 constexpr ScaleRows kPlainRows{
+    .pickFours = PlainPickFours,
     .bytes = {.lerpPixels = {PlainLerpPixels<std::uint8_t, 4>, PlainLerpPixels<std::uint8_t, 1>},
-              .lerpRows = PlainLerpRows8,
+              .lerpRows = {PlainLerpRows8, PlainLerpRows8},
               .columns = PlainColumns8,
               .cubicPixels = {PlainCubicPixels8<4>, PlainCubicPixels8<1>}},
     .words = {.lerpPixels = {PlainLerpPixels<std::uint16_t, 4>, PlainLerpPixels<std::uint16_t, 1>},
-              .lerpRows = PlainLerpRows16,
+              .lerpRows = {PlainLerpRows16, PlainLerpRows16},
               .columns = PlainColumns16,
               .cubicPixels = {PlainCubicPixels16<4>, PlainCubicPixels16<1>}},
 };

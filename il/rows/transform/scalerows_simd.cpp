@@ -65,15 +65,32 @@ void LerpOnes(const std::uint8_t* line, const LerpTaps& taps, std::uint8_t* out,
     }
 }
 
+#if defined(__AVX2__)
+void PickNearFours(const std::uint8_t* line, const std::int32_t* places, std::uint8_t* out,
+                   std::size_t pixels)
+{
+    for (std::size_t k = 0; k < pixels; k += kLanes32) {
+        PixelPairs near{};
+        if (LoadNearPairs(line, places + k, near)) {
+            Store(out + 4 * k, {near.first});
+        } else {
+            for (std::size_t i = 0; i < kLanes32; ++i)
+                std::memcpy(out + 4 * (k + i), line + 4 * std::ptrdiff_t{places[k + i]}, 4);
+        }
+    }
+}
+#endif
+
+template <bool streaming>
 void LerpTwoRows(const std::uint8_t* low, const std::uint8_t* high, const RowFraction& fraction,
                  std::uint8_t* out, std::size_t samples)
 {
     if (fraction.fixed == 0) {
-        std::memcpy(out, low, samples);
+        MapRow<streaming, 1>(low, low, out, samples, [](U8 a, U8, Part) { return a; });
         return;
     }
     if (fraction.fixed == 0x8000) {
-        MapRow<false, 1>(low, high, out, samples, [](U8 a, U8 b, Part) { return Average(a, b); });
+        MapRow<streaming, 1>(low, high, out, samples, [](U8 a, U8 b, Part) { return Average(a, b); });
         return;
     }
     // Seen from the nearer row the weight is below a half: a signed number.
@@ -83,7 +100,7 @@ void LerpTwoRows(const std::uint8_t* low, const std::uint8_t* high, const RowFra
         const U16 d = b - a;
         return a + MulHighSigned(d, weight) + ShiftRight<15>(d * weight);
     };
-    MapRow<false, 1>(isHigh ? high : low, isHigh ? low : high, out, samples, [&](U8 near, U8 far, Part) {
+    MapRow<streaming, 1>(isHigh ? high : low, isHigh ? low : high, out, samples, [&](U8 near, U8 far, Part) {
         const U16Pair a = Widen(near);
         const U16Pair b = Widen(far);
         return Narrow({between(a.lo, b.lo), between(a.hi, b.hi)});
@@ -294,9 +311,13 @@ namespace VFIL_LEVEL {
 void Fill([[maybe_unused]] ScaleRows& rows)
 {
 #if !defined(__AVX512BW__)
-    rows.bytes = {{LerpFours, LerpOnes}, LerpTwoRows, Columns, {CubicFours, CubicOnes}};
+    rows.bytes = {
+        {LerpFours, LerpOnes}, {LerpTwoRows<false>, LerpTwoRows<true>}, Columns, {CubicFours, CubicOnes}};
     rows.words.lerpPixels[0] = LerpFourWords;
-    rows.words.lerpRows = LerpTwoRowsOfDoubles;
+    rows.words.lerpRows[0] = rows.words.lerpRows[1] = LerpTwoRowsOfDoubles;
+#if defined(__AVX2__)
+    rows.pickFours = PickNearFours;
+#endif
     rows.words.columns = ColumnsOfWords;
     rows.words.cubicPixels[0] = CubicFourWords;
 #endif

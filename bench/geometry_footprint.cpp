@@ -41,8 +41,8 @@ void MapRow(const Case& c, int y, std::vector<vfil::Footprint>& footprints)
         return std::array<double, 3>{m[0] * px + m[1] * py + m[2], m[3] * px + m[4] * py + m[5],
                                      m[6] * px + m[7] * py + m[8]};
     };
-    const double top = y - c.height / 2 - 0.5;
-    double left = -c.width / 2 - 0.5;
+    const double top = y - 0.5 * c.height - 0.5;
+    double left = -0.5 * c.width - 0.5;
     auto above = map(left, top);
     auto below = map(left, top + 1);
     for (vfil::Footprint& footprint : footprints) {

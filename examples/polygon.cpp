@@ -35,7 +35,7 @@ try {
         coverage.StartHorizontalPass(0);
         for (long column = 0; column < kSize; ++column) {
             const double share = coverage.GetAreaAndAdvance();
-            const auto sample = static_cast<std::uint16_t>(65535 * share + 0.5);
+            const auto sample = static_cast<std::uint16_t>(std::lround(65535 * share));
             std::memcpy(picture->Row(row) + 2 * column, &sample, sizeof sample);
             sum += share;
         }

@@ -67,6 +67,8 @@ TEST_F(KeyAutoTool, PrintsTheCommandThatMakesItsResult)
         record.erase("truth");
         EXPECT_EQ(wrong, record);
     }
+    EXPECT_EQ(RunWell("key-auto plate.png --quiet -o quiet.png"), "");
+    EXPECT_TRUE(std::filesystem::exists(Path("quiet.png")));
     const json record = json::parse(RunWell("key-auto plate.png --keyer linear-keyer --json"));
     EXPECT_EQ(record["keys"].size(), 1U);
     EXPECT_THAT(record["command"], HasSubstr("vfil linear-keyer plate.png -o OUT.png --key-color"));
@@ -84,6 +86,7 @@ TEST_F(KeyAutoTool, RefusesInOneLineAndLeavesNothing)
          {"key-auto none.png -o new.png", {"none.png: no such file"}},
          {"key-auto plate.png --keyer liner-keyer", {"did you mean 'linear-keyer'"}},
          {"key-auto plate.png --keyer luma-keyer", {"is not one of"}},
+         {"key-auto plate.png --json --quiet", {"exclude each other"}},
          {"key-auto plate.png -o -", {"takes the name of a file"}},
          {"key-auto plate.png -o ''", {"takes the name of a file"}},
          {"key-auto plate.png -o none/new.png", {"none does not exist"}},

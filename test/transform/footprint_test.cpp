@@ -55,7 +55,8 @@ struct Picture {
     FootprintPicture view;
 
     Picture(std::mt19937& random, int width, int height, int channels)
-        : samples(EndRichSamples<Sample>(static_cast<std::size_t>(width * height * channels), random)),
+        : samples(EndRichSamples<Sample>(
+              static_cast<std::size_t>(width) * static_cast<std::size_t>(height * channels), random)),
           view{reinterpret_cast<const std::uint8_t*>(samples.data()),
                static_cast<std::ptrdiff_t>(width * channels * static_cast<int>(sizeof(Sample))),
                0,

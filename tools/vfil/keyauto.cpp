@@ -92,7 +92,8 @@ Arguments CommandOf(const catalogue::Entry& entry, const Key& key, const Argumen
         command.options.given[name] = {ValueText(ParameterOf(entry, name), value)};
     if (IsConverted(command.words.front())) command.options.given["format"] = {"rgba32"};
     for (const auto& [name, values] : arguments.options.given) {
-        if (name != "keyer" && name != "truth" && name != "json") command.options.given[name] = values;
+        if (name != "keyer" && name != "truth" && name != "json" && name != "quiet")
+            command.options.given[name] = values;
     }
     return command;
 }
@@ -222,6 +223,8 @@ void RunKeyAuto(const Arguments& arguments)
     if (arguments.words.size() != 1)
         throw RequestError("takes 1 picture (PLATE), not " + std::to_string(arguments.words.size()));
     const engine::Values& options = arguments.options;
+    if (arguments.Flag("json") && arguments.Flag("quiet"))
+        throw RequestError("--json and --quiet exclude each other");
     const std::string keyer = KeyerName(options);
     if (options.Has("output")) CheckOutput(arguments);
     const host::PicturePtr plate = ReadPlate(arguments.words.front(), options);
@@ -237,6 +240,7 @@ void RunKeyAuto(const Arguments& arguments)
         reports.quiet = true;
         RunAndReport(engine::CheckJob(MakeJob(entry, command)), reports);
     }
+    if (arguments.Flag("quiet")) return;
     if (!arguments.Flag("json")) return Print(finding, line, score);
     Json record = FindingRecord(finding, line);
     if (score) record["truth"] = ScoreRecord(*score);

@@ -282,7 +282,8 @@ std::vector<Option> KeyAutoOptions()
         {"truth", "", "MATTE",
          "tell how near the matte is to the true one, of a clip on its first frame; it has no say in what is "
          "found"},
-        {"json", "", "", "write a record of what was found to standard output"}};
+        {"json", "", "", "write a record of what was found to standard output"},
+        {"quiet", "", "", "write nothing to standard output"}};
     for (const Option& option : SourceOptions())
         if (option.name != "format" && option.name != "premultiplied") options.push_back(option);
     return Combine({options, SinkOptions()});

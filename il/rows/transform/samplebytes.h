@@ -24,7 +24,8 @@ inline U16 Between(U16 a, U16 b, U16 fraction)
 }
 
 /// Four pixels of four bytes, as 16-bit lanes.
-inline U16 BilinearFour(const SampleSource& source, const FixedPlaces& places, std::size_t at)
+inline U16 BiLinearyInterpolatePoint_MMX(const SampleSource& source, const FixedPlaces& places,
+                                         std::size_t at)
 {
     const U8 low = LoadFour64(source.pixels, places.offset + at);
     const U8 high = LoadFour64(source.pixels + source.rowBytes, places.offset + at);
@@ -39,8 +40,8 @@ inline void WriteBilinear(PixelOf<std::uint8_t, 4>, const SampleSource& source, 
                           std::size_t count, std::uint8_t* out)
 {
     for (std::size_t at = 0; at < count; at += 8)
-        Store(out + 4 * at, OrderNarrowed(Narrow(
-                                {BilinearFour(source, places, at), BilinearFour(source, places, at + 4)})));
+        Store(out + 4 * at, OrderNarrowed(Narrow({BiLinearyInterpolatePoint_MMX(source, places, at),
+                                                  BiLinearyInterpolatePoint_MMX(source, places, at + 4)})));
 }
 
 inline void WriteBilinear(PixelOf<std::uint8_t, 1>, const SampleSource& source, const FixedPlaces& places,

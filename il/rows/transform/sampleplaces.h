@@ -60,17 +60,23 @@ public:
         m_v += count;
     }
 
-    /// The nearest pixels of eight places from \p at on.
-    void Nearest(std::size_t at, S32& x, S32& y) const
+    /// visit(at, x, y) for the nearest pixels of each eight of \p count places.
+    template <class Visit>
+    void EachNearest(std::size_t count, Visit visit) const
     {
-        x = NearestOf(m_u + at);
-        y = NearestOf(m_v + at);
+        for (std::size_t at = 0; at < count; at += kLanes32)
+            visit(at, NearestOf(m_u + at), NearestOf(m_v + at));
     }
-    /// The pixels below and to the left of them, and the fractions of 65536.
-    void Fixed(std::size_t at, S32& x, S32& y, S32& fx, S32& fy) const
+    /// visit(at, x, y, fx, fy) for the pixels below and to the left, and the fractions of 65536.
+    template <class Visit>
+    void EachFixed(std::size_t count, Visit visit) const
     {
-        FixedOf(m_u + at, x, fx);
-        FixedOf(m_v + at, y, fy);
+        for (std::size_t at = 0; at < count; at += kLanes32) {
+            S32 x, y, fx, fy;
+            FixedOf(m_u + at, x, fx);
+            FixedOf(m_v + at, y, fy);
+            visit(at, x, y, fx, fy);
+        }
     }
     void Exact(std::size_t at, S32& x, S32& y, double* fu, double* fv) const
     {
@@ -119,38 +125,52 @@ public:
         m_steps.v += static_cast<std::int64_t>(count) * m_steps.dv;
     }
 
-    void Nearest(std::size_t at, S32& x, S32& y) const
+    /// The next eight places of a line, along one axis, and half a unit of their last bit more.
+    template <int bits>
+    class Eight {
+    public:
+        Eight(std::int64_t u, std::int64_t du)
+            : m_first(Splat64(u + (std::int64_t{1} << (bits - 1))) + Multiples64(du)),
+              m_second(m_first + Splat64(4 * du)), m_way(Splat64(8 * du))
+        {}
+        template <int from>
+        S32 Bits() const
+        {
+            return Bits32From<from>(m_first, m_second);
+        }
+        void Advance()
+        {
+            m_first = m_first + m_way;
+            m_second = m_second + m_way;
+        }
+
+    private:
+        S64 m_first, m_second, m_way;
+    };
+
+    /// visit(at, x, y) for each eight of \p count places, in turn.
+    template <class Visit>
+    void EachNearest(std::size_t count, Visit visit) const
     {
-        x = NearestOf(m_steps.u, m_steps.du, at);
-        y = NearestOf(m_steps.v, m_steps.dv, at);
+        Eight<kStepBits> u(m_steps.u, m_steps.du);
+        Eight<kStepBits> v(m_steps.v, m_steps.dv);
+        for (std::size_t at = 0; at < count; at += kLanes32, u.Advance(), v.Advance())
+            visit(at, u.template Bits<kStepBits>(), v.template Bits<kStepBits>());
     }
-    void Fixed(std::size_t at, S32& x, S32& y, S32& fx, S32& fy) const
+    /// visit(at, x, y, fx, fy) for each eight.
+    template <class Visit>
+    void EachFixed(std::size_t count, Visit visit) const
     {
-        FixedOf(m_steps.u, m_steps.du, at, x, fx);
-        FixedOf(m_steps.v, m_steps.dv, at, y, fy);
+        constexpr int kBelow = kStepBits - kFractionBits;
+        const S32 fraction = Splat32((1 << kFractionBits) - 1);
+        Eight<kBelow> u(m_steps.u, m_steps.du);
+        Eight<kBelow> v(m_steps.v, m_steps.dv);
+        for (std::size_t at = 0; at < count; at += kLanes32, u.Advance(), v.Advance())
+            visit(at, u.template Bits<kStepBits>(), v.template Bits<kStepBits>(),
+                  u.template Bits<kBelow>() & fraction, v.template Bits<kBelow>() & fraction);
     }
 
 private:
-    /// Four places, and a half of their last bits' unit more.
-    template <int bits>
-    static S64 Four(std::int64_t u, std::int64_t du, std::size_t at)
-    {
-        constexpr std::int64_t kHalf = std::int64_t{1} << (bits - 1);
-        return Splat64(u + static_cast<std::int64_t>(at) * du + kHalf) + Multiples64(du);
-    }
-    static S32 NearestOf(std::int64_t u, std::int64_t du, std::size_t at)
-    {
-        return Bits32From<kStepBits>(Four<kStepBits>(u, du, at), Four<kStepBits>(u, du, at + 4));
-    }
-    static void FixedOf(std::int64_t u, std::int64_t du, std::size_t at, S32& x, S32& fx)
-    {
-        constexpr int kBelow = kStepBits - kFractionBits;
-        const S64 first = Four<kBelow>(u, du, at);
-        const S64 second = Four<kBelow>(u, du, at + 4);
-        x = Bits32From<kStepBits>(first, second);
-        fx = Bits32From<kBelow>(first, second) & Splat32((1 << kFractionBits) - 1);
-    }
-
     SampleSteps m_steps;
 };
 
@@ -170,27 +190,19 @@ template <SampleForm form, class Pixel, class Coordinates>
 void Find(const SampleSource& source, const Coordinates& coordinates, std::size_t count, Places& places)
 {
     static_assert(form == SampleForm::Nearest);
-    for (std::size_t at = 0; at < count; at += kLanes32) {
-        S32 x;
-        S32 y;
-        coordinates.Nearest(at, x, y);
+    coordinates.EachNearest(count, [&](std::size_t at, S32 x, S32 y) {
         Store32(places.offset + at, OffsetsOf<form, Pixel>(source, x, y));
-    }
+    });
 }
 
 template <SampleForm form, class Pixel, class Coordinates>
 void Find(const SampleSource& source, const Coordinates& coordinates, std::size_t count, FixedPlaces& places)
 {
-    for (std::size_t at = 0; at < count; at += kLanes32) {
-        S32 x;
-        S32 y;
-        S32 fx;
-        S32 fy;
-        coordinates.Fixed(at, x, y, fx, fy);
+    coordinates.EachFixed(count, [&](std::size_t at, S32 x, S32 y, S32 fx, S32 fy) {
         Store32(places.offset + at, OffsetsOf<form, Pixel>(source, x, y));
         StoreHalf(places.fu + at, Narrow16(fx));
         StoreHalf(places.fv + at, Narrow16(fy));
-    }
+    });
 }
 
 template <SampleForm form, class Pixel, class Coordinates>

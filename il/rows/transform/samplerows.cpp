@@ -26,13 +26,24 @@ struct Picture {
     {
         return x >= source.left && x < source.right && y >= source.bottom && y < source.top;
     }
+    /// Whether one of 2 x 2 pixels, of which (x, y) is the first, is outside.
+    bool Is2x2NeighborOutsideRegion(std::int64_t x, std::int64_t y) const
+    {
+        return !Has(x, y) || !Has(x + 1, y + 1);
+    }
+    bool Is4x4NeighborOutsideRegion(std::int64_t x, std::int64_t y) const
+    {
+        return !Has(x, y) || !Has(x + 3, y + 3);
+    }
+    const unsigned char* PlaceOf(std::int64_t x, std::int64_t y) const
+    {
+        return source.pixels + y * source.rowBytes + x * std::ptrdiff_t{kPixelBytes};
+    }
     /// The default pixel outside.
     Pixel At(std::int64_t x, std::int64_t y) const
     {
-        const unsigned char* from = source.defaultPixel;
-        if (Has(x, y)) from = source.pixels + y * source.rowBytes + x * std::ptrdiff_t{kPixelBytes};
         Pixel pixel;
-        std::memcpy(&pixel, from, kPixelBytes);
+        std::memcpy(&pixel, Has(x, y) ? PlaceOf(x, y) : source.defaultPixel, kPixelBytes);
         return pixel;
     }
 
@@ -74,6 +85,26 @@ struct Fixed {
     std::int32_t fraction;
 };
 
+/// size x size pixels, of which (x, y) is the first: row by row, or one by one at an edge.
+template <class Kind, int size>
+struct Block {
+    Block(const Kind& picture, std::int64_t x, std::int64_t y)
+    {
+        const bool isAtEdge =
+            size == 2 ? picture.Is2x2NeighborOutsideRegion(x, y) : picture.Is4x4NeighborOutsideRegion(x, y);
+        for (int j = 0; j < size; ++j) {
+            if (!isAtEdge) {
+                std::memcpy(pixel[j], picture.PlaceOf(x, y + j), sizeof pixel[j]);
+            } else {
+                for (int i = 0; i < size; ++i)
+                    pixel[j][i] = picture.At(x + i, y + j);
+            }
+        }
+    }
+
+    typename Kind::Pixel pixel[size][size];
+};
+
 std::int32_t Between(std::int32_t a, std::int32_t b, std::int32_t fraction)
 {
     return a + (((b - a) * fraction + 0x8000) >> kFractionBits);
@@ -85,14 +116,13 @@ requires(sizeof(typename Kind::Sample) == 1) typename Kind::Pixel
 {
     const Fixed x(u);
     const Fixed y(v);
-    const auto p00 = picture.At(x.whole, y.whole);
-    const auto p10 = picture.At(x.whole + 1, y.whole);
-    const auto p01 = picture.At(x.whole, y.whole + 1);
-    const auto p11 = picture.At(x.whole + 1, y.whole + 1);
+    const Block<Kind, 2> block(picture, x.whole, y.whole);
     typename Kind::Pixel result;
     for (int c = 0; c < Kind::kSamples; ++c) {
-        const std::int32_t top = Between(p00.sample[c], p10.sample[c], x.fraction);
-        const std::int32_t bottom = Between(p01.sample[c], p11.sample[c], x.fraction);
+        const std::int32_t top =
+            Between(block.pixel[0][0].sample[c], block.pixel[0][1].sample[c], x.fraction);
+        const std::int32_t bottom =
+            Between(block.pixel[1][0].sample[c], block.pixel[1][1].sample[c], x.fraction);
         // Between two samples there is no other, so nothing is to be limited.
         result.sample[c] = static_cast<std::uint8_t>(Between(top, bottom, y.fraction));
     }
@@ -107,34 +137,16 @@ requires(sizeof(typename Kind::Sample) == 2) typename Kind::Pixel
     const double low = std::floor(v);
     const double fu = u - left;
     const double fv = v - low;
-    const auto x = static_cast<std::int64_t>(left);
-    const auto y = static_cast<std::int64_t>(low);
-    const auto p00 = picture.At(x, y);
-    const auto p10 = picture.At(x + 1, y);
-    const auto p01 = picture.At(x, y + 1);
-    const auto p11 = picture.At(x + 1, y + 1);
+    const Block<Kind, 2> block(picture, static_cast<std::int64_t>(left), static_cast<std::int64_t>(low));
     const auto between = [](double a, double b, double fraction) { return a + (b - a) * fraction; };
     typename Kind::Pixel result;
     for (int c = 0; c < Kind::kSamples; ++c) {
-        const double top = between(p00.sample[c], p10.sample[c], fu);
-        const double bottom = between(p01.sample[c], p11.sample[c], fu);
+        const double top = between(block.pixel[0][0].sample[c], block.pixel[0][1].sample[c], fu);
+        const double bottom = between(block.pixel[1][0].sample[c], block.pixel[1][1].sample[c], fu);
         result.sample[c] = RoundToSample<std::uint16_t>(between(top, bottom, fv));
     }
     return result;
 }
-
-/// 4 x 4 pixels, the rows from the lowest.
-template <class Kind>
-struct Block {
-    Block(const Kind& picture, std::int64_t x, std::int64_t y)
-    {
-        for (int j = 0; j < 4; ++j)
-            for (int i = 0; i < 4; ++i)
-                pixel[j][i] = picture.At(x - 1 + i, y - 1 + j);
-    }
-
-    typename Kind::Pixel pixel[4][4];
-};
 
 /// 255 times the largest weights' sum, 1.25 times 65549, has 25 bits, and a column 15: both sums fit 32.
 template <class Kind>
@@ -145,7 +157,7 @@ requires(sizeof(typename Kind::Sample) == 1) typename Kind::Pixel
     const Fixed y(v);
     const CubicWeights cx = CubicWeightsOf(x.fraction);
     const CubicWeights cy = CubicWeightsOf(y.fraction);
-    const Block<Kind> block(picture, x.whole, y.whole);
+    const Block<Kind, 4> block(picture, x.whole - 1, y.whole - 1);
     typename Kind::Pixel result;
     for (int c = 0; c < Kind::kSamples; ++c) {
         std::int32_t sum = 0;
@@ -187,7 +199,8 @@ requires(sizeof(typename Kind::Sample) == 2) typename Kind::Pixel
     const double low = std::floor(v);
     const ExactWeights cx(u - left);
     const ExactWeights cy(v - low);
-    const Block<Kind> block(picture, static_cast<std::int64_t>(left), static_cast<std::int64_t>(low));
+    const Block<Kind, 4> block(picture, static_cast<std::int64_t>(left) - 1,
+                               static_cast<std::int64_t>(low) - 1);
     typename Kind::Pixel result;
     for (int c = 0; c < Kind::kSamples; ++c) {
         double column[4];

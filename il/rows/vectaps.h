@@ -99,8 +99,8 @@ struct PixelPairs {
 };
 
 #if defined(__AVX2__)
-/// Pixels of four bytes at 8 places, and the ones behind them, where all lie in the 8 pixels that begin with the
-/// lowest of the first and the last place. False where they don't.
+/// Pixels of four bytes at 8 places, and the ones behind them, where all lie in the 8 pixels that begin with
+/// the lowest of the first and the last place. False where they don't.
 inline bool LoadNearPairs(const std::uint8_t* line, const std::int32_t* starts, PixelPairs& pairs)
 {
     const std::int32_t low = starts[0] < starts[7] ? starts[0] : starts[7];

@@ -121,12 +121,22 @@ void vfILMonadicTransformProc::SumLine(const vfILVector2f& start, long width, do
     auto* const out = reinterpret_cast<Sample*>(output);
     Footprint footprints[kMostFootprints];
     Corners corners;
+    const double low = start[1] - half;
+    const double high = start[1] + half;
     for (long at = 0; at < width; at += kBlock) {
         const long count = std::min(kBlock, width - at);
+        const double x = start[0] + static_cast<double>(at);
+        const FootprintPlanes* cut = planes;
+        if (cut != nullptr && m_keepsLines) {
+            // As of the whole line: of most blocks nothing needs a cut.
+            Corners block;
+            MapCorners(x - half, x + static_cast<double>(count - 1) + half, low, high, block);
+            if (!NeedsCut(block.x, block.y, block.w, *cut)) cut = nullptr;
+        }
         for (long i = 0; i < count; ++i) {
-            const double x = start[0] + static_cast<double>(at + i);
-            MapCorners(x - half, x + half, start[1] - half, start[1] + half, corners);
-            MakeFootprint(corners.x, corners.y, corners.w, planes, footprints[i]);
+            const double centre = x + static_cast<double>(i);
+            MapCorners(centre - half, centre + half, low, high, corners);
+            MakeFootprint(corners.x, corners.y, corners.w, cut, footprints[i]);
         }
         CentreSamples<Sample, Format::kChannels> centres(row, sampled, count);
         const auto mapCentres = [&](double* u, double* v) {

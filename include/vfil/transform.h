@@ -264,6 +264,9 @@ protected:
 
     /// For the constructor of a leaf: how many coefficients it has, at most 16. They are all 0.
     void SetCoefficientCount(long count);
+    /// For the constructor of a leaf whose mapping, in homogeneous coordinates, is linear: sums of footprints
+    /// are faster then.
+    void KeepsLines() { m_keepsLines = true; }
     /// For the Verify of a leaf: the frame's, then 0x1000F (a type above \p lastType, or unknown) and 0x1000D
     /// (a format that is neither RGBA nor mono).
     vfILStatus VerifyTransform(vfILInterpolationType lastType, const wchar_t* className);
@@ -315,6 +318,7 @@ private:
     void SumLine(const vfILVector2f& start, long width, double half, const vfil::FootprintPlanes* planes,
                  unsigned char* output);
 
+    bool m_keepsLines = false;
     long m_coefficientCount = 0;
     float m_coefficients[kMostCoefficients] = {};
     vfILInterpolationType m_interpolationType = VFIL_INTERP_NEAREST;

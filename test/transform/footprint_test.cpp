@@ -340,7 +340,7 @@ void CheckBoxLines()
             ++summed;
         }
     }
-    EXPECT_GT(summed, 200);
+    EXPECT_GT(summed, 150);
 }
 
 TEST(BoxLine, HasTheBitsOfSinglePixels)

@@ -37,8 +37,10 @@ PixelPairs LoadPixelPairs(const std::uint8_t* line, const std::int32_t* starts)
     return SplitHalves(at(0), at(1), at(2), at(3));
 }
 
-void LerpFours(const std::uint8_t* line, const LerpTaps& taps, std::uint8_t* out, std::size_t pixels)
+/// A copy of the tables' addresses, which no store of bytes can change, stays in registers.
+void LerpFours(const std::uint8_t* line, const LerpTaps& tables, std::uint8_t* out, std::size_t pixels)
 {
+    const LerpTaps taps = tables;
     for (std::size_t k = 0; k < pixels; k += kLanes32) {
         const PixelPairs pairs = LoadPixelPairs(line, taps.starts + k);
         const S32 fractions = LoadLanes(taps.fractions + k);
@@ -185,8 +187,9 @@ void StorePart(std::uint8_t* out, U8 v, std::size_t bytes)
     std::memcpy(out, block, bytes);
 }
 
-void CubicFours(const std::int16_t* columns, const CubicTaps& taps, std::uint8_t* out, std::size_t pixels)
+void CubicFours(const std::int16_t* columns, const CubicTaps& tables, std::uint8_t* out, std::size_t pixels)
 {
+    const CubicTaps taps = tables;
     for (std::size_t k = 0; k < pixels; k += kLanes32) {
         const U16 low = PackSigned(CubicFour<0>(columns, taps, k), CubicFour<1>(columns, taps, k));
         const U16 high = PackSigned(CubicFour<2>(columns, taps, k), CubicFour<3>(columns, taps, k));

@@ -42,8 +42,7 @@ void CheckOpaque(const JobPlan& plan, const SinkPlan& sink, const host::Picture&
     }
     const Signal& signal = plan.signals[sink.signal];
     if (signal.ofCanvas) remedy += ", and " + Named("default-color") + " 0,0,0 fills what no pixel gets to";
-    throw RunError(sink.sink.path + " shows no alpha, and " + signal.label +
-                   " has clear pixels" + remedy);
+    throw RunError(sink.sink.path + " shows no alpha, and " + signal.label + " has clear pixels" + remedy);
 }
 
 // What goes into the files of all sinks whose pictures a stage makes.

@@ -4,11 +4,23 @@
 #pragma once
 
 #include "il/rows/vec32.h"
+#include "il/rows/vec64.h"
 
 namespace vfil {
 namespace {
 
 #if !defined(__AVX512BW__)
+
+/// A double in all lanes.
+template <int lane>
+inline F64 SplatDoubleOf(F64 v)
+{
+#if defined(__AVX2__)
+    return {_mm256_permute4x64_pd(v.v, lane * 0x55)};
+#else
+    return {_mm_shuffle_pd(v.v, v.v, lane * 3)};
+#endif
+}
 
 /// Outputs whose pixels share a vector: one in each 128 bits.
 constexpr std::size_t kTapLanes = kBytes / 16;
@@ -99,8 +111,8 @@ struct PixelPairs {
 };
 
 #if defined(__AVX2__)
-/// Pixels of four bytes at 8 places, and the ones behind them, where all lie in the 8 pixels that begin with the
-/// lowest of the first and the last place. False where they don't.
+/// Pixels of four bytes at 8 places, and the ones behind them, where all lie in the 8 pixels that begin with
+/// the lowest of the first and the last place. False where they don't.
 inline bool LoadNearPairs(const std::uint8_t* line, const std::int32_t* starts, PixelPairs& pairs)
 {
     const std::int32_t low = starts[0] < starts[7] ? starts[0] : starts[7];

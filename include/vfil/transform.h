@@ -316,6 +316,9 @@ private:
     void MapCorner(double x, double y, double& u, double& v, double& w);
     struct Corners;
     void MapCorners(double left, double right, double low, double high, Corners& corners);
+    template <class Source>
+    bool SumUprightBlock(double x, long count, double half, double low, double high, const Source& source,
+                         typename Source::Sample* out);
     template <class Format>
     void SumLine(const vfILVector2f& start, long width, double half, const vfil::FootprintPlanes* planes,
                  unsigned char* output);

@@ -192,6 +192,35 @@ TEST(PanZoomRows, SamplingWordsAlongTheAxesIsThePlainForm)
         });
 }
 
+template <class Sample>
+void CheckBoxes(ScaleRowsOf<Sample> ScaleRows::*rows)
+{
+    Check<Sample>(
+        "boxes", [&](Level level) { return (ScaleRowsAt(level).*rows).sumBoxes; }, false, 4,
+        [&](auto kernel, Sample* out, std::size_t pixels, std::mt19937& random) {
+            const std::size_t taps = 1 + random() % 5;
+            const Tables tables(pixels, 4, kLinePixels, random);
+            std::vector<double> widths(taps * tables.pitch), heights(1 + random() % 5);
+            for (std::vector<double>* lengths : {&widths, &heights})
+                for (double& length : *lengths)
+                    length = std::uniform_real_distribution<double>(0.1, 1)(random);
+            std::vector<std::vector<Sample>> lines;
+            std::vector<const Sample*> starts;
+            for (std::size_t i = 0; i < heights.size(); ++i) {
+                lines.push_back(EndRichSamples<Sample>(4 * kLinePixels, random));
+                starts.push_back(lines.back().data());
+            }
+            kernel(starts.data(), heights.data(), heights.size(),
+                   {tables.starts.data(), widths.data(), tables.pitch, taps}, out, pixels);
+        });
+}
+
+TEST(PanZoomRows, BoxesAreThePlainForm)
+{
+    CheckBoxes<std::uint8_t>(&ScaleRows::bytes);
+    CheckBoxes<std::uint16_t>(&ScaleRows::words);
+}
+
 TEST(PanZoomRows, SamplingBytesAlongTheAxesIsThePlainForm)
 {
     using Bytes = std::vector<std::uint8_t>;

@@ -173,7 +173,7 @@ public:
         m_rowSamples = entries * Base::kChannels;
         const std::size_t line = this->LineSamples() + kScaleSlack * Base::kChannels;
         if (!m_fractions.Allocate(entries) || !m_exact.Allocate(entries) || !m_line.Allocate(line) ||
-            !m_ring.Allocate(3 * m_rowSamples))
+            !m_inner.Allocate(entries) || !m_ring.Allocate(3 * m_rowSamples))
             return false;
         std::fill_n(m_fractions.Data(), entries, 0U);
         std::fill_n(m_exact.Data(), entries, 0.0);
@@ -185,7 +185,8 @@ public:
         }
         this->FillDefault(m_line.Data(), line / Base::kChannels);
         std::fill_n(m_ring.Data(), 3 * m_rowSamples, Lerped{0});
-        Lerp(m_ring.Data() + 2 * m_rowSamples); // the row of default pixels
+        Lerp(m_kernels, m_ring.Data() + 2 * m_rowSamples, 0, this->m_columns.Count()); // of default pixels
+        FindInner(entries);
         return true;
     }
     void MakeLine(long y, unsigned char* output) override
@@ -200,11 +201,29 @@ public:
     }
 
 private:
-    void Lerp(Lerped* out) const
+    /// The columns whose two pixels are both in the picture, and where these lie from m_needed.first on.
+    void FindInner(std::size_t entries)
     {
-        m_kernels.lerpPixels[Base::kForm](m_line.Data(),
-                                          {this->m_starts.Data(), m_fractions.Data(), m_exact.Data()}, out,
-                                          this->m_columns.Count());
+        const auto last = kPad + static_cast<std::int64_t>(this->m_needed.Count()) - 2;
+        const auto isInner = [&](std::size_t k) {
+            return this->m_starts[k] >= kPad && this->m_starts[k] <= last;
+        };
+        m_behind = this->m_columns.Count();
+        while (m_first < m_behind && !isInner(m_first))
+            ++m_first;
+        while (m_behind > m_first && !isInner(m_behind - 1))
+            --m_behind;
+        std::fill_n(m_inner.Data(), entries, 0);
+        for (std::size_t k = m_first; k < m_behind; ++k)
+            m_inner[k] = this->m_starts[k] - static_cast<std::int32_t>(kPad);
+    }
+    /// Columns of m_line.
+    void Lerp(const ScaleRowsOf<Sample>& kernels, Lerped* out, std::size_t first, std::size_t behind) const
+    {
+        kernels.lerpPixels[Base::kForm](
+            m_line.Data(),
+            {this->m_starts.Data() + first, m_fractions.Data() + first, m_exact.Data() + first},
+            out + first * Base::kChannels, behind - first);
     }
     const Lerped* LerpedRow(std::int64_t row)
     {
@@ -214,17 +233,37 @@ private:
         Lerped* const out = m_ring.Data() + slot * m_rowSamples;
         if (m_held[slot] == row) return out;
         m_held[slot] = row;
-        std::copy_n(this->Row(row), this->m_needed.Count() * Base::kChannels,
-                    m_line.Data() + kPad * Base::kChannels);
-        Lerp(out);
+        const Sample* const pixels = this->Row(row);
+        const std::size_t needed = this->m_needed.Count();
+        Sample* const line = m_line.Data() + kPad * Base::kChannels;
+        // The kernel may read on behind the row, where there is a next one.
+        const bool isFollowed = row + 1 < this->m_input.height && this->m_input.width >= 16;
+        if (!isFollowed) {
+            std::copy_n(pixels, needed * Base::kChannels, line);
+            Lerp(m_kernels, out, 0, this->m_columns.Count());
+            return out;
+        }
+        m_kernels.lerpPixels[Base::kForm](
+            pixels, {m_inner.Data() + m_first, m_fractions.Data() + m_first, m_exact.Data() + m_first},
+            out + m_first * Base::kChannels, m_behind - m_first);
+        if (needed != 0) { // the others see the first pixel, or the last, beside default ones
+            const std::size_t last = (needed - 1) * Base::kChannels;
+            std::copy_n(pixels, Base::kChannels, line);
+            std::copy_n(pixels + last, Base::kChannels, line + last);
+        }
+        const ScaleRowsOf<Sample>& plain = FindScaleRows<Sample>(false); // which writes nothing else
+        Lerp(plain, out, 0, m_first);
+        Lerp(plain, out, m_behind, this->m_columns.Count());
         return out;
     }
 
     const ScaleRowsOf<Sample>& m_kernels;
     RunArray<std::uint32_t> m_fractions;
     RunArray<double> m_exact;
-    RunArray<Sample> m_line; ///< a row of the input between default pixels
-    RunArray<Lerped> m_ring; ///< an even row, an odd one, and that of default pixels
+    std::size_t m_first = 0, m_behind = 0; ///< columns of two pixels in the picture
+    RunArray<std::int32_t> m_inner;        ///< where those lie
+    RunArray<Sample> m_line;               ///< a row of the input between default pixels
+    RunArray<Lerped> m_ring;               ///< an even row, an odd one, and that of default pixels
     std::size_t m_rowSamples = 0;
     std::int64_t m_held[2] = {-1, -1};
 };

@@ -175,6 +175,14 @@ private:
         m_held[slot] = row;
         const auto* from = reinterpret_cast<const Sample*>(m_run.a.Row(row)) +
                            m_x.needed.first * static_cast<std::int64_t>(kChannels);
+        // Pixels without weight are read behind the needed ones: of the next row, where there is one.
+        const bool isFollowed =
+            row + 1 < m_run.a.view.height &&
+            m_run.a.view.width > static_cast<std::int64_t>(2 * m_x.pairs + kTapSlack);
+        if (isFollowed && !m_source.Changes() && !m_x.IsList()) {
+            m_weighPixels(from, m_x.Line(), out, m_x.outputs.Count());
+            return out;
+        }
         std::copy_n(from, m_x.needed.Count() * kChannels, m_line.Data());
         m_source.Treat(m_line.Data(), row);
         if (!m_x.IsList()) {

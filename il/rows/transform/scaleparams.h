@@ -71,6 +71,23 @@ template <class Sample>
 using CubicPixels = void (*)(const typename BetweenPasses<Sample>::Column* columns, const CubicTaps& taps,
                              Sample* out, std::size_t pixels);
 
+/// What the footprints of a line are where each is a box: its first pixel of a row, and how much of so many
+/// pixels it is wide: at p pitch + k for pixel p of footprint k.
+struct BoxTaps {
+    const std::int32_t* starts;
+    const double* widths;
+    std::size_t pitch;
+    std::size_t taps;
+};
+
+/// The means of RGBA pixels over boxes, truncated and limited to the full value: by pixels of the rows in
+/// their order, each by its area.
+///
+/// \param heights How much of each row the boxes have.
+template <class Sample>
+using SumBoxes = void (*)(const Sample* const* rows, const double* heights, std::size_t rowCount,
+                          const BoxTaps& taps, Sample* out, std::size_t pixels);
+
 /// The kernels of samples of a width, for one level. Arrays are of four channels and of one.
 template <class Sample>
 struct ScaleRowsOf {
@@ -78,6 +95,7 @@ struct ScaleRowsOf {
     LerpRows<Sample> lerpRows[2]; ///< [streaming]
     WeighColumns<Sample> columns;
     CubicPixels<Sample> cubicPixels[2];
+    SumBoxes<Sample> sumBoxes;
 };
 
 /// Pixels of four bytes from their places in a line. 8 pixels from each place on may be read, and up to

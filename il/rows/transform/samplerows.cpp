@@ -76,7 +76,7 @@ struct Fixed {
     explicit Fixed(double u)
     {
         const double low = std::floor(u);
-        const auto fixed = static_cast<std::int32_t>((u - low) * kFractions + 0.5);
+        const auto fixed = static_cast<std::int32_t>(std::floor((u - low) * kFractions + 0.5));
         whole = static_cast<std::int64_t>(low) + (fixed >> kFractionBits);
         fraction = fixed & ((1 << kFractionBits) - 1);
     }
@@ -213,21 +213,24 @@ requires(sizeof(typename Kind::Sample) == 2) typename Kind::Pixel
 }
 
 template <SampleForm form, class Kind>
+typename Kind::Pixel SampleAt(const Kind& picture, double u, double v)
+{
+    if constexpr (form == SampleForm::Nearest) return Nearest(picture, u, v);
+    if constexpr (form == SampleForm::Bilinear) return Bilinear(picture, u, v);
+    if constexpr (form == SampleForm::Bicubic) return Bicubic(picture, u, v);
+}
+
+template <SampleForm form, class Kind>
 void PlainSampleRow(const SampleSource& source, const double* u, const double* v, std::size_t count,
                     unsigned char* out)
 {
     const Kind picture{source};
     for (std::size_t i = 0; i < count; ++i, out += Kind::kPixelBytes) {
-        typename Kind::Pixel pixel;
         if (!IsNear(source, u[i], v[i], form == SampleForm::Bicubic ? 2 : 1)) {
-            std::memcpy(&pixel, source.defaultPixel, Kind::kPixelBytes);
-        } else if constexpr (form == SampleForm::Nearest) {
-            pixel = Nearest(picture, u[i], v[i]);
-        } else if constexpr (form == SampleForm::Bilinear) {
-            pixel = Bilinear(picture, u[i], v[i]);
-        } else {
-            pixel = Bicubic(picture, u[i], v[i]);
+            std::memcpy(out, source.defaultPixel, Kind::kPixelBytes);
+            continue;
         }
+        const auto pixel = SampleAt<form>(picture, u[i], v[i]);
         std::memcpy(out, &pixel, Kind::kPixelBytes);
     }
 }
@@ -281,8 +284,8 @@ void PlainMix(Sample* from, const Sample* to, double amount, std::size_t samples
 {
     for (std::size_t i = 0; i < samples; ++i) {
         const double a = from[i];
-        from[i] =
-            static_cast<Sample>(a + (to[i] - a) * amount + 0.5); // between two samples, so within the range
+        const double halfMore = a + (to[i] - a) * amount + 0.5; // between two samples, so within the range
+        from[i] = static_cast<Sample>(halfMore);
     }
 }
 

@@ -156,8 +156,8 @@ vfILStatus vfILMonadicTransformProc::PreparePictures()
     m_run = {};
     m_run.input = input;
     m_run.output = output;
-    if (!AreConnected(input, output) || input.format != output.format)
-        return Fail(input.format != output.format ? 0x1000E : WhyUnconnected(input, output), GetClassNameW());
+    if (!AreConnected(input, output)) return Fail(WhyUnconnected(input, output), GetClassNameW());
+    if (input.format != output.format) return Fail(0x1000E, GetClassNameW());
     m_run.outputBox = TargetBox(GetROI(), GetOutputOffset());
     if (!Covers(output.Box(), m_run.outputBox)) return Fail(0x1000A, GetClassNameW());
     ColourPixel pixel;

@@ -13,7 +13,7 @@ struct FootprintPlanes;
 
 /// What all transforms share apart from the mapping: the crop of the source, a border inside of what is left,
 /// an opacity with a falloff towards the edges, and what the pictures say of premultiplication. Groups of
-/// four are left, right, top, bottom, in pixels, each 0 by default.
+/// four are left, right, top, bottom, in pixels, each 0 by default; top is the side of row 0.
 ///
 /// Border, softness, falloff and opacity act with VFIL_INTERP_PANZOOM alone; the crop acts with every type.
 class VFIL_API vfILTransformBase {
@@ -284,8 +284,10 @@ public:
     void SetInterpolationType(vfILInterpolationType type);
     vfILInterpolationType GetInterpolationType() const;
     /// \param level How much wider than a pixel the footprints of types 5 to 7 are, in half pixels, and the
-    /// radius of the blur under the pyramid of type 4. At least 0, the default; without effect on types 1 to
-    /// 3.
+    ///              radius of the blur under the pyramid of type 4, which 16-bit pictures go without. At
+    ///              least 0, the default; without effect on types 1 to 3. The part of the output that is
+    ///              treated does not grow with it: what wide footprints would show beyond has the default
+    ///              colour.
     void SetFilteringLevel(double level);
     double GetFilteringLevel() const;
     /// Maps a point from input to output. Fails with 0x10010 where SetUpCoefficients fails.

@@ -3,6 +3,7 @@
 #include <catalogue/families.h>
 #include <catalogue/moved.h>
 
+#include <vfil/affine.h>
 #include <vfil/perspective.h>
 
 namespace vfil::catalogue {
@@ -37,6 +38,37 @@ Parameter CornersParameter()
         {.count = 8}, -kMostOfMapping, kMostOfMapping, {},
         "where the centres of the picture's pixels bottom left, bottom right, top right and top left go, x "
         "and y of each, y up");
+}
+
+class Quad : public Moved<vfILBilinearTransform> {
+public:
+    void SetCorners(const Table& corners) { m_corners = corners; }
+    const Table& GetCorners() const { return m_corners; }
+
+    bool IsCentred() const override { return false; }
+    std::optional<Objection> Refuse(long, long) const override { return RefuseCorners(m_corners); }
+    std::optional<Extent> Covers(long width, long height) const override
+    {
+        return ExtentOf(CornersOf(m_corners, width, height), width, height);
+    }
+
+private:
+    void Map(long width, long height) override { Take(CornersOf(m_corners, width, height)); }
+    vfILInterpolationType UsualInterpolation(long, long) const override { return VFIL_INTERP_SUM_BICUBIC; }
+
+    Table m_corners;
+};
+
+Entry QuadEntry()
+{
+    Entry entry =
+        MovedEntry<Quad>("vfILBilinearTransform", "quad",
+                         "put into a quadrilateral, with the lines between its sides divided evenly",
+                         {CornersParameter<Quad>()}, VFIL_INTERP_SUM_NEAREST, "area-bicubic");
+    entry.parameters.front().required = true;
+    entry.joint.push_back({0x10010, {"corners"}});
+    entry.note = "for a picture in space, see perspective";
+    return entry;
 }
 
 // What shows which side of the camera is before it, in a fourth way.
@@ -97,7 +129,7 @@ Parameter ClipMode()
         {{"none", VFIL_CLIP_NONE, "both parts, which is a picture turned over beyond the horizon"},
          {"negative", VFIL_CLIP_NEGATIVE, "where the way back has a negative w"},
          {"positive", VFIL_CLIP_POSITIVE, "where it has a positive one"},
-         {"front", kClipBehind, "what is before the camera, where W in --matrix is positive"}},
+         {"front", kClipBehind, "what is before the camera: where W is positive, for an I of 1"}},
         0);
 }
 
@@ -179,6 +211,7 @@ Entry CardEntry()
 std::vector<Entry> CornerEntries()
 {
     std::vector<Entry> entries;
+    entries.push_back(QuadEntry());
     entries.push_back(PerspectiveEntry());
     entries.push_back(CardEntry());
     return entries;

@@ -70,12 +70,15 @@ public:
     bool IsCentred() const override { return true; }
 
 protected:
-    // Left, right, top and bottom, as the class takes them.
+    // Left, right, top and bottom for the class, whose top is where y begins: the bottom, as one sees it.
     static std::array<unsigned long, 4> EdgesOf(const Table& edges)
     {
+        constexpr std::array<std::size_t, 4> kOrder = {0, 1, 3, 2};
         std::array<unsigned long, 4> numbers{};
-        for (std::size_t i = 0; i < std::min(numbers.size(), edges.numbers.size()); ++i)
-            numbers[i] = static_cast<unsigned long>(std::clamp(edges.numbers[i], 0.0, kMostOfMapping));
+        if (edges.numbers.size() == numbers.size())
+            std::transform(kOrder.begin(), kOrder.end(), numbers.begin(), [&](std::size_t i) {
+                return static_cast<unsigned long>(std::clamp(edges.numbers[i], 0.0, kMostOfMapping));
+            });
         return numbers;
     }
 

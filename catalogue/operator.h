@@ -26,7 +26,7 @@ public:
     virtual vfILImgProc* Frame() = 0;
     /// How it moves its input over the output, for those that do so; else null. It goes by the parameters
     /// alone, with or without pictures.
-    virtual const Placement* Placing() const = 0;
+    virtual Placement* Placing() = 0;
     /// \param index 0 is the first input, A of two. Connecting A also makes it dominant, or B of a class that
     ///              is DominatedByB.
     /// \param image Not owned; must outlive the run. Null for an optional input that is missing.
@@ -59,7 +59,7 @@ public:
             return nullptr;
     }
 
-    const Placement* Placing() const override
+    Placement* Placing() override
     {
         if constexpr (std::derived_from<P, Placement>)
             return &m_processor;

@@ -78,6 +78,18 @@ public:
         if (IsGiven(m_fit)) return m_fit;
         return IsGiven(m_fill) ? std::optional(m_fill) : std::nullopt;
     }
+    std::optional<vfILBbox2l> Fills(long width, long height) const override
+    {
+        const MapPoint shift = PairOf(m_translation, 0);
+        const bool whole = shift.x == std::trunc(shift.x) && shift.y == std::trunc(shift.y);
+        if (!OwnSize() || !whole || HasAny(GetCropping()) || *PaintOf() != '\0') return std::nullopt;
+        const Extent extent = ExtentOf(MapOf(width, height), width, height);
+        const auto pixel = [](double edge) { return static_cast<long>(std::lround(edge + 0.5)); };
+        const long left = pixel(extent.left);
+        const long bottom = pixel(extent.bottom);
+        return vfILBbox2l(left, bottom, pixel(extent.right) - left, pixel(extent.top) - bottom);
+    }
+    void Pad(long pixels) override { m_padding = pixels; }
     bool MayClear() const override { return GetOpacity() < 1 || HasAny(m_falloff); }
     bool IsCentred() const override { return !OwnSize(); }
 
@@ -100,14 +112,22 @@ private:
         map.f += translation.y;
         return map;
     }
+    AffineMap PaddedMapOf(long width, long height) const
+    {
+        const auto padding = static_cast<double>(m_padding);
+        AffineMap map = MapOf(width - 2 * m_padding, height - 2 * m_padding);
+        map.c -= map.a * padding;
+        map.f -= map.e * padding;
+        return map;
+    }
     void Map(long width, long height) override
     {
-        const AffineMap map = MapOf(width, height);
+        const AffineMap map = PaddedMapOf(width, height);
         Take<4>({map.a, map.c, map.e, map.f});
     }
     vfILInterpolationType UsualInterpolation(long width, long height) const override
     {
-        const AffineMap map = MapOf(width, height);
+        const AffineMap map = PaddedMapOf(width, height);
         const bool narrower = std::abs(map.a) < 1;
         const bool lower = std::abs(map.e) < 1;
         if (*PaintOf() != '\0' || (narrower && lower)) return VFIL_INTERP_PANZOOM;
@@ -121,6 +141,7 @@ private:
     Table m_border{{0, 0, 0, 0}, 4};
     Table m_softness{{0, 0, 0, 0}, 4};
     Table m_falloff{{0, 0, 0, 0}, 4};
+    long m_padding = 0;
 };
 
 template <auto kSet, auto kGet>

@@ -14,6 +14,14 @@ std::optional<vfILVector2l> Placement::OwnSize() const
     return std::nullopt;
 }
 
+std::optional<vfILBbox2l> Placement::Fills(long, long) const
+{
+    return std::nullopt;
+}
+
+void Placement::Pad(long)
+{}
+
 bool Placement::MayClear() const
 {
     return false;

@@ -34,6 +34,10 @@ public:
     virtual std::optional<Extent> Covers(long width, long height) const = 0;
     /// The canvas that the parameters ask for, if they do.
     virtual std::optional<vfILVector2l> OwnSize() const;
+    /// The pixels that the picture fills from edge to edge, where it does so with whole ones.
+    virtual std::optional<vfILBbox2l> Fills(long width, long height) const;
+    /// From now on the input has so many pixels around the picture that repeat its edges.
+    virtual void Pad(long pixels);
     /// Whether the parameters make pixels of the picture clear.
     virtual bool MayClear() const;
     /// Whether a canvas of another size than the picture's lies around the middle of the picture. Else it

@@ -52,7 +52,7 @@ private:
     vfILInterpolationType UsualInterpolation(long width, long height) const override
     {
         // The means of areas that are turned, and not shrunk, are softer than they need be.
-        constexpr double kShrinks = 0.99;
+        constexpr double kShrinks = 0.9;
         return LeastScale(MapOf(width, height)) < kShrinks ? VFIL_INTERP_SUM_BICUBIC : VFIL_INTERP_BICUBIC;
     }
 
@@ -88,7 +88,8 @@ Entry AffineEntry()
          ListParameter<&Affine::SetMatrix, &Affine::GetMatrix>(
              {.count = 6}, -most, most, {},
              "instead of these A,B,C,D,E,F: a pixel at x,y goes to A x + B y + C, D x + E y + F, y up")},
-        VFIL_INTERP_SUM_NEAREST, "bicubic, or area-bicubic where it shrinks");
+        VFIL_INTERP_SUM_NEAREST,
+        "bicubic, or area-bicubic where it shrinks to less than nine tenths, in any direction");
     entry.joint.push_back({0x10010, {"matrix", "scale", "shear"}});
     entry.alternatives = {{{"matrix"}, {"rotate", "scale", "shear", "translate", "about"}}};
     entry.note = "the centre of the bottom-left pixel is 0,0. A quarter turn about the middle lands on whole "

@@ -64,6 +64,22 @@ vfILBbox2l FittingCanvas(const Placement& placement, const Signal& input)
     return input.clip && InfoOf(input.home).subsampled ? EvenOf(box) : box;
 }
 
+// Where the picture fills whole pixels, these are all that is made, and its edges do not fade into what is
+// beyond: what is made of neighbours finds the edge again there.
+void PlanFilled(StepPlan& planned, const Placement& placement, const Signal& input)
+{
+    constexpr long kNeighbours = 2;
+    const auto filled = placement.Fills(input.width, input.height);
+    if (!filled) return;
+    const vfILBbox2l canvas = planned.roi;
+    const vfILBbox2l seen = canvas & *filled;
+    if (seen.IsNull()) return;
+    planned.roi = seen;
+    planned.outputOffset = seen.GetOffset() - canvas.GetOffset();
+    const bool enlarges = filled->GetSizeX() > input.width || filled->GetSizeY() > input.height;
+    if (enlarges) planned.padding = kNeighbours;
+}
+
 // The processor with the parameters of a step.
 std::unique_ptr<catalogue::Operator> Prepared(const Step& step)
 {
@@ -107,8 +123,11 @@ void PlanCanvas(StepPlan& planned, const Signal& input)
         throw RequestError(Named("fields") + " odd and even leave the other rows as they are, which takes " +
                            Named(kCanvasSetting) + " same");
     }
-    planned.opaque =
-        !input.alpha && !input.mayClear && step.defaultColor.GetAlpha() == 1 && !placement.MayClear();
+    PlanFilled(planned, placement, input);
+    const bool covers =
+        planned.roi.GetSize() == planned.outputSize && placement.Fills(input.width, input.height);
+    planned.opaque = !input.alpha && !input.mayClear && !placement.MayClear() &&
+                     (covers || step.defaultColor.GetAlpha() == 1);
 }
 
 } // namespace vfil::engine

@@ -65,6 +65,7 @@ struct StepPlan {
     std::optional<MaskPlan> mask;
     bool clip = false;     ///< runs once a frame
     bool multiply = false; ///< straight inputs are multiplied by their alpha first
+    long padding = 0;      ///< pixels around the input that repeat its edges
     bool opaque = false;   ///< no pixel of the result can be clear, but for the rounding of alpha
 };
 

@@ -40,8 +40,9 @@ void CheckOpaque(const JobPlan& plan, const SinkPlan& sink, const host::Picture&
         remedy = "; " + Named("to") + " rgba32 with " + Named("codec") +
                  " qtrle (.mov) or ffv1 (.mkv) keeps them, and " + Named("to") + " " + format + " drops them";
     }
-    throw RunError(sink.sink.path + " shows no alpha, and " + plan.signals[sink.signal].label +
-                   " has clear pixels" + remedy);
+    const Signal& signal = plan.signals[sink.signal];
+    if (signal.ofCanvas) remedy += ", and " + Named("default-color") + " 0,0,0 fills what no pixel gets to";
+    throw RunError(sink.sink.path + " shows no alpha, and " + signal.label + " has clear pixels" + remedy);
 }
 
 // What goes into the files of all sinks whose pictures a stage makes.

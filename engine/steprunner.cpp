@@ -40,7 +40,8 @@ StepRunner::StepRunner(const JobPlan& plan, const StepPlan& step, KeyColours& co
     : m_plan(plan), m_step(step), m_colours(colours), m_op(step.step.entry->make(!plan.settings.plain))
 {
     for (const StepInput& input : step.inputs)
-        m_inputs.push_back({Converter(input.conversion, plan.settings), {}});
+        m_inputs.push_back({Converter(input.conversion, plan.settings), {}, {}});
+    if (step.padding > 0) m_op->Placing()->Pad(step.padding);
     if (step.mask) m_mask.emplace(step.mask->input.conversion, plan.settings);
     m_outputs.resize(step.outputs.size());
 }
@@ -78,6 +79,7 @@ host::PicturePtr StepRunner::PrepareInput(std::size_t index, const host::Picture
     host::PicturePtr prepared = m_inputs[index].converter.Convert(picture);
     watch.Lap(Phase::Convert);
     if (m_step.multiply && !prepared->Premultiplied()) Multiply(index, prepared);
+    if (m_step.padding > 0) Pad(index, prepared);
     watch.Lap(Phase::Prepare);
     return prepared;
 }
@@ -93,6 +95,29 @@ void StepRunner::Multiply(std::size_t index, host::PicturePtr& picture)
                              picture->Width());
     }
     made->SetPremultiplied(true);
+    picture = made;
+}
+
+// The picture with its edges repeated around it.
+void StepRunner::Pad(std::size_t index, host::PicturePtr& picture)
+{
+    const long padding = m_step.padding;
+    const long width = picture->Width();
+    const long height = picture->Height();
+    const host::PicturePtr made =
+        m_inputs[index].padded.Get(picture->Format(), width + 2 * padding, height + 2 * padding);
+    const auto pixel = static_cast<std::size_t>(picture->PixelBytes());
+    for (long y = 0; y < made->Height(); ++y) {
+        const std::uint8_t* from = picture->Row(std::clamp(y - padding, 0L, height - 1));
+        std::uint8_t* to = made->Row(y);
+        const std::size_t bytes = static_cast<std::size_t>(width) * pixel;
+        for (long x = 0; x < padding; ++x, to += pixel)
+            std::copy_n(from, pixel, to);
+        to = std::copy_n(from, bytes, to);
+        for (long x = 0; x < padding; ++x, to += pixel)
+            std::copy_n(from + bytes - pixel, pixel, to);
+    }
+    made->SetPremultiplied(picture->Premultiplied());
     picture = made;
 }
 

@@ -31,12 +31,14 @@ private:
     struct Input {
         Converter converter;
         Buffer multiplied;
+        Buffer padded;
     };
 
     bool IsOpaqueFrame(std::size_t input) const;
     vfILColor FillColor() const;
     bool Covers() const;
     void Multiply(std::size_t index, host::PicturePtr& picture);
+    void Pad(std::size_t index, host::PicturePtr& picture);
     void Connect(const std::vector<host::PicturePtr>& inputs, const host::PicturePtr& mask);
     void PlaceRegion(vfILImgProc& processor, const host::PicturePtr& mask) const;
     host::PicturePtr Output(std::size_t index);

@@ -36,6 +36,7 @@ vfILMonadicTransformProc& vfILMonadicTransformProc::operator=(const vfILMonadicT
     if (this == &other) return *this;
     vfILMonadicImgProc::operator=(other);
     vfILTransformBase::operator=(other);
+    m_keepsLines = other.m_keepsLines;
     m_coefficientCount = other.m_coefficientCount;
     std::copy(std::begin(other.m_coefficients), std::end(other.m_coefficients), m_coefficients);
     m_interpolationType = other.m_interpolationType;

@@ -7,6 +7,10 @@
 
 #include <vfil/frame.h>
 
+namespace vfil {
+struct FootprintPlanes;
+} // namespace vfil
+
 /// What all transforms share apart from the mapping: the crop of the source, a border inside of what is left,
 /// an opacity with a falloff towards the edges, and what the pictures say of premultiplication. Groups of
 /// four are left, right, top, bottom, in pixels, each 0 by default.
@@ -260,6 +264,9 @@ protected:
 
     /// For the constructor of a leaf: how many coefficients it has, at most 16. They are all 0.
     void SetCoefficientCount(long count);
+    /// For the constructor of a leaf whose mapping, in homogeneous coordinates, is linear: sums of footprints
+    /// are faster then.
+    void KeepsLines() { m_keepsLines = true; }
     /// For the Verify of a leaf: the frame's, then 0x1000F (a type above \p lastType, or unknown) and 0x1000D
     /// (a format that is neither RGBA nor mono).
     vfILStatus VerifyTransform(vfILInterpolationType lastType, const wchar_t* className);
@@ -305,7 +312,16 @@ private:
     double FootprintSizeAt(float x, float y);
     long ClipPlanes(unsigned long first, unsigned long count, double (*planes)[4]);
     void MapCorner(double x, double y, double& u, double& v, double& w);
+    struct Corners;
+    void MapCorners(double left, double right, double low, double high, Corners& corners);
+    template <class Source>
+    bool SumUprightBlock(double x, long count, double half, double low, double high, const Source& source,
+                         typename Source::Sample* out);
+    template <class Format>
+    void SumLine(const vfILVector2f& start, long width, double half, const vfil::FootprintPlanes* planes,
+                 unsigned char* output);
 
+    bool m_keepsLines = false;
     long m_coefficientCount = 0;
     float m_coefficients[kMostCoefficients] = {};
     vfILInterpolationType m_interpolationType = VFIL_INTERP_NEAREST;

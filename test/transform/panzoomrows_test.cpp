@@ -112,7 +112,7 @@ void CheckResampler(const char* name, WeighPixels<Sample> ResampleRows::*pixelsO
                 true, channels,
                 [&](auto kernel, Sample* out, std::size_t pixels, std::mt19937& random) {
                     const Tables tables(pixels, pairs, kLinePixels, random);
-                    const auto line = EndRichSamples<Sample>((kLinePixels + 8) * channels, random);
+                    const auto line = EndRichSamples<Sample>((kLinePixels + 16) * channels, random);
                     kernel(line.data(), tables.Line(), out, pixels);
                 });
     for (const std::size_t pairs : {1U, 2U, 5U})
@@ -230,14 +230,14 @@ TEST(PanZoomRows, SamplingBytesAlongTheAxesIsThePlainForm)
             "lerp", [&](Level level) { return ScaleRowsAt(level).bytes.lerpPixels[form]; }, true, channels,
             [&](auto kernel, std::uint8_t* out, std::size_t pixels, std::mt19937& random) {
                 const Tables tables(pixels, 1, kLinePixels, random);
-                const Bytes line = EndRichSamples<std::uint8_t>((kLinePixels + 8) * channels, random);
+                const Bytes line = EndRichSamples<std::uint8_t>((kLinePixels + 16) * channels, random);
                 kernel(line.data(), tables.Lerp(), out, pixels);
             });
         Check<std::uint8_t>(
             "cubic", [&](Level level) { return ScaleRowsAt(level).bytes.cubicPixels[form]; }, false, channels,
             [&](auto kernel, std::uint8_t* out, std::size_t pixels, std::mt19937& random) {
                 const Tables tables(pixels, 2, kLinePixels, random);
-                std::vector<std::int16_t> columns((kLinePixels + 8) * channels);
+                std::vector<std::int16_t> columns((kLinePixels + 16) * channels);
                 for (std::int16_t& column : columns) // up to where the weights' overshoot takes them
                     column = static_cast<std::int16_t>(test::RandomSample(random, 22480) - 3080);
                 kernel(columns.data(), tables.Cubic(), out, pixels);

@@ -36,8 +36,8 @@ struct Extent {
     /// Of a box that is inside.
     Span Pixels(const Span& source) const
     {
-        return {static_cast<std::int64_t>(low + 0.5),
-                std::min(static_cast<std::int64_t>(high + 0.5), source.last)};
+        const auto upper = static_cast<std::int64_t>(std::floor(high + 0.5));
+        return {static_cast<std::int64_t>(std::floor(low + 0.5)), std::min(upper, source.last)};
     }
     double Common(std::int64_t pixel) const
     {

@@ -138,7 +138,7 @@ private:
     double m_half;
     AxisMap m_x, m_y;
     Span m_columns, m_sourceX, m_sourceY;
-    SumBoxes<Sample> m_sum;
+    SumBoxRows<Sample> m_sum;
     double m_least = 0; ///< width of a box
     std::size_t m_taps = 0, m_pitch = 0, m_mostRows = 0;
     RunArray<std::int32_t> m_starts;

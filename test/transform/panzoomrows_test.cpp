@@ -193,10 +193,11 @@ TEST(PanZoomRows, SamplingWordsAlongTheAxesIsThePlainForm)
 }
 
 template <class Sample>
-void CheckBoxes(ScaleRowsOf<Sample> ScaleRows::*rows)
+void CheckBoxes(ScaleRowsOf<Sample> ScaleRows::*rows, std::size_t channels)
 {
     Check<Sample>(
-        "boxes", [&](Level level) { return (ScaleRowsAt(level).*rows).sumBoxes; }, false, 4,
+        "boxes", [=](Level level) { return (ScaleRowsAt(level).*rows).sumBoxes[channels == 1]; }, false,
+        channels,
         [&](auto kernel, Sample* out, std::size_t pixels, std::mt19937& random) {
             const std::size_t taps = 1 + random() % 5;
             const Tables tables(pixels, 4, kLinePixels, random);
@@ -207,7 +208,7 @@ void CheckBoxes(ScaleRowsOf<Sample> ScaleRows::*rows)
             std::vector<std::vector<Sample>> lines;
             std::vector<const Sample*> starts;
             for (std::size_t i = 0; i < heights.size(); ++i) {
-                lines.push_back(EndRichSamples<Sample>(4 * kLinePixels, random));
+                lines.push_back(EndRichSamples<Sample>(channels * (kLinePixels + 16), random));
                 starts.push_back(lines.back().data());
             }
             kernel(starts.data(), heights.data(), heights.size(),
@@ -217,8 +218,10 @@ void CheckBoxes(ScaleRowsOf<Sample> ScaleRows::*rows)
 
 TEST(PanZoomRows, BoxesAreThePlainForm)
 {
-    CheckBoxes<std::uint8_t>(&ScaleRows::bytes);
-    CheckBoxes<std::uint16_t>(&ScaleRows::words);
+    for (const std::size_t channels : {4U, 1U}) {
+        CheckBoxes<std::uint8_t>(&ScaleRows::bytes, channels);
+        CheckBoxes<std::uint16_t>(&ScaleRows::words, channels);
+    }
 }
 
 TEST(PanZoomRows, SamplingBytesAlongTheAxesIsThePlainForm)

@@ -55,7 +55,8 @@ void AddPlanes(const Scale& scale, const Layout& layout, std::size_t planes)
 void AddZimgScales()
 {
     for (const Scale& scale : kScales) {
-        if (scale.filter == ScaleFilter::Nearest) continue;
+        // It has no nearest pixels, and no areas.
+        if (scale.filter == ScaleFilter::Nearest || scale.type == VFIL_INTERP_SUM_BILINEAR) continue;
         AddPlanes(scale, kRgba8, 4);
         AddPlanes(scale, kMono8, 1);
     }

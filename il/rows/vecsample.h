@@ -193,6 +193,19 @@ inline S32 WidenBytes32(const void* p)
     return {_mm256_cvtepu8_epi32(_mm_loadl_epi64(static_cast<const __m128i*>(p)))};
 }
 
+/// Sixteen bytes, each eight as 32-bit lanes.
+inline S32Pair WidenBytesPair32(const void* p)
+{
+    const Register twice = _mm256_broadcastsi128_si256(_mm_loadu_si128(static_cast<const __m128i*>(p)));
+    const auto pick = [twice](int first) {
+        const auto lane = [](int byte) { return static_cast<int>(0x80808000U) + byte; };
+        return S32{_mm256_shuffle_epi8(
+            twice, _mm256_setr_epi32(lane(first), lane(first + 1), lane(first + 2), lane(first + 3),
+                                     lane(first + 4), lane(first + 5), lane(first + 6), lane(first + 7)))};
+    };
+    return {pick(0), pick(8)};
+}
+
 /// The 4 bytes at each of two places as 32-bit lanes.
 inline S32 WidenTwo32(const std::uint8_t* a, const std::uint8_t* b)
 {

@@ -4,11 +4,23 @@
 #pragma once
 
 #include "il/rows/vec32.h"
+#include "il/rows/vec64.h"
 
 namespace vfil {
 namespace {
 
 #if !defined(__AVX512BW__)
+
+/// A double in all lanes.
+template <int lane>
+inline F64 SplatDoubleOf(F64 v)
+{
+#if defined(__AVX2__)
+    return {_mm256_permute4x64_pd(v.v, lane * 0x55)};
+#else
+    return {_mm_shuffle_pd(v.v, v.v, lane * 3)};
+#endif
+}
 
 /// Outputs whose pixels share a vector: one in each 128 bits.
 constexpr std::size_t kTapLanes = kBytes / 16;
@@ -63,13 +75,25 @@ inline S32 PairChannels16(Register v)
 #endif
 }
 
-/// 4 bytes at each index, which counts units of so many bytes.
+/// 4 bytes at each index, which counts units of so many bytes. Of neighbours, which lie in 16 bytes for each
+/// four indices, these are loaded and shuffled.
 template <int unit>
 inline S32 GatherFours(const void* base, const std::int32_t* indices)
 {
 #if defined(__AVX2__)
     const Register at = Load(reinterpret_cast<const std::uint8_t*>(indices)).bits;
-    return {_mm256_i32gather_epi32(static_cast<const int*>(base), at, unit)};
+    const Register low = _mm256_min_epi32(_mm256_shuffle_epi32(at, 0x00), _mm256_shuffle_epi32(at, 0xFF));
+    const Register distance = _mm256_sub_epi32(at, low);
+    const Register most = _mm256_set1_epi32(12 / unit);
+    if (_mm256_movemask_epi8(_mm256_cmpeq_epi32(_mm256_max_epu32(distance, most), most)) != -1)
+        return {_mm256_i32gather_epi32(static_cast<const int*>(base), at, unit)};
+    const auto bytesAt = [=](std::int32_t a, std::int32_t b) {
+        return static_cast<const std::uint8_t*>(base) + std::ptrdiff_t{a < b ? a : b} * unit;
+    };
+    const Register bytes = LoadSixteens(bytesAt(indices[0], indices[3]), bytesAt(indices[4], indices[7]));
+    const Register first =
+        SplatLowBytes(U8{_mm256_slli_epi32(distance, unit - 1)}).bits; // of units of 1 and 2
+    return {_mm256_shuffle_epi8(bytes, _mm256_add_epi8(first, _mm256_set1_epi32(0x03020100)))};
 #else
     std::int32_t values[kLanes32];
     for (std::size_t i = 0; i < kLanes32; ++i)
@@ -99,8 +123,8 @@ struct PixelPairs {
 };
 
 #if defined(__AVX2__)
-/// Pixels of four bytes at 8 places, and the ones behind them, where all lie in the 8 pixels that begin with the
-/// lowest of the first and the last place. False where they don't.
+/// Pixels of four bytes at 8 places, and the ones behind them, where all lie in the 8 pixels that begin with
+/// the lowest of the first and the last place. False where they don't.
 inline bool LoadNearPairs(const std::uint8_t* line, const std::int32_t* starts, PixelPairs& pairs)
 {
     const std::int32_t low = starts[0] < starts[7] ? starts[0] : starts[7];

@@ -18,6 +18,7 @@ const wchar_t* const vfILAffineTransform::m_ClassName = L"vfILAffineTransform";
 vfILAffineTransform::vfILAffineTransform()
 {
     SetCoefficientCount(6);
+    KeepsLines();
 }
 
 vfILAffineTransform::~vfILAffineTransform() = default;

@@ -2,6 +2,7 @@
 /// Scales and shifts.
 
 #include "il/loops/transform/panzoomlines.h"
+#include "il/loops/transform/panzoomsums.h"
 
 #include <vfil/panzoom.h>
 
@@ -17,6 +18,7 @@ const wchar_t* const vfILPanZoomTransform::m_ClassName = L"vfILPanZoomTransform"
 vfILPanZoomTransform::vfILPanZoomTransform()
 {
     SetCoefficientCount(4);
+    KeepsAxes();
 }
 
 // The tables belong to a run; the mapping is made of the coefficients whenever it is needed.
@@ -74,11 +76,17 @@ void vfILPanZoomTransform::InvertTransformPointXY(float& x, float& y)
 vfILStatus vfILPanZoomTransform::PrepareData()
 {
     m_lines.reset();
+    m_sums.reset();
     const vfILStatus status = vfILMonadicTransformProc::PrepareData();
     if (status != VFIL_SUCCESS || Run().effectBox.IsNull() != 0) return status;
-    if (GetInterpolationType() > VFIL_INTERP_BICUBIC) return status;
     const AxisMap x{m_inverse[0], m_inverse[1]};
     const AxisMap y{m_inverse[2], m_inverse[3]};
+    const vfILInterpolationType type = GetInterpolationType();
+    if (type >= VFIL_INTERP_SUM_BILINEAR && type <= VFIL_INTERP_SUM_NEAREST) {
+        const double half = GetFilteringLevel() * 0.25 + 0.5;
+        m_sums = PanZoomSums::Create(Run(), half, x, y, m_simdAvailable != 0);
+    }
+    if (type > VFIL_INTERP_BICUBIC) return status;
     m_lines = PanZoomLines::Create(Run(), GetInterpolationType(), x, y, m_simdAvailable != 0);
     if (m_lines == nullptr) return Fail(0x10001, GetClassNameW());
     return VFIL_SUCCESS;
@@ -87,12 +95,17 @@ vfILStatus vfILPanZoomTransform::PrepareData()
 vfILStatus vfILPanZoomTransform::CleanData()
 {
     m_lines.reset();
+    m_sums.reset();
     return vfILMonadicTransformProc::CleanData();
 }
 
 vfILStatus vfILPanZoomTransform::DoEffect()
 {
-    if (GetInterpolationType() != VFIL_INTERP_PANZOOM) return vfILMonadicTransformProc::DoEffect();
+    if (GetInterpolationType() != VFIL_INTERP_PANZOOM) {
+        const vfILStatus status = vfILMonadicTransformProc::DoEffect();
+        if (m_lines != nullptr) m_lines->Finish();
+        return status;
+    }
     const vfILVector2l toOutput = GetOutputOffset() - GetROI().GetOffset();
     return TransformImageWithAntialiasedOrBilinearPanzoom(
         m_simdAvailable, m_inverse[0], m_inverse[1], m_inverse[2], m_inverse[3], GetInputImg(),
@@ -117,4 +130,19 @@ void vfILPanZoomTransform::TransformLineWithBicubicInterpolation(const vfILVecto
                                                                  unsigned char* output)
 {
     m_lines->MakeLine(static_cast<long>(start[1]), output);
+}
+
+/// What hangs over the input, and what grows, is the frame's.
+void vfILPanZoomTransform::TransformLineWithPixelSumming(const vfILVector2f& start, long width,
+                                                         unsigned char* output)
+{
+    if (m_sums == nullptr || !m_sums->MakeLine(static_cast<long>(start[1]), output))
+        return vfILMonadicTransformProc::TransformLineWithPixelSumming(start, width, output);
+    const auto first = static_cast<long>(m_sums->First());
+    const auto behind = static_cast<long>(m_sums->Behind());
+    if (first > 0) vfILMonadicTransformProc::TransformLineWithPixelSumming(start, first, output);
+    if (behind >= width) return;
+    const vfILVector2f rest(start[0] + static_cast<float>(behind), start[1]);
+    vfILMonadicTransformProc::TransformLineWithPixelSumming(rest, width - behind,
+                                                            output + behind * Run().output.pixelBytes);
 }

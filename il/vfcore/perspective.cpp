@@ -32,6 +32,7 @@ const wchar_t* const vfILPerspectiveTransform::m_ClassName = L"vfILPerspectiveTr
 vfILPerspectiveTransform::vfILPerspectiveTransform()
 {
     SetCoefficientCount(9);
+    KeepsLines();
 }
 
 vfILPerspectiveTransform::~vfILPerspectiveTransform() = default;

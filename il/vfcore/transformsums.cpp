@@ -3,21 +3,18 @@
 
 #include "il/loops/frame/rowloop.h"
 #include "il/loops/transform/sampling.h"
+#include "il/rows/transform/boxline.h"
 #include "il/rows/transform/footprint.h"
 
 #include <vfil/transform.h>
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 
 using namespace vfil;
 
 namespace {
-
-/// The corners of an output pixel's footprint, in homogeneous coordinates of the input, in order around it.
-struct Corners {
-    double x[4], y[4], w[4];
-};
 
 /// The points at the centres of some pixels, sampled when the first of them is asked for.
 template <class Sample, int samples>
@@ -77,21 +74,117 @@ void vfILMonadicTransformProc::MapCorner(double x, double y, double& u, double& 
     w = fw;
 }
 
+/// The corners of an output pixel's footprint, in homogeneous coordinates of the input, in order around it.
+struct vfILMonadicTransformProc::Corners {
+    double x[4], y[4], w[4];
+    /// Where corners 1 and 2 were mapped from.
+    double right = std::numeric_limits<double>::quiet_NaN();
+};
+
+/// Maps the corners of left .. right, of which the last footprint may have had the left ones.
+void vfILMonadicTransformProc::MapCorners(double left, double right, double low, double high,
+                                          Corners& corners)
+{
+    constexpr int kOpposite[] = {1, 0, 3, 2};
+    const bool known = left == corners.right;
+    for (const int i : {0, 3}) {
+        if (known) {
+            corners.x[i] = corners.x[kOpposite[i]];
+            corners.y[i] = corners.y[kOpposite[i]];
+            corners.w[i] = corners.w[kOpposite[i]];
+        } else {
+            MapCorner(left, i == 0 ? low : high, corners.x[i], corners.y[i], corners.w[i]);
+        }
+    }
+    MapCorner(right, low, corners.x[1], corners.y[1], corners.w[1]);
+    MapCorner(right, high, corners.x[2], corners.y[2], corners.w[2]);
+    corners.right = right;
+}
+
+/// The sums of a block of a mapping that keeps axes, whose footprints are boxes side by side. False, and
+/// nothing written, where SumBoxes refuses.
+template <class Source>
+bool vfILMonadicTransformProc::SumBlockOfBoxes(double x, long count, double half, double low, double high,
+                                               const Source& source, typename Source::Sample* out)
+{
+    double left[kMostFootprints];
+    double right[kMostFootprints];
+    double lowSide = 0;
+    double highSide = 0;
+    double ignored = 0;
+    MapCorner(x, high, ignored, highSide, ignored);
+    for (long i = 0; i < count; ++i) {
+        const double centre = x + static_cast<double>(i);
+        // Neighbours share a side of footprints that are not widened.
+        const bool shared = i > 0 && centre - half == x + static_cast<double>(i - 1) + half;
+        if (shared)
+            left[i] = right[i - 1];
+        else
+            MapCorner(centre - half, low, left[i], lowSide, ignored);
+        MapCorner(centre + half, low, right[i], lowSide, ignored);
+    }
+    return SumBoxes(left, right, static_cast<std::size_t>(count), lowSide, highSide, source,
+                    m_simdAvailable != 0, out);
+}
+
+template <class Format>
+void vfILMonadicTransformProc::SumLine(const vfILVector2f& start, long width, double half,
+                                       const FootprintPlanes* planes, unsigned char* output)
+{
+    using Sample = typename Format::Sample;
+    constexpr auto kBlock = static_cast<long>(kMostFootprints);
+    const bool vectors = m_simdAvailable != 0;
+    const SampleRow row =
+        FindSampleRow(vectors, SampleFormOf(m_interpolationType), SamplePixelOf(m_run.output));
+    const SampleSource sampled = SourceOf(m_run);
+    FootprintSource<Sample, Format::kChannels> source{sampled.pixels,
+                                                      sampled.rowBytes,
+                                                      sampled.left,
+                                                      sampled.bottom,
+                                                      sampled.right - 1,
+                                                      sampled.top - 1,
+                                                      {}};
+    std::memcpy(source.defaultPixel, sampled.defaultPixel, sizeof source.defaultPixel);
+    auto* const out = reinterpret_cast<Sample*>(output);
+    Footprint footprints[kMostFootprints];
+    Corners corners;
+    const double low = start[1] - half;
+    const double high = start[1] + half;
+    for (long at = 0; at < width; at += kBlock) {
+        const long count = std::min(kBlock, width - at);
+        const double x = start[0] + static_cast<double>(at);
+        const FootprintPlanes* cut = planes;
+        if (cut != nullptr && m_keepsLines) {
+            // As of the whole line: of most blocks nothing needs a cut.
+            Corners block;
+            MapCorners(x - half, x + static_cast<double>(count - 1) + half, low, high, block);
+            if (!NeedsCut(block.x, block.y, block.w, *cut)) cut = nullptr;
+        }
+        if (cut == nullptr && m_keepsAxes &&
+            SumBlockOfBoxes(x, count, half, low, high, source, out + at * Format::kChannels))
+            continue;
+        for (long i = 0; i < count; ++i) {
+            const double centre = x + static_cast<double>(i);
+            MapCorners(centre - half, centre + half, low, high, corners);
+            MakeFootprint(corners.x, corners.y, corners.w, cut, footprints[i]);
+        }
+        CentreSamples<Sample, Format::kChannels> centres(row, sampled, count);
+        const auto mapCentres = [&](double* u, double* v) {
+            MapRow(start[0] + static_cast<float>(at), start[1], count, u, v);
+        };
+        FootprintPixels(
+            footprints, static_cast<std::size_t>(count), source, vectors,
+            [&](std::size_t i, Sample* pixel) { centres.Write(i, pixel, mapCentres); },
+            out + at * Format::kChannels);
+    }
+}
+
 void vfILMonadicTransformProc::TransformLineWithPixelSumming(const vfILVector2f& start, long width,
                                                              unsigned char* output)
 {
     // Further than pictures reach, where numbers of a float stay apart.
     constexpr double kMostHalf = 0x1p24;
     const double half = std::min(m_filteringLevel * 0.25 + 0.5, kMostHalf);
-    const double x = start[0];
-    const double low = start[1] - half;
-    const double high = start[1] + half;
-    const auto corners = [&](double left, double right, Corners& to) {
-        MapCorner(left, low, to.x[0], to.y[0], to.w[0]);
-        MapCorner(right, low, to.x[1], to.y[1], to.w[1]);
-        MapCorner(right, high, to.x[2], to.y[2], to.w[2]);
-        MapCorner(left, high, to.x[3], to.y[3], to.w[3]);
-    };
     double planes[2 * FootprintPlanes::kMost][4];
     unsigned long first = 0;
     unsigned long second = 0;
@@ -99,54 +192,11 @@ void vfILMonadicTransformProc::TransformLineWithPixelSumming(const vfILVector2f&
     FootprintPlanes bounds{planes, 0, 0};
     bounds.first = ClipPlanes(0, first, planes);
     bounds.second = ClipPlanes(first, second, planes + bounds.first);
-    Corners line{};
-    corners(x - half, x + static_cast<double>(width - 1) + half, line);
+    Corners line;
+    MapCorners(start[0] - half, start[0] + static_cast<double>(width - 1) + half, start[1] - half,
+               start[1] + half, line);
+    // When the whole line's needs no cut, none of its pixels' does.
     const FootprintPlanes* const cut = NeedsCut(line.x, line.y, line.w, bounds) ? &bounds : nullptr;
-
-    const bool vectors = m_simdAvailable != 0;
-    const SampleRow row =
-        FindSampleRow(vectors, SampleFormOf(m_interpolationType), SamplePixelOf(m_run.output));
-    const SampleSource sampled = SourceOf(m_run);
-    // Neighbours share two corners of footprints that are not widened.
-    const bool shares = half == 0.5;
-    PointFormats::Visit(m_run.output.format->id, [&](auto format) {
-        using Format = decltype(format);
-        using Sample = typename Format::Sample;
-        FootprintSource<Sample, Format::kChannels> source{sampled.pixels,
-                                                          sampled.rowBytes,
-                                                          sampled.left,
-                                                          sampled.bottom,
-                                                          sampled.right - 1,
-                                                          sampled.top - 1,
-                                                          {}};
-        std::memcpy(source.defaultPixel, sampled.defaultPixel, sizeof source.defaultPixel);
-        auto* out = reinterpret_cast<Sample*>(output);
-        constexpr auto kBlock = static_cast<long>(kMostFootprints);
-        Footprint footprints[kMostFootprints];
-        Corners pixel{};
-        for (long at = 0; at < width; at += kBlock) {
-            const long count = std::min(kBlock, width - at);
-            for (long i = 0; i < count; ++i) {
-                const double centre = x + static_cast<double>(at + i);
-                if (shares && at + i != 0) {
-                    pixel.x[0] = pixel.x[1], pixel.y[0] = pixel.y[1], pixel.w[0] = pixel.w[1];
-                    pixel.x[3] = pixel.x[2], pixel.y[3] = pixel.y[2], pixel.w[3] = pixel.w[2];
-                    MapCorner(centre + half, low, pixel.x[1], pixel.y[1], pixel.w[1]);
-                    MapCorner(centre + half, high, pixel.x[2], pixel.y[2], pixel.w[2]);
-                } else {
-                    corners(centre - half, centre + half, pixel);
-                }
-                MakeFootprint(pixel.x, pixel.y, pixel.w, cut, footprints[i]);
-            }
-            CentreSamples<Sample, Format::kChannels> centres(row, sampled, count);
-            FootprintPixels(
-                footprints, static_cast<std::size_t>(count), source, vectors,
-                [&](std::size_t i, Sample* to) {
-                    centres.Write(i, to, [&](double* u, double* v) {
-                        MapRow(start[0] + static_cast<float>(at), start[1], count, u, v);
-                    });
-                },
-                out + at * Format::kChannels);
-        }
-    });
+    PointFormats::Visit(m_run.output.format->id,
+                        [&](auto format) { SumLine<decltype(format)>(start, width, half, cut, output); });
 }

@@ -8,7 +8,8 @@
 
 namespace vfil {
 class PanZoomLines;
-}
+class PanZoomSums;
+} // namespace vfil
 
 /// The map of four coefficients sx, tx, sy, ty: x' = sx x + tx, y' = sy y + ty. A negative scale mirrors. All
 /// are 0 at first, which is singular.
@@ -44,12 +45,14 @@ protected:
                                                 unsigned char* output) override;
     void TransformLineWithBicubicInterpolation(const vfILVector2f& start, long width,
                                                unsigned char* output) override;
+    void TransformLineWithPixelSumming(const vfILVector2f& start, long width, unsigned char* output) override;
 
 private:
     /// sx, tx, sy, ty.
     float m_forward[4] = {};
     float m_inverse[4] = {};
     std::unique_ptr<vfil::PanZoomLines> m_lines; ///< of a run with types 1 to 3
+    std::unique_ptr<vfil::PanZoomSums> m_sums;   ///< of a run with types 5 to 7; may be null
     static const wchar_t* const m_ClassName;
     const wchar_t* GetClassNameW() const;
 };

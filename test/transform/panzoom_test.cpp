@@ -4,6 +4,7 @@
 #include "support/guardedimage.h"
 #include "support/processors.h"
 
+#include <vfil/affine.h>
 #include <vfil/panzoom.h>
 
 #include <gtest/gtest.h>
@@ -123,6 +124,38 @@ TEST(PanZoom, LinesAreSampledPointByPoint)
         }
         ASSERT_EQ(out.Bytes(), expected)
             << "case " << i << ", type " << type << ", scales " << map[0] << ", " << map[2];
+    }
+}
+
+// Boxes within the input have a way of their own, which gives what a polygon of any mapping gives.
+TEST(PanZoom, FootprintsAreThoseOfAnAffineTransform)
+{
+    std::mt19937 random(15);
+    for (int i = 0; i < 300; ++i) {
+        const GUID& format = kFormats[i % 4];
+        GuardedImage in(format, RandomIn(random, 5, 60), RandomIn(random, 5, 40));
+        GuardedImage out(format, 70, 24), affineOut(format, 70, 24);
+        in.Randomise(random);
+        const auto map = RandomMap(random);
+        PanZoom panZoom(i % 8 < 4);
+        const int type = 5 + i / 4 % 3;
+        Prepare(panZoom, in, out, type, map);
+        Switched<vfILAffineTransform> affine(true);
+        Connect(affine, &in, nullptr, &affineOut);
+        affine.SetInterpolationType(static_cast<vfILInterpolationType>(type));
+        const float coefficients[] = {map[0], 0, map[1], 0, map[2], map[3]};
+        affine.SetCoefficients(coefficients);
+        const double level = i % 3 == 0 ? Real(random, 0, 3) : 0;
+        const unsigned long left = random() % 3, low = random() % 3;
+        for (vfILMonadicTransformProc* each : {static_cast<vfILMonadicTransformProc*>(&panZoom),
+                                               static_cast<vfILMonadicTransformProc*>(&affine)}) {
+            each->SetDefaultColor({0.3, 0.5, 0.7, 0.9});
+            each->SetFilteringLevel(level);
+            each->SetCropping(left, 1, low, 1);
+            ASSERT_EQ(each->Execute(), VFIL_SUCCESS);
+        }
+        ASSERT_EQ(out.Bytes(), affineOut.Bytes())
+            << "case " << i << ", scales " << map[0] << ", " << map[2] << ", level " << level;
     }
 }
 

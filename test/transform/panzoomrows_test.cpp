@@ -94,7 +94,7 @@ constexpr std::size_t kLinePixels = 90;
 
 template <class Sample>
 void CheckResampler(const char* name, WeighPixels<Sample> ResampleRows::*pixelsOf,
-                    WeighPixels<Sample> ResampleRows::*monoOf, WeighRows<Sample> ResampleRows::*rowsOf,
+                    WeighPixels<Sample> ResampleRows::*monoOf, WeighRows<Sample> (ResampleRows::*rowsOf)[2],
                     PaintUnder<Sample> ResampleRows::*underOf,
                     MultiplyAlpha<Sample> ResampleRows::*multiplyOf)
 {
@@ -112,12 +112,12 @@ void CheckResampler(const char* name, WeighPixels<Sample> ResampleRows::*pixelsO
                 true, channels,
                 [&](auto kernel, Sample* out, std::size_t pixels, std::mt19937& random) {
                     const Tables tables(pixels, pairs, kLinePixels, random);
-                    const auto line = EndRichSamples<Sample>((kLinePixels + 8) * channels, random);
+                    const auto line = EndRichSamples<Sample>((kLinePixels + 16) * channels, random);
                     kernel(line.data(), tables.Line(), out, pixels);
                 });
     for (const std::size_t pairs : {1U, 2U, 5U})
         Check<Sample>(
-            name, [&](Level level) { return ResampleRowsAt(level).*rowsOf; }, false, 1,
+            name, [&](Level level) { return (ResampleRowsAt(level).*rowsOf)[pairs % 2]; }, false, 1,
             [&](auto kernel, Sample* out, std::size_t samples, std::mt19937& random) {
                 const Tables tables(1, pairs, 2 * pairs, random);
                 std::vector<std::vector<Sample>> rows;
@@ -167,7 +167,7 @@ TEST(PanZoomRows, SamplingWordsAlongTheAxesIsThePlainForm)
             kernel(words(kLinePixels * 4, random).data(), tables.Lerp(), out, pixels);
         });
     Check<std::uint16_t>(
-        "rows", [](Level level) { return ScaleRowsAt(level).words.lerpRows; }, false, 1,
+        "rows", [](Level level) { return ScaleRowsAt(level).words.lerpRows[1]; }, false, 1,
         [&](auto kernel, std::uint16_t* out, std::size_t samples, std::mt19937& random) {
             const auto low = doubles(samples + kScaleSlack, 65535, 0, random);
             const auto high = doubles(samples + kScaleSlack, 65535, 0, random);
@@ -192,6 +192,35 @@ TEST(PanZoomRows, SamplingWordsAlongTheAxesIsThePlainForm)
         });
 }
 
+template <class Sample>
+void CheckBoxes(ScaleRowsOf<Sample> ScaleRows::*rows)
+{
+    Check<Sample>(
+        "boxes", [&](Level level) { return (ScaleRowsAt(level).*rows).sumBoxes; }, false, 4,
+        [&](auto kernel, Sample* out, std::size_t pixels, std::mt19937& random) {
+            const std::size_t taps = 1 + random() % 5;
+            const Tables tables(pixels, 4, kLinePixels, random);
+            std::vector<double> widths(taps * tables.pitch), heights(1 + random() % 5);
+            for (std::vector<double>* lengths : {&widths, &heights})
+                for (double& length : *lengths)
+                    length = std::uniform_real_distribution<double>(0.1, 1)(random);
+            std::vector<std::vector<Sample>> lines;
+            std::vector<const Sample*> starts;
+            for (std::size_t i = 0; i < heights.size(); ++i) {
+                lines.push_back(EndRichSamples<Sample>(4 * kLinePixels, random));
+                starts.push_back(lines.back().data());
+            }
+            kernel(starts.data(), heights.data(), heights.size(),
+                   {tables.starts.data(), widths.data(), tables.pitch, taps}, out, pixels);
+        });
+}
+
+TEST(PanZoomRows, BoxesAreThePlainForm)
+{
+    CheckBoxes<std::uint8_t>(&ScaleRows::bytes);
+    CheckBoxes<std::uint16_t>(&ScaleRows::words);
+}
+
 TEST(PanZoomRows, SamplingBytesAlongTheAxesIsThePlainForm)
 {
     using Bytes = std::vector<std::uint8_t>;
@@ -201,28 +230,29 @@ TEST(PanZoomRows, SamplingBytesAlongTheAxesIsThePlainForm)
             "lerp", [&](Level level) { return ScaleRowsAt(level).bytes.lerpPixels[form]; }, true, channels,
             [&](auto kernel, std::uint8_t* out, std::size_t pixels, std::mt19937& random) {
                 const Tables tables(pixels, 1, kLinePixels, random);
-                const Bytes line = EndRichSamples<std::uint8_t>((kLinePixels + 8) * channels, random);
+                const Bytes line = EndRichSamples<std::uint8_t>((kLinePixels + 16) * channels, random);
                 kernel(line.data(), tables.Lerp(), out, pixels);
             });
         Check<std::uint8_t>(
             "cubic", [&](Level level) { return ScaleRowsAt(level).bytes.cubicPixels[form]; }, false, channels,
             [&](auto kernel, std::uint8_t* out, std::size_t pixels, std::mt19937& random) {
                 const Tables tables(pixels, 2, kLinePixels, random);
-                std::vector<std::int16_t> columns((kLinePixels + 8) * channels);
+                std::vector<std::int16_t> columns((kLinePixels + 16) * channels);
                 for (std::int16_t& column : columns) // up to where the weights' overshoot takes them
                     column = static_cast<std::int16_t>(test::RandomSample(random, 22480) - 3080);
                 kernel(columns.data(), tables.Cubic(), out, pixels);
             });
     }
     const auto fixed = [](std::mt19937& random) { return test::RandomSample(random, 65535); };
-    Check<std::uint8_t>(
-        "rows", [](Level level) { return ScaleRowsAt(level).bytes.lerpRows; }, false, 1,
-        [&](auto kernel, std::uint8_t* out, std::size_t samples, std::mt19937& random) {
-            const Bytes low = EndRichSamples<std::uint8_t>(samples, random);
-            const Bytes high = EndRichSamples<std::uint8_t>(samples, random);
-            const int fraction = random() % 4 ? fixed(random) : static_cast<int>(random() % 2 * 0x8000);
-            kernel(low.data(), high.data(), {fraction, 0}, out, samples);
-        });
+    for (const bool streaming : {false, true})
+        Check<std::uint8_t>(
+            "rows", [=](Level level) { return ScaleRowsAt(level).bytes.lerpRows[streaming]; }, false, 1,
+            [&](auto kernel, std::uint8_t* out, std::size_t samples, std::mt19937& random) {
+                const Bytes low = EndRichSamples<std::uint8_t>(samples, random);
+                const Bytes high = EndRichSamples<std::uint8_t>(samples, random);
+                const int fraction = random() % 4 ? fixed(random) : static_cast<int>(random() % 2 * 0x8000);
+                kernel(low.data(), high.data(), {fraction, 0}, out, samples);
+            });
     Check<std::int16_t>(
         "columns", [](Level level) { return ScaleRowsAt(level).bytes.columns; }, false, 1,
         [&](auto kernel, std::int16_t* out, std::size_t samples, std::mt19937& random) {

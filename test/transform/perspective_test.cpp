@@ -78,6 +78,45 @@ TEST(Perspective, ClipModesChooseTheSideOfTheHorizon)
         }
 }
 
+TEST(Perspective, FootprintsAreClippedAtTheHorizon)
+{
+    const Back back(kHorizon);
+    const Pixel flat = {200, 100, 50, 255};
+    for (const int type : {VFIL_INTERP_SUM_BILINEAR, VFIL_INTERP_SUM_BICUBIC, VFIL_INTERP_SUM_NEAREST})
+        for (const int mode : {VFIL_CLIP_NONE, VFIL_CLIP_NEGATIVE, VFIL_CLIP_POSITIVE}) {
+            GuardedImage in(PXFormat_RGBA32, 23, 19), out(PXFormat_RGBA32, 70, 41);
+            for (long i = 0; i < 23 * 19; ++i)
+                in.Set(i % 23, i / 23, flat);
+            vfILPerspectiveTransform transform;
+            Prepare(transform, kHorizon.data(), in, out, type);
+            transform.SetClipMode(static_cast<vfILClipMode>(mode));
+            ASSERT_EQ(transform.Execute(), VFIL_SUCCESS);
+            int found = 0;
+            for (long i = 0; i < 70 * 41; ++i) {
+                const auto x = static_cast<double>(i % 70);
+                const auto y = static_cast<double>(i / 70);
+                int wanted = 0;
+                int inside = 0;
+                for (const auto& [dx, dy] : {std::pair{-0.5, -0.5}, {0.5, -0.5}, {0.5, 0.5}, {-0.5, 0.5}}) {
+                    const double w = back.Row(2, x + dx, y + dy);
+                    const double u = back.Row(0, x + dx, y + dy) / w;
+                    const double v = back.Row(1, x + dx, y + dy) / w;
+                    wanted += mode == VFIL_CLIP_NEGATIVE ? w < -0.01 : mode == VFIL_CLIP_NONE || w > 0.01;
+                    inside += u > 1 && v > 1 && u < 21 && v < 17;
+                }
+                // None of it, or all; what lies between is mixed with the default colour.
+                if (wanted == 0) {
+                    ASSERT_EQ(out.Get(i % 70, i / 70), out.Get(35, 0)) << i << ", mode " << mode;
+                } else if (wanted == 4 && inside == 4) {
+                    ++found;
+                    for (std::size_t c = 0; c < 4; ++c)
+                        ASSERT_NEAR(out.Get(i % 70, i / 70)[c] + 0.5, flat[c], 0.5) << i << ", mode " << mode;
+                }
+            }
+            EXPECT_GT(found, 100);
+        }
+}
+
 TEST(Perspective, WithoutPerspectiveItIsAffine)
 {
     const float affine[] = {0.83F, -0.31F, 7.3F, 0.27F, 1.17F, -2.6F};

@@ -23,11 +23,11 @@ constexpr std::int32_t TruncateToInt32(double value)
     return static_cast<std::int32_t>(std::clamp<double>(value, Limits::min(), Limits::max()));
 }
 
-/// The nearest value that a float holds, other than infinity; NaN stays.
+/// The nearest value that a float holds, other than infinity; NaN stays, as it compares with neither end.
 constexpr float SaturateToFloat(double value)
 {
     constexpr double kMost = std::numeric_limits<float>::max();
-    return static_cast<float>(value != value ? value : std::clamp(value, -kMost, kMost));
+    return static_cast<float>(std::clamp(value, -kMost, kMost));
 }
 
 } // namespace vfil

@@ -36,18 +36,18 @@ Span Cut(const Span& span, double first, double last)
 }
 
 /// What a shrinking axis makes of an output: the length of the source that it covers.
-struct Footprint {
+struct Covered {
     double begin, length;
 
     /// The share of what lies below the pixel's lower edge.
     int Below(std::int64_t pixel) const
     {
         const double share = (static_cast<double>(pixel) - 0.5 - begin) / length;
-        return static_cast<int>(std::clamp(share, 0.0, 1.0) * kWholeWeight + 0.5);
+        return RoundHalfAway(std::clamp(share, 0.0, 1.0) * kWholeWeight);
     }
 };
 
-Footprint FootprintOf(const AxisMap& map, std::int64_t output)
+Covered CoveredBy(const AxisMap& map, std::int64_t output)
 {
     const double length = std::abs(map.scale);
     return {Position(map, output) - length / 2, length};
@@ -58,7 +58,7 @@ Span PixelsOf(const AxisMap& map, const Span& source, std::int64_t output)
 {
     const double at = Position(map, output);
     if (IsShrinking(map)) {
-        const Footprint covered = FootprintOf(map, output);
+        const Covered covered = CoveredBy(map, output);
         return Cut(source, covered.begin + 0.5, covered.begin + covered.length - 0.5);
     }
     if (std::abs(map.scale) == 1) return Cut(source, RoundHalfAway(at), RoundHalfAway(at));
@@ -116,18 +116,18 @@ void AxisTaps::Weigh(const AxisMap& map, const Span& source, std::int64_t output
     };
     if (IsList()) return give(pixels.first, kWholeWeight);
     if (IsShrinking(map)) {
-        const Footprint covered = FootprintOf(map, output);
+        const Covered covered = CoveredBy(map, output);
         for (std::int64_t pixel = pixels.first; pixel <= pixels.last; ++pixel)
             give(pixel, covered.Below(pixel + 1) - covered.Below(pixel));
         return;
     }
     const double position = Position(map, output);
-    const auto upper = static_cast<int>((position - std::floor(position)) * kWholeWeight + 0.5);
+    const int upper = RoundHalfAway((position - std::floor(position)) * kWholeWeight);
     give(ToWhole(std::floor(position)), kWholeWeight - upper);
     give(ToWhole(std::floor(position)) + 1, upper);
 }
 
-bool AxisTaps::Create(const AxisMap& map, const Span& source, const Span& wanted)
+bool AxisTaps::CreateRowWeightLookup(const AxisMap& map, const Span& source, const Span& wanted)
 {
     outputs = needed = {};
     pairs = pitch = 0;

@@ -34,7 +34,9 @@ protected:
     static constexpr std::size_t kForm = kChannels == 4 ? 0 : 1; ///< of the kernels' arrays
 
     Lines(const vfILTransformRun& run, SampleForm form, const AxisMap& x, const AxisMap& y)
-        : m_input(run.input), m_columns(SpanOf(run.effectBox.GetOffsetX(), run.effectBox.GetSizeX())),
+        : PanZoomLines(run.outputBox.GetSizeX() * run.outputBox.GetSizeY() * run.output.pixelBytes >=
+                       static_cast<long>(kStreamingBytes)),
+          m_input(run.input), m_columns(SpanOf(run.effectBox.GetOffsetX(), run.effectBox.GetSizeX())),
           m_x{x, SpanOf(run.sourceBox.GetOffsetX(), run.sourceBox.GetSizeX()), form, sizeof(Sample) == 1},
           m_y{y, SpanOf(run.sourceBox.GetOffsetY(), run.sourceBox.GetSizeY()), form, sizeof(Sample) == 1}
     {
@@ -94,19 +96,23 @@ class NearestLines final : public Lines<Format> {
     using Base = Lines<Format>;
 
 public:
-    NearestLines(const vfILTransformRun& run, const AxisMap& x, const AxisMap& y, bool)
-        : Base(run, SampleForm::Nearest, x, y)
+    NearestLines(const vfILTransformRun& run, const AxisMap& x, const AxisMap& y, bool useVectors)
+        : Base(run, SampleForm::Nearest, x, y), m_useVectors(useVectors),
+          m_pickFours(ScaleRowsAt(useVectors ? BestLevel() : Level::Plain).pickFours)
     {}
-    /// The columns that have a pixel are neighbours.
+    /// The columns that have a pixel are neighbours. From here on starts[k] is where in the row.
     bool Prepare()
     {
-        if (!this->PrepareStarts()) return false;
-        std::size_t behind = this->m_columns.Count();
+        const std::size_t columns = this->m_columns.Count();
+        if (!this->PrepareStarts() || !m_row.Allocate(columns + kScaleSlack)) return false;
+        std::size_t behind = columns;
         while (m_first < behind && this->m_starts[m_first] == 0)
             ++m_first;
         while (behind > m_first && this->m_starts[behind - 1] == 0)
             --behind;
         m_count = behind - m_first;
+        for (std::size_t k = m_first; k < behind; ++k)
+            this->m_starts[k] -= static_cast<std::int32_t>(kPad);
         return true;
     }
     void MakeLine(long y, unsigned char* output) override
@@ -114,16 +120,10 @@ public:
         const AxisPlace row = this->m_y.At(y);
         const std::size_t columns = this->m_columns.Count();
         if (!row.isNear || m_count == 0) return this->FillDefault(output, columns);
-        if (row.whole == m_held && m_last != nullptr) {
-            std::memcpy(output, m_last, columns * sizeof(Pixel));
-        } else {
-            this->FillDefault(output, m_first);
-            Pick(reinterpret_cast<const unsigned char*>(this->Row(row.whole)),
-                 output + m_first * sizeof(Pixel));
-            this->FillDefault(output + (m_first + m_count) * sizeof(Pixel), columns - m_first - m_count);
-        }
+        if (row.whole != m_held) Pick(row.whole);
         m_held = row.whole;
-        m_last = output;
+        MoveRow(m_useVectors, reinterpret_cast<const unsigned char*>(m_row.Data()), output,
+                columns * sizeof(Pixel), this->Streams());
     }
 
 private:
@@ -131,17 +131,29 @@ private:
         typename Base::Sample sample[Base::kChannels];
     };
 
-    void Pick(const unsigned char* row, unsigned char* output) const
+    void Pick(std::int64_t y)
     {
-        const std::int32_t* const starts = this->m_starts.Data() + m_first;
-        for (std::size_t k = 0; k < m_count; ++k)
-            std::memcpy(output + k * sizeof(Pixel), row + (starts[k] - kPad) * std::ptrdiff_t{sizeof(Pixel)},
-                        sizeof(Pixel));
+        const auto* const row = reinterpret_cast<const unsigned char*>(this->Row(y));
+        const std::int32_t* const places = this->m_starts.Data() + m_first;
+        auto* const out = reinterpret_cast<unsigned char*>(m_row.Data() + m_first);
+        // What the kernel reads past a row's end must be in the picture.
+        const bool isFollowed = y + 1 < this->m_input.height && this->m_input.width >= 8;
+        if (sizeof(Pixel) == 4 && isFollowed) {
+            m_pickFours(row, places, out, m_count);
+        } else {
+            for (std::size_t k = 0; k < m_count; ++k)
+                std::memcpy(out + k * sizeof(Pixel), row + places[k] * std::ptrdiff_t{sizeof(Pixel)},
+                            sizeof(Pixel));
+        }
+        this->FillDefault(m_row.Data(), m_first);
+        this->FillDefault(m_row.Data() + m_first + m_count, this->m_columns.Count() - m_first - m_count);
     }
 
+    bool m_useVectors;
+    PickFours m_pickFours;
+    RunArray<Pixel> m_row;                ///< the last row that was picked
     std::size_t m_first = 0, m_count = 0; ///< columns that have a pixel
-    std::int64_t m_held = -1;             ///< the row that the line before shows
-    const unsigned char* m_last = nullptr;
+    std::int64_t m_held = -1;             ///< which row that is
 };
 
 template <class Format>
@@ -161,7 +173,7 @@ public:
         m_rowSamples = entries * Base::kChannels;
         const std::size_t line = this->LineSamples() + kScaleSlack * Base::kChannels;
         if (!m_fractions.Allocate(entries) || !m_exact.Allocate(entries) || !m_line.Allocate(line) ||
-            !m_ring.Allocate(3 * m_rowSamples))
+            !m_inner.Allocate(entries) || !m_ring.Allocate(3 * m_rowSamples))
             return false;
         std::fill_n(m_fractions.Data(), entries, 0U);
         std::fill_n(m_exact.Data(), entries, 0.0);
@@ -173,7 +185,8 @@ public:
         }
         this->FillDefault(m_line.Data(), line / Base::kChannels);
         std::fill_n(m_ring.Data(), 3 * m_rowSamples, Lerped{0});
-        Lerp(m_ring.Data() + 2 * m_rowSamples); // the row of default pixels
+        Lerp(m_kernels, m_ring.Data() + 2 * m_rowSamples, 0, this->m_columns.Count()); // of default pixels
+        FindInner(entries);
         return true;
     }
     void MakeLine(long y, unsigned char* output) override
@@ -182,16 +195,35 @@ public:
         if (!place.isNear) return this->FillDefault(output, this->m_columns.Count());
         const Lerped* const low = LerpedRow(place.whole);
         const Lerped* const high = LerpedRow(place.whole + 1);
-        m_kernels.lerpRows(low, high, {place.fraction, place.exact}, reinterpret_cast<Sample*>(output),
-                           this->m_columns.Count() * Base::kChannels);
+        m_kernels.lerpRows[this->Streams()](low, high, {place.fraction, place.exact},
+                                            reinterpret_cast<Sample*>(output),
+                                            this->m_columns.Count() * Base::kChannels);
     }
 
 private:
-    void Lerp(Lerped* out) const
+    /// The columns whose two pixels are both in the picture, and where these lie from m_needed.first on.
+    void FindInner(std::size_t entries)
     {
-        m_kernels.lerpPixels[Base::kForm](m_line.Data(),
-                                          {this->m_starts.Data(), m_fractions.Data(), m_exact.Data()}, out,
-                                          this->m_columns.Count());
+        const auto last = kPad + static_cast<std::int64_t>(this->m_needed.Count()) - 2;
+        const auto isInner = [&](std::size_t k) {
+            return this->m_starts[k] >= kPad && this->m_starts[k] <= last;
+        };
+        m_behind = this->m_columns.Count();
+        while (m_first < m_behind && !isInner(m_first))
+            ++m_first;
+        while (m_behind > m_first && !isInner(m_behind - 1))
+            --m_behind;
+        std::fill_n(m_inner.Data(), entries, 0);
+        for (std::size_t k = m_first; k < m_behind; ++k)
+            m_inner[k] = this->m_starts[k] - static_cast<std::int32_t>(kPad);
+    }
+    /// Columns of m_line.
+    void Lerp(const ScaleRowsOf<Sample>& kernels, Lerped* out, std::size_t first, std::size_t behind) const
+    {
+        kernels.lerpPixels[Base::kForm](
+            m_line.Data(),
+            {this->m_starts.Data() + first, m_fractions.Data() + first, m_exact.Data() + first},
+            out + first * Base::kChannels, behind - first);
     }
     const Lerped* LerpedRow(std::int64_t row)
     {
@@ -201,17 +233,37 @@ private:
         Lerped* const out = m_ring.Data() + slot * m_rowSamples;
         if (m_held[slot] == row) return out;
         m_held[slot] = row;
-        std::copy_n(this->Row(row), this->m_needed.Count() * Base::kChannels,
-                    m_line.Data() + kPad * Base::kChannels);
-        Lerp(out);
+        const Sample* const pixels = this->Row(row);
+        const std::size_t needed = this->m_needed.Count();
+        Sample* const line = m_line.Data() + kPad * Base::kChannels;
+        // The kernel may read on behind the row, where there is a next one.
+        const bool isFollowed = row + 1 < this->m_input.height && this->m_input.width >= 16;
+        if (!isFollowed) {
+            std::copy_n(pixels, needed * Base::kChannels, line);
+            Lerp(m_kernels, out, 0, this->m_columns.Count());
+            return out;
+        }
+        m_kernels.lerpPixels[Base::kForm](
+            pixels, {m_inner.Data() + m_first, m_fractions.Data() + m_first, m_exact.Data() + m_first},
+            out + m_first * Base::kChannels, m_behind - m_first);
+        if (needed != 0) { // the others see the first pixel, or the last, beside default ones
+            const std::size_t last = (needed - 1) * Base::kChannels;
+            std::copy_n(pixels, Base::kChannels, line);
+            std::copy_n(pixels + last, Base::kChannels, line + last);
+        }
+        const ScaleRowsOf<Sample>& plain = FindScaleRows<Sample>(false); // which writes nothing else
+        Lerp(plain, out, 0, m_first);
+        Lerp(plain, out, m_behind, this->m_columns.Count());
         return out;
     }
 
     const ScaleRowsOf<Sample>& m_kernels;
     RunArray<std::uint32_t> m_fractions;
     RunArray<double> m_exact;
-    RunArray<Sample> m_line; ///< a row of the input between default pixels
-    RunArray<Lerped> m_ring; ///< an even row, an odd one, and that of default pixels
+    std::size_t m_first = 0, m_behind = 0; ///< columns of two pixels in the picture
+    RunArray<std::int32_t> m_inner;        ///< where those lie
+    RunArray<Sample> m_line;               ///< a row of the input between default pixels
+    RunArray<Lerped> m_ring;               ///< an even row, an odd one, and that of default pixels
     std::size_t m_rowSamples = 0;
     std::int64_t m_held[2] = {-1, -1};
 };
@@ -307,6 +359,7 @@ private:
 /// Lines that write nothing.
 class NoLines final : public PanZoomLines {
 public:
+    NoLines() : PanZoomLines(false) {}
     void MakeLine(long, unsigned char*) override {}
 };
 
@@ -320,6 +373,11 @@ std::unique_ptr<PanZoomLines> Prepared(const vfILTransformRun& run, const AxisMa
 }
 
 } // namespace
+
+void PanZoomLines::Finish() const
+{
+    if (m_streams) FinishStreaming();
+}
 
 std::unique_ptr<PanZoomLines> PanZoomLines::Create(const vfILTransformRun& run, vfILInterpolationType type,
                                                    const AxisMap& x, const AxisMap& y, bool useVectors)

@@ -18,6 +18,8 @@ public:
     virtual ~PanZoomLines() = default;
     /// Writes row y, in the plane of the region of interest, of the run's effect box.
     virtual void MakeLine(long y, unsigned char* output) = 0;
+    /// Ends the run.
+    void Finish() const;
 
     /// \param type One of the types 1 to 3; others, and formats that are neither RGBA nor mono, give lines
     ///             that write nothing.
@@ -26,9 +28,14 @@ public:
                                                 const AxisMap& x, const AxisMap& y, bool useVectors);
 
 protected:
-    PanZoomLines() = default;
+    explicit PanZoomLines(bool streams) : m_streams(streams) {}
     PanZoomLines(const PanZoomLines&) = default;
     PanZoomLines& operator=(const PanZoomLines&) = default;
+    /// The result is large: it may go around the cache.
+    bool Streams() const { return m_streams; }
+
+private:
+    bool m_streams;
 };
 
 } // namespace vfil

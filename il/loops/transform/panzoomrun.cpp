@@ -38,7 +38,6 @@ public:
     explicit PanZoom(const PanZoomRun& run)
         : m_run(run), m_columns(SpanOf(run.effectBox.GetOffsetX(), run.effectBox.GetSizeX())),
           m_weighPixels(FindWeighPixels<Sample>(run.useVectors, kChannels)),
-          m_weighRows(FindWeighRows<Sample>(run.useVectors)),
           m_paintUnder(FindPaintUnder<Sample>(run.useVectors))
     {}
 
@@ -48,7 +47,9 @@ public:
         const Span source[2] = {Cropped(m_run.a.view.width, m_run.crop[0]),
                                 Cropped(m_run.a.view.height, m_run.crop[1])};
         const Span rows = SpanOf(m_run.effectBox.GetOffsetY(), m_run.effectBox.GetSizeY());
-        if (!m_x.Create(m_run.x, source[0], m_columns) || !m_y.Create(m_run.y, source[1], rows)) return false;
+        if (!m_x.CreateRowWeightLookup(m_run.x, source[0], m_columns) ||
+            !m_y.CreateRowWeightLookup(m_run.y, source[1], rows))
+            return false;
         if (m_x.outputs.IsEmpty()) m_y.outputs = {};
         return m_source.Create(m_run, source, m_x.needed, m_y.needed) && PrepareRows() && PrepareAlpha() &&
                PrepareBackground();
@@ -59,12 +60,13 @@ public:
         const long top = m_run.effectBox.GetOffsetY() + m_run.outputOffset[1];
         const RowSelection rows = SelectField(m_run.mode, top, m_run.effectBox.GetSizeY());
         for (long i = 0; i < rows.count; ++i) {
-            if (m_run.processor != nullptr && m_run.processor->MustInterrupt() != 0) return;
+            if (m_run.processor != nullptr && m_run.processor->MustInterrupt() != 0) break;
             const long y = m_run.effectBox.GetOffsetY() + rows.skip + i * rows.step;
             MakeRow(y, reinterpret_cast<Sample*>(
                            m_run.output.Pixel(static_cast<long>(m_columns.first) + m_run.outputOffset[0],
                                               y + m_run.outputOffset[1])));
         }
+        if (m_streams) FinishStreaming();
     }
 
 private:
@@ -125,6 +127,12 @@ private:
         m_hasBackground = m_run.b.view.HasPixels() || std::memcmp(colour.bytes, none, sizeof none) != 0;
         std::memcpy(m_defaultPixel, colour.bytes, sizeof m_defaultPixel);
         FillBackground();
+        // What is painted under is read again.
+        m_streams = !m_hasBackground && m_run.a.pixels != m_run.output.pixels &&
+                    m_columns.Count() * sizeof(Sample) * kChannels *
+                            static_cast<std::size_t>(m_run.effectBox.GetSizeY()) >=
+                        kStreamingBytes;
+        m_weighRows = FindWeighRows<Sample>(m_run.useVectors, m_streams);
         return true;
     }
 
@@ -167,6 +175,14 @@ private:
         m_held[slot] = row;
         const auto* from = reinterpret_cast<const Sample*>(m_run.a.Row(row)) +
                            m_x.needed.first * static_cast<std::int64_t>(kChannels);
+        // Pixels without weight are read behind the needed ones: of the next row, where there is one.
+        const bool isFollowed =
+            row + 1 < m_run.a.view.height &&
+            m_run.a.view.width > static_cast<std::int64_t>(2 * m_x.pairs + kTapSlack);
+        if (isFollowed && !m_source.Changes() && !m_x.IsList()) {
+            m_weighPixels(from, m_x.Line(), out, m_x.outputs.Count());
+            return out;
+        }
         std::copy_n(from, m_x.needed.Count() * kChannels, m_line.Data());
         m_source.Treat(m_line.Data(), row);
         if (!m_x.IsList()) {
@@ -199,6 +215,17 @@ private:
         return count / 2;
     }
 
+    /// Output k of the y axis.
+    void PerformYPassOnRow(std::size_t k, Sample* out, std::size_t samples)
+    {
+        if (m_y.IsList()) {
+            std::copy_n(XRow(m_y.needed.first + m_y.starts[k]), samples, out);
+            return;
+        }
+        const std::size_t pairs = FindRows(k);
+        m_weighRows(m_rows.Data(), m_weights.Data(), pairs, out, samples);
+    }
+
     void MakeRow(std::int64_t y, Sample* out)
     {
         FindBackground(y);
@@ -212,10 +239,7 @@ private:
         const auto before = static_cast<std::size_t>(m_x.outputs.first - m_columns.first);
         const std::size_t count = m_x.outputs.Count();
         Sample* const made = out + before * kChannels;
-        if (m_y.IsList())
-            std::copy_n(XRow(m_y.needed.first + m_y.starts[k]), count * kChannels, made);
-        else
-            m_weighRows(m_rows.Data(), m_weights.Data(), FindRows(k), made, count * kChannels);
+        PerformYPassOnRow(k, made, count * kChannels);
         std::copy_n(background, before * kChannels, out);
         std::copy_n(background + (before + count) * kChannels, (pixels - before - count) * kChannels,
                     made + count * kChannels);
@@ -240,7 +264,7 @@ private:
     const PanZoomRun& m_run;
     Span m_columns; ///< of the effect box
     WeighPixels<Sample> m_weighPixels;
-    WeighRows<Sample> m_weighRows;
+    WeighRows<Sample> m_weighRows = nullptr;
     PaintUnder<Sample> m_paintUnder;
     AxisTaps m_x, m_y;
     SourceLine<Format> m_source;
@@ -252,6 +276,7 @@ private:
     std::size_t m_ringRows = 0, m_rowSamples = 0;
     Sample m_defaultPixel[kChannels] = {};
     bool m_hasBackground = false;
+    bool m_streams = false;
 };
 
 /// Nobody may have called Verify.

@@ -93,8 +93,15 @@ void SampleLevels(const vfILTransformLevels& levels, const vfILTransformRun& run
         ToLevel(v, count, level, onLevelV);
         row(SourceOf(levels[level], run), onLevelU, onLevelV, pixels, to);
     };
+    // A share that changes no sample by half a code is none: most turns have one, by their factors' rounding.
+    const double full = run.output.format->sampleBytes == 1 ? 255 : 65535;
+    constexpr double kNoCode = 0.499;
+    const bool larger = choice.fraction * full < kNoCode;
+    if (larger || (1 - choice.fraction) * full < kNoCode) {
+        sample(larger ? choice.level : choice.level + 1, out);
+        return;
+    }
     sample(choice.level, out);
-    if (choice.fraction == 0) return;
     alignas(8) unsigned char smaller[kSampleBlock * sizeof run.defaultPixel];
     sample(choice.level + 1, smaller);
     PointFormats::Visit(run.output.format->id, [&](auto format) {

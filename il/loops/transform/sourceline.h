@@ -83,6 +83,8 @@ public:
         return m_bands[0].Create(run, 0, source[0], x) && m_bands[1].Create(run, 1, source[1], y);
     }
     bool Fades() const { return m_fades; }
+    /// Treat does anything at all.
+    bool Changes() const { return m_multiplies || m_border || m_fades; }
     const AxisBands& Bands(int axis) const { return m_bands[axis]; }
 
     /// Treats the pixels that are asked for, of row y.

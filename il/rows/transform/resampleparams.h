@@ -46,8 +46,8 @@ struct ResampleRows {
     WeighPixels<std::uint8_t> mono8;
     WeighPixels<std::uint16_t> pixels16;
     WeighPixels<std::uint16_t> mono16;
-    WeighRows<std::uint8_t> rows8;
-    WeighRows<std::uint16_t> rows16;
+    WeighRows<std::uint8_t> rows8[2]; ///< [streaming]
+    WeighRows<std::uint16_t> rows16[2];
     PaintUnder<std::uint8_t> under8;
     PaintUnder<std::uint16_t> under16;
     MultiplyAlpha<std::uint8_t> multiply8;

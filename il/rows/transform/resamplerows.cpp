@@ -63,17 +63,18 @@ void PlainMultiply(Sample* pixel, std::size_t pixels)
 
 const LevelTables<ResampleRows>& Tables()
 {
-    static const LevelTables<ResampleRows> tables({.pixels8 = PlainPixels<std::uint8_t, 4>,
-                                                   .mono8 = PlainPixels<std::uint8_t, 1>,
-                                                   .pixels16 = PlainPixels<std::uint16_t, 4>,
-                                                   .mono16 = PlainPixels<std::uint16_t, 1>,
-                                                   .rows8 = PlainRows<std::uint8_t>,
-                                                   .rows16 = PlainRows<std::uint16_t>,
-                                                   .under8 = PlainUnder<std::uint8_t>,
-                                                   .under16 = PlainUnder<std::uint16_t>,
-                                                   .multiply8 = PlainMultiply<std::uint8_t>,
-                                                   .multiply16 = PlainMultiply<std::uint16_t>},
-                                                  VFIL_FILLS);
+    static const LevelTables<ResampleRows> tables(
+        {.pixels8 = PlainPixels<std::uint8_t, 4>,
+         .mono8 = PlainPixels<std::uint8_t, 1>,
+         .pixels16 = PlainPixels<std::uint16_t, 4>,
+         .mono16 = PlainPixels<std::uint16_t, 1>,
+         .rows8 = {PlainRows<std::uint8_t>, PlainRows<std::uint8_t>},
+         .rows16 = {PlainRows<std::uint16_t>, PlainRows<std::uint16_t>},
+         .under8 = PlainUnder<std::uint8_t>,
+         .under16 = PlainUnder<std::uint16_t>,
+         .multiply8 = PlainMultiply<std::uint8_t>,
+         .multiply16 = PlainMultiply<std::uint16_t>},
+        VFIL_FILLS);
     return tables;
 }
 
@@ -102,15 +103,15 @@ WeighPixels<std::uint16_t> FindWeighPixels(bool useVectors, int channels)
 }
 
 template <>
-WeighRows<std::uint8_t> FindWeighRows(bool useVectors)
+WeighRows<std::uint8_t> FindWeighRows(bool useVectors, bool streaming)
 {
-    return Best(useVectors).rows8;
+    return Best(useVectors).rows8[streaming];
 }
 
 template <>
-WeighRows<std::uint16_t> FindWeighRows(bool useVectors)
+WeighRows<std::uint16_t> FindWeighRows(bool useVectors, bool streaming)
 {
-    return Best(useVectors).rows16;
+    return Best(useVectors).rows16[streaming];
 }
 
 template <>

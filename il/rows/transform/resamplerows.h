@@ -16,7 +16,7 @@ const ResampleRows& ResampleRowsAt(Level level);
 template <class Sample>
 WeighPixels<Sample> FindWeighPixels(bool useVectors, int channels);
 template <class Sample>
-WeighRows<Sample> FindWeighRows(bool useVectors);
+WeighRows<Sample> FindWeighRows(bool useVectors, bool streaming);
 template <class Sample>
 PaintUnder<Sample> FindPaintUnder(bool useVectors);
 template <class Sample>

@@ -78,7 +78,7 @@ U8 NearPixels8(const PixelPairs& pairs, const LineTaps& taps, std::size_t k)
 #endif
 
 template <bool single>
-void Pixels8(const std::uint8_t* line, const LineTaps& taps, std::uint8_t* out, std::size_t pixels)
+void Pixels8(const std::uint8_t* line, LineTaps taps, std::uint8_t* out, std::size_t pixels)
 {
     for (std::size_t k = 0; k < pixels; k += kLanes32) {
 #if defined(__AVX2__)
@@ -120,7 +120,7 @@ S32 SumMono8(const std::uint8_t* line, const LineTaps& taps, std::size_t k)
 }
 
 template <bool single>
-void Mono8(const std::uint8_t* line, const LineTaps& taps, std::uint8_t* out, std::size_t pixels)
+void Mono8(const std::uint8_t* line, LineTaps taps, std::uint8_t* out, std::size_t pixels)
 {
     for (std::size_t k = 0; k < pixels; k += kBytes) {
         S32 results[4];
@@ -188,14 +188,60 @@ void Mono16(const std::uint16_t* line, const LineTaps& taps, std::uint16_t* out,
     }
 }
 
+/// A few pairs of rows, held in registers.
+template <class Sample, std::size_t pairs>
+class FewRows {
+public:
+    FewRows(const Sample* const* rows, const std::int16_t* weights)
+    {
+        for (std::size_t row = 0; row < 2 * pairs; ++row) {
+            m_rows[row] = rows[row];
+            m_sum += weights[row];
+        }
+        for (std::size_t pair = 0; pair < pairs; ++pair)
+            m_weights[pair] = SplatPair16(weights[2 * pair], weights[2 * pair + 1]);
+    }
+    static constexpr std::size_t Pairs() { return pairs; }
+    S32 Weight(std::size_t pair) const { return m_weights[pair]; }
+    const Sample* Row(std::size_t row) const { return m_rows[row]; }
+    std::int32_t WeightSum() const { return m_sum; }
+
+private:
+    S32 m_weights[pairs];
+    const Sample* m_rows[2 * pairs];
+    std::int32_t m_sum = 0;
+};
+
+template <class Sample>
+class ManyRows {
+public:
+    ManyRows(const Sample* const* rows, const std::int16_t* weights, std::size_t pairs)
+        : m_rows(rows), m_weights(weights), m_pairs(pairs)
+    {
+        for (std::size_t row = 0; row < 2 * pairs; ++row)
+            m_sum += weights[row];
+    }
+    std::size_t Pairs() const { return m_pairs; }
+    S32 Weight(std::size_t pair) const { return SplatPair16(m_weights[2 * pair], m_weights[2 * pair + 1]); }
+    const Sample* Row(std::size_t row) const { return m_rows[row]; }
+    std::int32_t WeightSum() const { return m_sum; }
+
+private:
+    const Sample* const* m_rows;
+    const std::int16_t* m_weights;
+    std::size_t m_pairs;
+    std::int32_t m_sum = 0;
+};
+
 /// kBytes bytes of all rows.
-U8 SumRows8(const std::uint8_t* const* rows, const std::int16_t* weights, std::size_t pairs, std::size_t at)
+template <class Rows>
+U8 SumRows(const Rows& rows, std::uint8_t, std::size_t at)
 {
     S32 sums[4] = {Splat32(kHalf), Splat32(kHalf), Splat32(kHalf), Splat32(kHalf)};
-    for (std::size_t pair = 0; pair < pairs; ++pair) {
-        const S32 weight = SplatPair16(weights[2 * pair], weights[2 * pair + 1]);
-        const U8 a = Load(rows[2 * pair] + at);
-        const U8 b = Load(rows[2 * pair + 1] + at);
+    for (std::size_t pair = 0; pair < rows.Pairs(); ++pair) {
+        const S32 weight = rows.Weight(pair);
+        const U8 a = Load(rows.Row(2 * pair) + at);
+        const U8 b = Load(rows.Row(2 * pair + 1) + at);
         const U16Pair low = Widen(InterleaveLow(a, b));
         const U16Pair high = Widen(InterleaveHigh(a, b));
         sums[0] = sums[0] + DotPairs({low.lo.bits}, weight);
@@ -207,50 +253,59 @@ U8 SumRows8(const std::uint8_t* const* rows, const std::int16_t* weights, std::s
                    PackSigned(ShiftDown<kWeightBits>(sums[2]), ShiftDown<kWeightBits>(sums[3]))});
 }
 
-U8 SumRows16(const std::uint16_t* const* rows, const std::int16_t* weights, std::size_t pairs, std::size_t at)
+template <class Rows>
+U8 SumRows(const Rows& rows, std::uint16_t, std::size_t at)
 {
-    std::int32_t weightSum = 0;
-    for (std::size_t row = 0; row < 2 * pairs; ++row)
-        weightSum += weights[row];
-    S32 low = Splat32(kHalf + weightSum * 32768);
+    S32 low = Splat32(kHalf + rows.WeightSum() * 32768);
     S32 high = low;
-    for (std::size_t pair = 0; pair < pairs; ++pair) {
-        const S32 weight = SplatPair16(weights[2 * pair], weights[2 * pair + 1]);
-        const U16 a{Signed(LoadLanes(rows[2 * pair] + at).bits)};
-        const U16 b{Signed(LoadLanes(rows[2 * pair + 1] + at).bits)};
+    for (std::size_t pair = 0; pair < rows.Pairs(); ++pair) {
+        const S32 weight = rows.Weight(pair);
+        const U16 a{Signed(LoadLanes(rows.Row(2 * pair) + at).bits)};
+        const U16 b{Signed(LoadLanes(rows.Row(2 * pair + 1) + at).bits)};
         low = low + DotPairs(InterleaveLow(a, b), weight);
         high = high + DotPairs(InterleaveHigh(a, b), weight);
     }
     return {NarrowFull({ShiftDown<kWeightBits>(low), ShiftDown<kWeightBits>(high)}).bits};
 }
 
-/// Vectors of a row; the last lies at its end, over what is there already. A shorter row goes through one
-/// vector of memory.
-template <class Sample, class Sum>
-void MakeRow(const Sample* const* rows, const std::int16_t* weights, std::size_t pairs, Sample* out,
-             std::size_t samples, Sum sum)
+/// The vectors of a row. A streaming row first comes to an aligned output; its last samples, and those before
+/// the first aligned ones, go through a vector of memory.
+template <bool streaming, class Sample, class Rows>
+void MakeRow(const Rows& rows, Sample* out, std::size_t samples)
 {
     constexpr std::size_t kSamples = kBytes / sizeof(Sample);
-    const auto store = [out](std::size_t at, U8 v) { Store(reinterpret_cast<std::uint8_t*>(out + at), v); };
+    const auto part = [&](std::size_t at, std::size_t count) {
+        std::uint8_t bytes[kBytes];
+        Store(bytes, SumRows(rows, Sample{}, at));
+        std::memcpy(out + at, bytes, count * sizeof(Sample));
+    };
+    auto* const row = reinterpret_cast<std::uint8_t*>(out);
     std::size_t at = 0;
+    if constexpr (streaming) {
+        const std::size_t head = BytesToAligned(row);
+        if (head % sizeof(Sample) == 0 && head / sizeof(Sample) < samples) {
+            at = head / sizeof(Sample);
+            if (at != 0) part(0, at);
+            for (; samples - at >= kSamples; at += kSamples)
+                StoreStreaming(row + at * sizeof(Sample), SumRows(rows, Sample{}, at));
+        }
+    }
     for (; samples - at >= kSamples; at += kSamples)
-        store(at, sum(rows, weights, pairs, at));
-    if (at == samples) return;
-    std::uint8_t bytes[kBytes];
-    Store(bytes, sum(rows, weights, pairs, at));
-    std::memcpy(out + at, bytes, (samples - at) * sizeof(Sample));
+        Store(row + at * sizeof(Sample), SumRows(rows, Sample{}, at));
+    if (at != samples) part(at, samples - at);
 }
 
-void Rows8(const std::uint8_t* const* rows, const std::int16_t* weights, std::size_t pairs, std::uint8_t* out,
-           std::size_t samples)
+template <bool streaming, class Sample>
+void RowsOf(const Sample* const* rows, const std::int16_t* weights, std::size_t pairs, Sample* out,
+            std::size_t samples)
 {
-    MakeRow(rows, weights, pairs, out, samples, SumRows8);
-}
-
-void Rows16(const std::uint16_t* const* rows, const std::int16_t* weights, std::size_t pairs,
-            std::uint16_t* out, std::size_t samples)
-{
-    MakeRow(rows, weights, pairs, out, samples, SumRows16);
+    if (pairs == 1) {
+        MakeRow<streaming>(FewRows<Sample, 1>(rows, weights), out, samples);
+    } else if (pairs == 2) {
+        MakeRow<streaming>(FewRows<Sample, 2>(rows, weights), out, samples);
+    } else {
+        MakeRow<streaming>(ManyRows<Sample>(rows, weights, pairs), out, samples);
+    }
 }
 
 void Under8(const std::uint8_t* front, std::uint8_t* back, std::size_t pixels)
@@ -300,7 +355,16 @@ namespace VFIL_LEVEL {
 void Fill([[maybe_unused]] ResampleRows& rows)
 {
 #if !defined(__AVX512BW__)
-    rows = {AnyPixels8, AnyMono8, Pixels16, Mono16, Rows8, Rows16, Under8, Under16, Multiply8, Multiply16};
+    rows = {AnyPixels8,
+            AnyMono8,
+            Pixels16,
+            Mono16,
+            {RowsOf<false, std::uint8_t>, RowsOf<true, std::uint8_t>},
+            {RowsOf<false, std::uint16_t>, RowsOf<true, std::uint16_t>},
+            Under8,
+            Under16,
+            Multiply8,
+            Multiply16};
 #endif
 }
 

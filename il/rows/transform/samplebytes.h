@@ -109,12 +109,12 @@ inline Half BicubicOne(const SampleSource& source, std::uint32_t offset, const s
                        const std::int32_t (&cy)[4])
 {
     const std::uint8_t* p = source.pixels + offset;
-    S32 left = WidenBytes32(p) * Splat32(cy[0]);
-    S32 right = WidenBytes32(p + 8) * Splat32(cy[0]);
-    for (int row = 1; row < 4; ++row) {
-        p += source.rowBytes;
-        left = left + WidenBytes32(p) * Splat32(cy[row]);
-        right = right + WidenBytes32(p + 8) * Splat32(cy[row]);
+    S32 left = Splat32(0);
+    S32 right = left;
+    for (int row = 0; row < 4; ++row, p += source.rowBytes) {
+        const S32Pair pixels = WidenBytesPair32(p);
+        left = left + pixels.lo * Splat32(cy[row]);
+        right = right + pixels.hi * Splat32(cy[row]);
     }
     const S32 sum = ShortenColumns(left) * SplatTwo32<0>(cx) + ShortenColumns(right) * SplatTwo32<1>(cx);
     return ShortenSum(AddHalves32(sum));

@@ -57,7 +57,7 @@ struct RowWeights {
 template <class Sample>
 using LerpPixels = void (*)(const Sample* line, const LerpTaps& taps,
                             typename BetweenPasses<Sample>::Lerped* out, std::size_t pixels);
-/// Two such rows mixed. kScaleSlack samples behind each are read.
+/// Two such rows mixed. kScaleSlack samples behind each may be read.
 template <class Sample>
 using LerpRows = void (*)(const typename BetweenPasses<Sample>::Lerped* low,
                           const typename BetweenPasses<Sample>::Lerped* high, const RowFraction& fraction,
@@ -71,16 +71,40 @@ template <class Sample>
 using CubicPixels = void (*)(const typename BetweenPasses<Sample>::Column* columns, const CubicTaps& taps,
                              Sample* out, std::size_t pixels);
 
+/// What the footprints of a line are where each is a box: its first pixel of a row, and how much of so many
+/// pixels it is wide: at p pitch + k for pixel p of footprint k.
+struct BoxTaps {
+    const std::int32_t* starts;
+    const double* widths;
+    std::size_t pitch;
+    std::size_t taps;
+};
+
+/// The means of RGBA pixels over boxes, truncated and limited to the full value: by pixels of the rows in
+/// their order, each by its area.
+///
+/// \param heights How much of each row the boxes have.
+template <class Sample>
+using SumBoxes = void (*)(const Sample* const* rows, const double* heights, std::size_t rowCount,
+                          const BoxTaps& taps, Sample* out, std::size_t pixels);
+
 /// The kernels of samples of a width, for one level. Arrays are of four channels and of one.
 template <class Sample>
 struct ScaleRowsOf {
     LerpPixels<Sample> lerpPixels[2];
-    LerpRows<Sample> lerpRows;
+    LerpRows<Sample> lerpRows[2]; ///< [streaming]
     WeighColumns<Sample> columns;
     CubicPixels<Sample> cubicPixels[2];
+    SumBoxes<Sample> sumBoxes;
 };
 
+/// Pixels of four bytes from their places in a line. 8 pixels from each place on may be read, and up to
+/// kScaleSlack outputs more written.
+using PickFours = void (*)(const std::uint8_t* line, const std::int32_t* places, std::uint8_t* out,
+                           std::size_t pixels);
+
 struct ScaleRows {
+    PickFours pickFours;
     ScaleRowsOf<std::uint8_t> bytes;
     ScaleRowsOf<std::uint16_t> words;
 };

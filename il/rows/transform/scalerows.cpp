@@ -4,6 +4,9 @@
 
 #include "il/rows/pixarith.h"
 
+#include <cstring>
+#include <limits>
+
 namespace vfil {
 
 namespace {
@@ -116,15 +119,48 @@ void PlainCubicPixels16(const double* columns, const CubicTaps& taps, std::uint1
     }
 }
 
+template <class Sample>
+void PlainSumBoxes(const Sample* const* rows, const double* heights, std::size_t rowCount,
+                   const BoxTaps& taps, Sample* out, std::size_t pixels)
+{
+    constexpr double kFull = std::numeric_limits<Sample>::max();
+    for (std::size_t k = 0; k < pixels; ++k, out += 4) {
+        double sums[4] = {};
+        double weight = 0;
+        for (std::size_t row = 0; row < rowCount; ++row) {
+            const Sample* pixel = rows[row] + 4 * std::ptrdiff_t{taps.starts[k]};
+            for (std::size_t tap = 0; tap < taps.taps; ++tap, pixel += 4) {
+                const double area = taps.widths[tap * taps.pitch + k] * heights[row];
+                weight += area;
+                for (int c = 0; c < 4; ++c)
+                    sums[c] += pixel[c] * area;
+            }
+        }
+        const double share = 1 / weight;
+        for (int c = 0; c < 4; ++c)
+            out[c] = static_cast<Sample>(std::min(sums[c] * share, kFull));
+    }
+}
+
+void PlainPickFours(const std::uint8_t* line, const std::int32_t* places, std::uint8_t* out,
+                    std::size_t pixels)
+{
+    for (std::size_t k = 0; k < pixels; ++k)
+        std::memcpy(out + 4 * k, line + 4 * std::ptrdiff_t{places[k]}, 4);
+}
+
 constexpr ScaleRows kPlainRows{
+    .pickFours = PlainPickFours,
     .bytes = {.lerpPixels = {PlainLerpPixels<std::uint8_t, 4>, PlainLerpPixels<std::uint8_t, 1>},
-              .lerpRows = PlainLerpRows8,
+              .lerpRows = {PlainLerpRows8, PlainLerpRows8},
               .columns = PlainColumns8,
-              .cubicPixels = {PlainCubicPixels8<4>, PlainCubicPixels8<1>}},
+              .cubicPixels = {PlainCubicPixels8<4>, PlainCubicPixels8<1>},
+              .sumBoxes = PlainSumBoxes<std::uint8_t>},
     .words = {.lerpPixels = {PlainLerpPixels<std::uint16_t, 4>, PlainLerpPixels<std::uint16_t, 1>},
-              .lerpRows = PlainLerpRows16,
+              .lerpRows = {PlainLerpRows16, PlainLerpRows16},
               .columns = PlainColumns16,
-              .cubicPixels = {PlainCubicPixels16<4>, PlainCubicPixels16<1>}},
+              .cubicPixels = {PlainCubicPixels16<4>, PlainCubicPixels16<1>},
+              .sumBoxes = PlainSumBoxes<std::uint16_t>},
 };
 
 } // namespace

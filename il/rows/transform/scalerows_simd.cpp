@@ -37,8 +37,10 @@ PixelPairs LoadPixelPairs(const std::uint8_t* line, const std::int32_t* starts)
     return SplitHalves(at(0), at(1), at(2), at(3));
 }
 
-void LerpFours(const std::uint8_t* line, const LerpTaps& taps, std::uint8_t* out, std::size_t pixels)
+/// A copy of the tables' addresses, which no store of bytes can change, stays in registers.
+void LerpFours(const std::uint8_t* line, const LerpTaps& tables, std::uint8_t* out, std::size_t pixels)
 {
+    const LerpTaps taps = tables;
     for (std::size_t k = 0; k < pixels; k += kLanes32) {
         const PixelPairs pairs = LoadPixelPairs(line, taps.starts + k);
         const S32 fractions = LoadLanes(taps.fractions + k);
@@ -65,15 +67,32 @@ void LerpOnes(const std::uint8_t* line, const LerpTaps& taps, std::uint8_t* out,
     }
 }
 
+#if defined(__AVX2__)
+void PickNearFours(const std::uint8_t* line, const std::int32_t* places, std::uint8_t* out,
+                   std::size_t pixels)
+{
+    for (std::size_t k = 0; k < pixels; k += kLanes32) {
+        PixelPairs near{};
+        if (LoadNearPairs(line, places + k, near)) {
+            Store(out + 4 * k, {near.first});
+        } else {
+            for (std::size_t i = 0; i < kLanes32; ++i)
+                std::memcpy(out + 4 * (k + i), line + 4 * std::ptrdiff_t{places[k + i]}, 4);
+        }
+    }
+}
+#endif
+
+template <bool streaming>
 void LerpTwoRows(const std::uint8_t* low, const std::uint8_t* high, const RowFraction& fraction,
                  std::uint8_t* out, std::size_t samples)
 {
     if (fraction.fixed == 0) {
-        std::memcpy(out, low, samples);
+        MapRow<streaming, 1>(low, low, out, samples, [](U8 a, U8, Part) { return a; });
         return;
     }
     if (fraction.fixed == 0x8000) {
-        MapRow<false, 1>(low, high, out, samples, [](U8 a, U8 b, Part) { return Average(a, b); });
+        MapRow<streaming, 1>(low, high, out, samples, [](U8 a, U8 b, Part) { return Average(a, b); });
         return;
     }
     // Seen from the nearer row the weight is below a half: a signed number.
@@ -83,7 +102,7 @@ void LerpTwoRows(const std::uint8_t* low, const std::uint8_t* high, const RowFra
         const U16 d = b - a;
         return a + MulHighSigned(d, weight) + ShiftRight<15>(d * weight);
     };
-    MapRow<false, 1>(isHigh ? high : low, isHigh ? low : high, out, samples, [&](U8 near, U8 far, Part) {
+    MapRow<streaming, 1>(isHigh ? high : low, isHigh ? low : high, out, samples, [&](U8 near, U8 far, Part) {
         const U16Pair a = Widen(near);
         const U16Pair b = Widen(far);
         return Narrow({between(a.lo, b.lo), between(a.hi, b.hi)});
@@ -168,8 +187,9 @@ void StorePart(std::uint8_t* out, U8 v, std::size_t bytes)
     std::memcpy(out, block, bytes);
 }
 
-void CubicFours(const std::int16_t* columns, const CubicTaps& taps, std::uint8_t* out, std::size_t pixels)
+void CubicFours(const std::int16_t* columns, const CubicTaps& tables, std::uint8_t* out, std::size_t pixels)
 {
+    const CubicTaps taps = tables;
     for (std::size_t k = 0; k < pixels; k += kLanes32) {
         const U16 low = PackSigned(CubicFour<0>(columns, taps, k), CubicFour<1>(columns, taps, k));
         const U16 high = PackSigned(CubicFour<2>(columns, taps, k), CubicFour<3>(columns, taps, k));
@@ -285,6 +305,66 @@ void CubicFourWords(const double* columns, const CubicTaps& taps, std::uint16_t*
     });
 }
 
+/// Vectors of a pixel of four samples.
+constexpr std::size_t kParts = 4 / kLanes64;
+
+/// kLanes64 boxes beside each other.
+struct BoxSums {
+    F64 sums[kLanes64][kParts] = {};
+    F64 weights = SplatDouble(0);
+
+    template <std::size_t box, class Sample>
+    void Add(const Sample* const* pixels, std::size_t tap, F64 areas)
+    {
+        if constexpr (box < kLanes64) {
+            const F64 area = SplatDoubleOf<static_cast<int>(box)>(areas);
+            for (std::size_t part = 0; part < kParts; ++part) {
+                const F64 samples = LoadAsDoubles(pixels[box] + 4 * tap + part * kLanes64);
+                sums[box][part] = sums[box][part] + samples * area;
+            }
+            Add<box + 1>(pixels, tap, areas);
+        }
+    }
+    /// The means, limited, of 32 bits each.
+    void Store(std::int32_t* out, double full) const
+    {
+        double shares[kLanes64];
+        StoreDoubles(shares, SplatDouble(1) / weights);
+        for (std::size_t box = 0; box < kLanes64; ++box)
+            for (std::size_t part = 0; part < kParts; ++part) {
+                const F64 mean = Min(sums[box][part] * SplatDouble(shares[box]), SplatDouble(full));
+                const S32 whole{HalvesToInt32(mean, mean)};
+                std::memcpy(out + 4 * box + part * kLanes64, &whole, kLanes64 * sizeof *out);
+            }
+    }
+};
+
+template <class Sample>
+void SumBoxesOf(const Sample* const* rows, const double* heights, std::size_t rowCount, const BoxTaps& taps,
+                Sample* out, std::size_t pixels)
+{
+    constexpr double kFull = sizeof(Sample) == 1 ? 255 : 65535;
+    for (std::size_t k = 0; k < pixels; k += kLanes64) {
+        BoxSums boxes;
+        for (std::size_t row = 0; row < rowCount; ++row) {
+            const F64 height = SplatDouble(heights[row]);
+            const Sample* places[kLanes64];
+            for (std::size_t box = 0; box < kLanes64; ++box)
+                places[box] = rows[row] + 4 * std::ptrdiff_t{taps.starts[k + box]};
+            for (std::size_t tap = 0; tap < taps.taps; ++tap) {
+                const F64 areas = LoadDoubles(taps.widths + tap * taps.pitch + k) * height;
+                boxes.weights = boxes.weights + areas;
+                boxes.Add<0>(places, tap, areas);
+            }
+        }
+        std::int32_t means[4 * kLanes64];
+        boxes.Store(means, kFull);
+        const std::size_t count = pixels - k < kLanes64 ? pixels - k : kLanes64;
+        for (std::size_t i = 0; i < 4 * count; ++i)
+            out[4 * k + i] = static_cast<Sample>(means[i]);
+    }
+}
+
 #endif
 
 } // namespace
@@ -294,11 +374,19 @@ namespace VFIL_LEVEL {
 void Fill([[maybe_unused]] ScaleRows& rows)
 {
 #if !defined(__AVX512BW__)
-    rows.bytes = {{LerpFours, LerpOnes}, LerpTwoRows, Columns, {CubicFours, CubicOnes}};
+    rows.bytes = {{LerpFours, LerpOnes},
+                  {LerpTwoRows<false>, LerpTwoRows<true>},
+                  Columns,
+                  {CubicFours, CubicOnes},
+                  SumBoxesOf<std::uint8_t>};
     rows.words.lerpPixels[0] = LerpFourWords;
-    rows.words.lerpRows = LerpTwoRowsOfDoubles;
+    rows.words.lerpRows[0] = rows.words.lerpRows[1] = LerpTwoRowsOfDoubles;
+#if defined(__AVX2__)
+    rows.pickFours = PickNearFours;
+#endif
     rows.words.columns = ColumnsOfWords;
     rows.words.cubicPixels[0] = CubicFourWords;
+    rows.words.sumBoxes = SumBoxesOf<std::uint16_t>;
 #endif
 }
 

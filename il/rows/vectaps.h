@@ -75,13 +75,25 @@ inline S32 PairChannels16(Register v)
 #endif
 }
 
-/// 4 bytes at each index, which counts units of so many bytes.
+/// 4 bytes at each index, which counts units of so many bytes. Of neighbours, which lie in 16 bytes for each
+/// four indices, these are loaded and shuffled.
 template <int unit>
 inline S32 GatherFours(const void* base, const std::int32_t* indices)
 {
 #if defined(__AVX2__)
     const Register at = Load(reinterpret_cast<const std::uint8_t*>(indices)).bits;
-    return {_mm256_i32gather_epi32(static_cast<const int*>(base), at, unit)};
+    const Register low = _mm256_min_epi32(_mm256_shuffle_epi32(at, 0x00), _mm256_shuffle_epi32(at, 0xFF));
+    const Register distance = _mm256_sub_epi32(at, low);
+    const Register most = _mm256_set1_epi32(12 / unit);
+    if (_mm256_movemask_epi8(_mm256_cmpeq_epi32(_mm256_max_epu32(distance, most), most)) != -1)
+        return {_mm256_i32gather_epi32(static_cast<const int*>(base), at, unit)};
+    const auto bytesAt = [=](std::int32_t a, std::int32_t b) {
+        return static_cast<const std::uint8_t*>(base) + std::ptrdiff_t{a < b ? a : b} * unit;
+    };
+    const Register bytes = LoadSixteens(bytesAt(indices[0], indices[3]), bytesAt(indices[4], indices[7]));
+    const Register first =
+        SplatLowBytes(U8{_mm256_slli_epi32(distance, unit - 1)}).bits; // of units of 1 and 2
+    return {_mm256_shuffle_epi8(bytes, _mm256_add_epi8(first, _mm256_set1_epi32(0x03020100)))};
 #else
     std::int32_t values[kLanes32];
     for (std::size_t i = 0; i < kLanes32; ++i)

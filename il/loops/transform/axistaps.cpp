@@ -43,7 +43,7 @@ struct Covered {
     int Below(std::int64_t pixel) const
     {
         const double share = (static_cast<double>(pixel) - 0.5 - begin) / length;
-        return static_cast<int>(std::clamp(share, 0.0, 1.0) * kWholeWeight + 0.5);
+        return RoundHalfAway(std::clamp(share, 0.0, 1.0) * kWholeWeight);
     }
 };
 
@@ -122,7 +122,7 @@ void AxisTaps::Weigh(const AxisMap& map, const Span& source, std::int64_t output
         return;
     }
     const double position = Position(map, output);
-    const auto upper = static_cast<int>((position - std::floor(position)) * kWholeWeight + 0.5);
+    const int upper = RoundHalfAway((position - std::floor(position)) * kWholeWeight);
     give(ToWhole(std::floor(position)), kWholeWeight - upper);
     give(ToWhole(std::floor(position)) + 1, upper);
 }

@@ -30,9 +30,9 @@ struct AxisTaps {
     /// of one rounded running sum: they add up to a whole, and no output strays, however small a share is.
     ///
     /// \param source  The pixels that count; whatever lies outside has no weight.
-    /// \param outputs The outputs to look at.
+    /// \param wanted  The outputs to look at.
     /// \return False when memory is short.
-    bool CreateRowWeightLookup(const AxisMap& map, const Span& source, const Span& outputs);
+    bool CreateRowWeightLookup(const AxisMap& map, const Span& source, const Span& wanted);
 
     bool IsList() const { return pairs == 0; }
     LineTaps Line() const { return {starts.Data(), weights.Data(), sums.Data(), pitch, pairs}; }

@@ -36,8 +36,8 @@ struct Extent {
     /// Of a box that is inside.
     Span Pixels(const Span& source) const
     {
-        return {static_cast<std::int64_t>(low + 0.5),
-                std::min(static_cast<std::int64_t>(high + 0.5), source.last)};
+        const auto upper = static_cast<std::int64_t>(std::floor(high + 0.5));
+        return {static_cast<std::int64_t>(std::floor(low + 0.5)), std::min(upper, source.last)};
     }
     double Common(std::int64_t pixel) const
     {
@@ -54,6 +54,8 @@ Span SpanOf(long first, long count)
 template <class Format>
 class Sums final : public PanZoomSums {
     using Sample = typename Format::Sample;
+    static constexpr std::size_t kChannels = Format::kChannels;
+    static constexpr std::size_t kForm = kChannels == 4 ? 0 : 1; ///< of the kernels' arrays
 
 public:
     Sums(const vfILTransformRun& run, double half, const AxisMap& x, const AxisMap& y, bool useVectors)
@@ -61,7 +63,7 @@ public:
           m_columns(SpanOf(run.effectBox.GetOffsetX(), run.effectBox.GetSizeX())),
           m_sourceX(SpanOf(run.sourceBox.GetOffsetX(), run.sourceBox.GetSizeX())),
           m_sourceY(SpanOf(run.sourceBox.GetOffsetY(), run.sourceBox.GetSizeY())),
-          m_sum(FindScaleRows<Sample>(useVectors).sumBoxes)
+          m_sum(FindScaleRows<Sample>(useVectors).sumBoxes[kForm])
     {}
 
     /// False where there is nothing to gain, and when memory is short.
@@ -105,9 +107,12 @@ public:
             m_rows[at] = reinterpret_cast<const Sample*>(m_input.pixels + row * m_input.RowBytes());
             m_heights[at] = extent.Common(row);
         }
-        m_sum(m_rows.Data(), m_heights.Data(), rows.Count(),
-              {m_starts.Data(), m_widths.Data(), m_pitch, m_taps},
-              reinterpret_cast<Sample*>(output) + 4 * m_first, m_behind - m_first);
+        // The vector form for samples alone reads on behind a row, where there must be a next one.
+        const bool isFollowed = rows.last + 1 < m_input.height && m_input.width >= 32;
+        const auto sum = kChannels == 4 || isFollowed ? m_sum : FindScaleRows<Sample>(false).sumBoxes[kForm];
+        sum(m_rows.Data(), m_heights.Data(), rows.Count(),
+            {m_starts.Data(), m_widths.Data(), m_pitch, m_taps},
+            reinterpret_cast<Sample*>(output) + kChannels * m_first, m_behind - m_first);
         return true;
     }
 
@@ -133,7 +138,7 @@ private:
     double m_half;
     AxisMap m_x, m_y;
     Span m_columns, m_sourceX, m_sourceY;
-    SumBoxes<Sample> m_sum;
+    SumBoxRows<Sample> m_sum;
     double m_least = 0; ///< width of a box
     std::size_t m_taps = 0, m_pitch = 0, m_mostRows = 0;
     RunArray<std::int32_t> m_starts;
@@ -147,7 +152,7 @@ std::unique_ptr<PanZoomSums> PanZoomSums::Create(const vfILTransformRun& run, do
                                                  const AxisMap& y, bool useVectors)
 {
     std::unique_ptr<PanZoomSums> made;
-    RgbaFormats::Visit(run.output.format->id, [&](auto format) {
+    PointFormats::Visit(run.output.format->id, [&](auto format) {
         using Made = Sums<decltype(format)>;
         std::unique_ptr<Made> sums(new (std::nothrow) Made(run, half, x, y, useVectors));
         if (sums != nullptr && sums->Prepare()) made = std::move(sums);

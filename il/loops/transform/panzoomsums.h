@@ -11,7 +11,7 @@
 
 namespace vfil {
 
-/// The lines of one run, of RGBA pictures that do not grow.
+/// The lines of one run, of pictures that do not grow.
 class PanZoomSums {
 public:
     virtual ~PanZoomSums() = default;
@@ -23,7 +23,7 @@ public:
     std::size_t Behind() const { return m_behind; }
 
     /// \param half Half of a footprint's width, in output pixels.
-    /// \return Null for pictures without such lines, and when memory is short: they are a help only.
+    /// \return Null where there are no such lines, and when memory is short: they are a help only.
     static std::unique_ptr<PanZoomSums> Create(const vfILTransformRun& run, double half, const AxisMap& x,
                                                const AxisMap& y, bool useVectors);
 

@@ -80,13 +80,15 @@ struct BoxTaps {
     std::size_t taps;
 };
 
-/// The means of RGBA pixels over boxes, truncated and limited to the full value: by pixels of the rows in
+/// The means of pixels over boxes, truncated and limited to the full value: by pixels of the rows in
 /// their order, each by its area.
+///
+/// Of samples alone kScaleSlack bytes more may be read behind each row.
 ///
 /// \param heights How much of each row the boxes have.
 template <class Sample>
-using SumBoxes = void (*)(const Sample* const* rows, const double* heights, std::size_t rowCount,
-                          const BoxTaps& taps, Sample* out, std::size_t pixels);
+using SumBoxRows = void (*)(const Sample* const* rows, const double* heights, std::size_t rowCount,
+                            const BoxTaps& taps, Sample* out, std::size_t pixels);
 
 /// The kernels of samples of a width, for one level. Arrays are of four channels and of one.
 template <class Sample>
@@ -95,7 +97,7 @@ struct ScaleRowsOf {
     LerpRows<Sample> lerpRows[2]; ///< [streaming]
     WeighColumns<Sample> columns;
     CubicPixels<Sample> cubicPixels[2];
-    SumBoxes<Sample> sumBoxes;
+    SumBoxRows<Sample> sumBoxes[2];
 };
 
 /// Pixels of four bytes from their places in a line. 8 pixels from each place on may be read, and up to

@@ -119,25 +119,25 @@ void PlainCubicPixels16(const double* columns, const CubicTaps& taps, std::uint1
     }
 }
 
-template <class Sample>
+template <class Sample, std::size_t channels>
 void PlainSumBoxes(const Sample* const* rows, const double* heights, std::size_t rowCount,
                    const BoxTaps& taps, Sample* out, std::size_t pixels)
 {
     constexpr double kFull = std::numeric_limits<Sample>::max();
-    for (std::size_t k = 0; k < pixels; ++k, out += 4) {
-        double sums[4] = {};
+    for (std::size_t k = 0; k < pixels; ++k, out += channels) {
+        double sums[channels] = {};
         double weight = 0;
         for (std::size_t row = 0; row < rowCount; ++row) {
-            const Sample* pixel = rows[row] + 4 * std::ptrdiff_t{taps.starts[k]};
-            for (std::size_t tap = 0; tap < taps.taps; ++tap, pixel += 4) {
+            const Sample* pixel = rows[row] + taps.starts[k] * static_cast<std::ptrdiff_t>(channels);
+            for (std::size_t tap = 0; tap < taps.taps; ++tap, pixel += channels) {
                 const double area = taps.widths[tap * taps.pitch + k] * heights[row];
                 weight += area;
-                for (int c = 0; c < 4; ++c)
+                for (std::size_t c = 0; c < channels; ++c)
                     sums[c] += pixel[c] * area;
             }
         }
         const double share = 1 / weight;
-        for (int c = 0; c < 4; ++c)
+        for (std::size_t c = 0; c < channels; ++c)
             out[c] = static_cast<Sample>(std::min(sums[c] * share, kFull));
     }
 }
@@ -155,12 +155,12 @@ constexpr ScaleRows kPlainRows{
               .lerpRows = {PlainLerpRows8, PlainLerpRows8},
               .columns = PlainColumns8,
               .cubicPixels = {PlainCubicPixels8<4>, PlainCubicPixels8<1>},
-              .sumBoxes = PlainSumBoxes<std::uint8_t>},
+              .sumBoxes = {PlainSumBoxes<std::uint8_t, 4>, PlainSumBoxes<std::uint8_t, 1>}},
     .words = {.lerpPixels = {PlainLerpPixels<std::uint16_t, 4>, PlainLerpPixels<std::uint16_t, 1>},
               .lerpRows = {PlainLerpRows16, PlainLerpRows16},
               .columns = PlainColumns16,
               .cubicPixels = {PlainCubicPixels16<4>, PlainCubicPixels16<1>},
-              .sumBoxes = PlainSumBoxes<std::uint16_t>},
+              .sumBoxes = {PlainSumBoxes<std::uint16_t, 4>, PlainSumBoxes<std::uint16_t, 1>}},
 };
 
 } // namespace

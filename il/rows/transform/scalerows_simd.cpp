@@ -365,6 +365,47 @@ void SumBoxesOf(const Sample* const* rows, const double* heights, std::size_t ro
     }
 }
 
+/// The samples at so many places, a step of `tap` on: in the lower bits of 32 each.
+template <class Sample>
+S32 GatherSamples(const Sample* row, std::size_t tap, const std::int32_t* places)
+{
+    constexpr int kUnit = sizeof(Sample);
+    return GatherFours<kUnit>(row + tap, places) & Splat32(kUnit == 1 ? 0xFF : 0xFFFF);
+}
+
+/// Boxes of samples alone, kLanes32 beside each other.
+template <class Sample>
+void SumSampleBoxes(const Sample* const* rows, const double* heights, std::size_t rowCount,
+                    const BoxTaps& tables, Sample* out, std::size_t pixels)
+{
+    const BoxTaps taps = tables;
+    const F64 full = SplatDouble(sizeof(Sample) == 1 ? 255 : 65535);
+    for (std::size_t k = 0; k < pixels; k += kLanes32) {
+        F64 sums[2] = {SplatDouble(0), SplatDouble(0)};
+        F64 weights[2] = {sums[0], sums[0]};
+        for (std::size_t row = 0; row < rowCount; ++row) {
+            const F64 height = SplatDouble(heights[row]);
+            for (std::size_t tap = 0; tap < taps.taps; ++tap) {
+                const S32 samples = GatherSamples(rows[row], tap, taps.starts + k);
+                const double* const widths = taps.widths + tap * taps.pitch + k;
+                const F64 areas[2] = {LoadDoubles(widths) * height, LoadDoubles(widths + kLanes64) * height};
+                weights[0] = weights[0] + areas[0];
+                weights[1] = weights[1] + areas[1];
+                sums[0] = sums[0] + HalfToDouble<0>(samples.bits) * areas[0];
+                sums[1] = sums[1] + HalfToDouble<1>(samples.bits) * areas[1];
+            }
+        }
+        const F64 one = SplatDouble(1);
+        const S32 means{
+            HalvesToInt32(Min(sums[0] * (one / weights[0]), full), Min(sums[1] * (one / weights[1]), full))};
+        std::int32_t values[kLanes32];
+        StoreLanes(values, means);
+        const std::size_t count = pixels - k < kLanes32 ? pixels - k : kLanes32;
+        for (std::size_t i = 0; i < count; ++i)
+            out[k + i] = static_cast<Sample>(values[i]);
+    }
+}
+
 #endif
 
 } // namespace
@@ -378,7 +419,7 @@ void Fill([[maybe_unused]] ScaleRows& rows)
                   {LerpTwoRows<false>, LerpTwoRows<true>},
                   Columns,
                   {CubicFours, CubicOnes},
-                  SumBoxesOf<std::uint8_t>};
+                  {SumBoxesOf<std::uint8_t>, SumSampleBoxes<std::uint8_t>}};
     rows.words.lerpPixels[0] = LerpFourWords;
     rows.words.lerpRows[0] = rows.words.lerpRows[1] = LerpTwoRowsOfDoubles;
 #if defined(__AVX2__)
@@ -386,7 +427,8 @@ void Fill([[maybe_unused]] ScaleRows& rows)
 #endif
     rows.words.columns = ColumnsOfWords;
     rows.words.cubicPixels[0] = CubicFourWords;
-    rows.words.sumBoxes = SumBoxesOf<std::uint16_t>;
+    rows.words.sumBoxes[0] = SumBoxesOf<std::uint16_t>;
+    rows.words.sumBoxes[1] = SumSampleBoxes<std::uint16_t>;
 #endif
 }
 

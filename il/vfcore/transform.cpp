@@ -37,6 +37,7 @@ vfILMonadicTransformProc& vfILMonadicTransformProc::operator=(const vfILMonadicT
     vfILMonadicImgProc::operator=(other);
     vfILTransformBase::operator=(other);
     m_keepsLines = other.m_keepsLines;
+    m_keepsAxes = other.m_keepsAxes;
     m_coefficientCount = other.m_coefficientCount;
     std::copy(std::begin(other.m_coefficients), std::end(other.m_coefficients), m_coefficients);
     m_interpolationType = other.m_interpolationType;
@@ -155,8 +156,8 @@ vfILStatus vfILMonadicTransformProc::PreparePictures()
     m_run = {};
     m_run.input = input;
     m_run.output = output;
-    if (!AreConnected(input, output) || input.format != output.format)
-        return Fail(input.format != output.format ? 0x1000E : WhyUnconnected(input, output), GetClassNameW());
+    if (!AreConnected(input, output)) return Fail(WhyUnconnected(input, output), GetClassNameW());
+    if (input.format != output.format) return Fail(0x1000E, GetClassNameW());
     m_run.outputBox = TargetBox(GetROI(), GetOutputOffset());
     if (!Covers(output.Box(), m_run.outputBox)) return Fail(0x1000A, GetClassNameW());
     ColourPixel pixel;

@@ -101,27 +101,27 @@ void vfILMonadicTransformProc::MapCorners(double left, double right, double low,
     corners.right = right;
 }
 
-/// The sums of a block whose footprints are upright boxes side by side, as all are of a picture that is
-/// scaled and not turned. False, and nothing written, for others, and where SumBoxes refuses.
+/// The sums of a block of a mapping that keeps axes, whose footprints are boxes side by side. False, and
+/// nothing written, where SumBoxes refuses.
 template <class Source>
-bool vfILMonadicTransformProc::SumUprightBlock(double x, long count, double half, double low, double high,
+bool vfILMonadicTransformProc::SumBlockOfBoxes(double x, long count, double half, double low, double high,
                                                const Source& source, typename Source::Sample* out)
 {
     double left[kMostFootprints];
     double right[kMostFootprints];
-    Corners c;
-    MapCorners(x - half, x + half, low, high, c);
-    const double lowSide = c.y[0];
-    const double highSide = c.y[2];
+    double lowSide = 0;
+    double highSide = 0;
+    double ignored = 0;
+    MapCorner(x, high, ignored, highSide, ignored);
     for (long i = 0; i < count; ++i) {
-        if (i > 0)
-            MapCorners(x + static_cast<double>(i) - half, x + static_cast<double>(i) + half, low, high, c);
-        const bool upright = c.x[0] == c.x[3] && c.x[1] == c.x[2] && c.y[0] == lowSide && c.y[1] == lowSide &&
-                             c.y[2] == highSide && c.y[3] == highSide;
-        const bool isFlat = c.w[0] == 1 && c.w[1] == 1 && c.w[2] == 1 && c.w[3] == 1;
-        if (!upright || !isFlat) return false;
-        left[i] = c.x[0];
-        right[i] = c.x[1];
+        const double centre = x + static_cast<double>(i);
+        // Neighbours share a side of footprints that are not widened.
+        const bool shared = i > 0 && centre - half == x + static_cast<double>(i - 1) + half;
+        if (shared)
+            left[i] = right[i - 1];
+        else
+            MapCorner(centre - half, low, left[i], lowSide, ignored);
+        MapCorner(centre + half, low, right[i], lowSide, ignored);
     }
     return SumBoxes(left, right, static_cast<std::size_t>(count), lowSide, highSide, source,
                     m_simdAvailable != 0, out);
@@ -160,8 +160,8 @@ void vfILMonadicTransformProc::SumLine(const vfILVector2f& start, long width, do
             MapCorners(x - half, x + static_cast<double>(count - 1) + half, low, high, block);
             if (!NeedsCut(block.x, block.y, block.w, *cut)) cut = nullptr;
         }
-        if (cut == nullptr &&
-            SumUprightBlock(x, count, half, low, high, source, out + at * Format::kChannels))
+        if (cut == nullptr && m_keepsAxes &&
+            SumBlockOfBoxes(x, count, half, low, high, source, out + at * Format::kChannels))
             continue;
         for (long i = 0; i < count; ++i) {
             const double centre = x + static_cast<double>(i);

@@ -13,7 +13,7 @@ struct FootprintPlanes;
 
 /// What all transforms share apart from the mapping: the crop of the source, a border inside of what is left,
 /// an opacity with a falloff towards the edges, and what the pictures say of premultiplication. Groups of
-/// four are left, right, top, bottom, in pixels, each 0 by default.
+/// four are left, right, top, bottom, in pixels, each 0 by default; top is the side of row 0.
 ///
 /// Border, softness, falloff and opacity act with VFIL_INTERP_PANZOOM alone; the crop acts with every type.
 class VFIL_API vfILTransformBase {
@@ -269,6 +269,8 @@ protected:
     /// For the constructor of a leaf whose mapping, in homogeneous coordinates, is linear: sums of footprints
     /// are faster then.
     void KeepsLines() { m_keepsLines = true; }
+    /// The same where also the input's x is of the output's x alone, y of y, and w is 1.
+    void KeepsAxes() { m_keepsLines = m_keepsAxes = true; }
     /// For the Verify of a leaf: the frame's, then 0x1000F (a type above \p lastType, or unknown) and 0x1000D
     /// (a format that is neither RGBA nor mono).
     vfILStatus VerifyTransform(vfILInterpolationType lastType, const wchar_t* className);
@@ -284,8 +286,10 @@ public:
     void SetInterpolationType(vfILInterpolationType type);
     vfILInterpolationType GetInterpolationType() const;
     /// \param level How much wider than a pixel the footprints of types 5 to 7 are, in half pixels, and the
-    /// radius of the blur under the pyramid of type 4. At least 0, the default; without effect on types 1 to
-    /// 3.
+    ///              radius of the blur under the pyramid of type 4, which 16-bit pictures go without. At
+    ///              least 0, the default; without effect on types 1 to 3. The part of the output that is
+    ///              treated does not grow with it: what wide footprints would show beyond has the default
+    ///              colour.
     void SetFilteringLevel(double level);
     double GetFilteringLevel() const;
     /// Maps a point from input to output. Fails with 0x10010 where SetUpCoefficients fails.
@@ -317,13 +321,14 @@ private:
     struct Corners;
     void MapCorners(double left, double right, double low, double high, Corners& corners);
     template <class Source>
-    bool SumUprightBlock(double x, long count, double half, double low, double high, const Source& source,
+    bool SumBlockOfBoxes(double x, long count, double half, double low, double high, const Source& source,
                          typename Source::Sample* out);
     template <class Format>
     void SumLine(const vfILVector2f& start, long width, double half, const vfil::FootprintPlanes* planes,
                  unsigned char* output);
 
     bool m_keepsLines = false;
+    bool m_keepsAxes = false;
     long m_coefficientCount = 0;
     float m_coefficients[kMostCoefficients] = {};
     vfILInterpolationType m_interpolationType = VFIL_INTERP_NEAREST;

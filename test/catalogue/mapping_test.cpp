@@ -111,7 +111,7 @@ TEST(Mapping, AHomographyHitsItsCornersAndKeepsLines)
             ExpectAt(At(map, from[i]), corners[2 * i], corners[2 * i + 1]);
         // The diagonals cross where those of the picture do.
         const MapPoint middle = At(map, {20, 15});
-        for (const std::size_t i : {0, 1}) {
+        for (const std::size_t i : {0ul, 1ul}) {
             const MapPoint a{corners[2 * i], corners[2 * i + 1]};
             const MapPoint b{corners[2 * i + 4], corners[2 * i + 5]};
             const double off = (b.x - a.x) * (middle.y - a.y) - (b.y - a.y) * (middle.x - a.x);

@@ -321,6 +321,26 @@ TEST_F(ClipTest, RefusesWhatWillNotDoAndLeavesNothing)
     ExpectRefusals(refusals, "(vfil: [^\n]*\n)*vfil [a-z]*: [^\n]*\n");
 }
 
+// Sizes that 4:2:2 takes; what no pixel of an opaque clip gets to is opaque, and all else stays.
+TEST_F(ClipTest, MovedFramesKeepWhatTheClipSays)
+{
+    Encode(std::string(kFrames) + " -frames:v 3 -vf setsar=16/11,setfield=tff -c:v ffv1 -pix_fmt yuv422p "
+                                  "-field_order tt -color_range tv -colorspace smpte170m fields.mkv");
+    const ProcessResult refused = Run("affine fields.mkv -o out.mkv --rotate 30");
+    EXPECT_EQ(refused.status, 2);
+    EXPECT_THAT(refused.err, HasSubstr("fields.mkv is interlaced"));
+    const std::string before = Flags("fields.mkv");
+    ASSERT_THAT(before, HasSubstr(",64,48,"));
+    RunWell("affine fields.mkv -o out.mkv --rotate 30 --size fit --fields both --default-color 0,0,0");
+    std::string after = before;
+    EXPECT_EQ(Flags("out.mkv"), after.replace(after.find(",64,48,"), 7, ",80,74,"));
+    EXPECT_EQ(Frames("out.mkv"), 3);
+    RunWell("pan-zoom fields.mkv -o out.mkv --fill 80x74 --fields both");
+    EXPECT_EQ(Flags("out.mkv"), after);
+    EXPECT_THAT(Run("pan-zoom fields.mkv -o odd.mkv --fit 31x30 --fields both --default-color 0,0,0").err,
+                HasSubstr("31 pixels wide"));
+}
+
 } // namespace
 
 } // namespace vfil::tool

@@ -184,7 +184,7 @@ TEST_F(Tool, RefusesWrongRequestsAndLeavesNothing)
         {"over back.png soft.png -o out.png --output-size 3x3 --output-offset 3,0", {"does not fit", "3x3"}},
         {"over back.png soft.png -o out.png --output-offset -1,0", {"--output-offset"}},
         {"over back.png soft.png -o out.png --output-size 60000x60000", {"too large"}},
-        {"over back.png soft.png -o out.png --fields 0", {"odd or even"}},
+        {"over back.png soft.png -o out.png --fields 0", {"odd, even or both"}},
         {"lum back.png soft.png -o out.png --channels ra", {"--channels ra", "rgb or rgba"}},
         {"over back.png soft.png -o out.png --default-color 0,0,0,2", {"--default-color", "0 .. 1"}},
         {"over back.png soft.png -o out.png --format rgb", {"--format 'rgb'", "rgba32"}},

@@ -232,6 +232,7 @@ TEST_F(Affine, BlobsStayInPlace)
 TEST_F(Affine, VectorsGiveThePlainBytes)
 {
     constexpr float kOdd[] = {0, -0.0F, 1e-30F, 1e30F, -1e9F, 1e-9F, 3.4e38F, INFINITY, NAN, 0.33333F};
+    constexpr double kLevels[] = {0.7, 2.5, 1e300, -1, NAN};
     std::uniform_real_distribution<float> any(-1.5F, 1.5F);
     for (const GUID& format : kDepths)
         for (int turn = 0; turn < 400; ++turn) {
@@ -240,10 +241,11 @@ TEST_F(Affine, VectorsGiveThePlainBytes)
             in.Randomise(noise);
             Matrix map = {any(noise), any(noise), 20 * any(noise), any(noise), any(noise), 9 * any(noise)};
             if (turn % 4 == 0) map[noise() % 6] = kOdd[noise() % std::size(kOdd)];
+            const double level = turn % 5 == 0 ? kLevels[noise() % std::size(kLevels)] : 0;
             const auto run = [&](bool simd, GuardedImage& out) {
                 Switched<vfILAffineTransform> transform(simd);
                 Prepare(transform, map.data(), 1 + turn % 7, in, out);
-                transform.SetFilteringLevel(turn % 11 == 0 ? 2.5 : 0);
+                transform.SetFilteringLevel(level);
                 transform.SetROI({turn % 100 == 0 ? 1000000 : -3, -2, 70, 9});
                 return transform.Execute();
             };

@@ -7,27 +7,26 @@
 
 namespace vfil {
 
-namespace {
+thread_local const SharedInterruption* SharedInterruption::t_current = nullptr;
 
-thread_local const vfILProcessor* t_outer = nullptr;
-
-/// An inner run may be the outer one of another, to which the question is passed on.
-int AskOuter()
+/// The outer processor may ask the one that is outer to it, by this same function.
+int SharedInterruption::AskOuter()
 {
-    return t_outer->MustInterrupt();
+    const SharedInterruption* const asked = std::exchange(t_current, t_current->m_last);
+    const int stops = asked->m_outer.MustInterrupt();
+    t_current = asked;
+    return stops;
 }
 
-} // namespace
-
 SharedInterruption::SharedInterruption(const vfILProcessor& outer, vfILProcessor& inner)
-    : m_last(std::exchange(t_outer, &outer))
+    : m_outer(outer), m_last(std::exchange(t_current, this))
 {
     inner.SetInterruptFct(AskOuter, nullptr);
 }
 
 SharedInterruption::~SharedInterruption()
 {
-    t_outer = m_last;
+    t_current = m_last;
 }
 
 } // namespace vfil

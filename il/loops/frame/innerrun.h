@@ -7,7 +7,8 @@
 namespace vfil {
 
 /// For its lifetime the inner processor stops when the outer one must. An interrupt function takes no
-/// argument, so the outer processor waits for it in a variable of the thread.
+/// argument, so the outer processor waits for it in a variable of the thread. The outer one may be the inner
+/// one of another.
 class SharedInterruption {
 public:
     SharedInterruption(const vfILProcessor& outer, vfILProcessor& inner);
@@ -16,7 +17,11 @@ public:
     SharedInterruption& operator=(const SharedInterruption&) = delete;
 
 private:
-    const vfILProcessor* m_last;
+    static int AskOuter();
+
+    const vfILProcessor& m_outer;
+    const SharedInterruption* m_last;
+    static thread_local const SharedInterruption* t_current;
 };
 
 } // namespace vfil

@@ -58,17 +58,22 @@ bool AreExact(const double* left, const double* right, std::size_t count, double
     return changed == 0;
 }
 
+/// The pixel that a side of -0.5 or more is in.
+std::int32_t PixelAt(double side)
+{
+    const double fromEdge = side + 0.5;
+    return static_cast<std::int32_t>(fromEdge);
+}
+
 /// The columns of boxes from one side to another: some more where that makes a whole vector.
 struct Columns {
     std::int32_t first, last;
 
     template <class Source>
     Columns(double from, double to, const Source& source)
-        : first(static_cast<std::int32_t>(from + 0.5)), last(static_cast<std::int32_t>(to + 0.5))
-    {
-        first = std::min(first, source.right - kFewestBoxColumns + 1);
-        last = std::min(std::max(last, first + kFewestBoxColumns - 1), source.right);
-    }
+        : first(std::min(PixelAt(from), source.right - kFewestBoxColumns + 1)),
+          last(std::min(std::max(PixelAt(to), first + kFewestBoxColumns - 1), source.right))
+    {}
 };
 
 } // namespace
@@ -86,7 +91,7 @@ bool SumBoxes(const double* left, const double* right, std::size_t count, double
     const bool isInside = source.left - 0.5 <= extents.first && extents.last <= source.right + 0.5 &&
                           source.top - 0.5 <= top && bottom <= source.bottom + 0.5;
     const double height = bottom - top;
-    if (!isInside || !(extents.narrowest * height >= 1) || extents.widest > kMostBoxColumns / 2) return false;
+    if (!isInside || !(extents.narrowest * height >= 1) || 2 * extents.widest > kMostBoxColumns) return false;
     if (source.right - source.left + 1 < kFewestBoxColumns) return false;
     if (!AreExact(left, right, count, top, bottom, extents.widest * height, 8 * int{sizeof(Sample)}))
         return false;

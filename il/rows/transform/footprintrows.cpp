@@ -217,7 +217,8 @@ void PlainBoxes(const FootprintGroup& group, const FootprintPicture& picture, Fo
 /// The pixel in which a side is.
 std::int32_t PixelAt(double side, std::int32_t last)
 {
-    return std::min(static_cast<std::int32_t>(side + 0.5), last);
+    const double fromEdge = side + 0.5;
+    return std::min(static_cast<std::int32_t>(fromEdge), last);
 }
 
 template <class Sample, int kChannels>

@@ -270,8 +270,11 @@ struct Ends {
     double firstPart, lastPart; ///< the first part is the whole interval if it is in one pixel
 
     Ends(double from, double to, std::int32_t limit)
-        : first(static_cast<std::int32_t>(from + 0.5)), last(static_cast<std::int32_t>(to + 0.5))
     {
+        const double firstEdge = from + 0.5;
+        const double lastEdge = to + 0.5;
+        first = static_cast<std::int32_t>(firstEdge);
+        last = static_cast<std::int32_t>(lastEdge);
         if (first > limit) first = limit;
         if (last > limit) last = limit;
         firstPart = (first == last ? to : first + 0.5) - from;

@@ -203,6 +203,7 @@ vfILStatus vfILMonadicTransformProc::PrepareInput()
 
 vfILStatus vfILMonadicTransformProc::ProcessData()
 {
+    SetOutputImgPremultiplied(GetInputImgPremultiplied());
     FillAround(m_run.output, m_run.effectAtOutput, m_run.outputBox, GetDefaultColor(),
                {GetProcessingMode(), m_simdAvailable != 0});
     return m_run.effectBox.IsNull() != 0 ? VFIL_SUCCESS : DoEffect();

@@ -355,3 +355,8 @@ int vfILTransformBase::GetOutputImgPremultiplied() const
 {
     return m_outputImgPremultiplied;
 }
+
+void vfILTransformBase::SetOutputImgPremultiplied(int premultiplied)
+{
+    m_outputImgPremultiplied = premultiplied;
+}

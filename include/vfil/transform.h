@@ -111,6 +111,8 @@ protected:
     /// \return 1 when there is a run, else 0.
     static int FindFullyInsideSpan(long begin, long end, unsigned short* rows, unsigned short* rows2,
                                    unsigned short low, unsigned short high, long& first, unsigned long& last);
+    /// For a run: what GetOutputImgPremultiplied tells.
+    void SetOutputImgPremultiplied(int premultiplied);
     /// \return 1 for a null pointer, with the error 0x10001 and \p status a failure; else 0.
     int AllocFailed(void* memory, vfILStatus& status);
     /// The two-pass resampler. Output pixel (x, y) of the region of interest's plane shows (sx x + tx, sy y +

@@ -320,6 +320,9 @@ TEST(PanZoom, AStraightPictureIsMultipliedWhereSomethingShowsThrough)
     ASSERT_EQ(panZoom.Execute(), VFIL_SUCCESS);
     EXPECT_EQ(out.Get(1, 1), (Pixel{40, 20, 10, 51}));
     EXPECT_EQ(panZoom.GetOutputImgPremultiplied(), 1);
+    panZoom.SetInterpolationType(VFIL_INTERP_BILINEAR);
+    ASSERT_EQ(panZoom.Execute(), VFIL_SUCCESS);
+    EXPECT_EQ(panZoom.GetOutputImgPremultiplied(), 0) << "as the input";
 }
 
 TEST(PanZoom, AShrunkPictureKeepsItsMean)

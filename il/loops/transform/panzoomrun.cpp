@@ -176,9 +176,8 @@ private:
         const auto* from = reinterpret_cast<const Sample*>(m_run.a.Row(row)) +
                            m_x.needed.first * static_cast<std::int64_t>(kChannels);
         // Pixels without weight are read behind the needed ones: of the next row, where there is one.
-        const bool isFollowed =
-            row + 1 < m_run.a.view.height &&
-            m_run.a.view.width > static_cast<std::int64_t>(2 * m_x.pairs + kTapSlack);
+        const bool isFollowed = row + 1 < m_run.a.view.height &&
+                                m_run.a.view.width > static_cast<std::int64_t>(2 * m_x.pairs + kTapSlack);
         if (isFollowed && !m_source.Changes() && !m_x.IsList()) {
             m_weighPixels(from, m_x.Line(), out, m_x.outputs.Count());
             return out;

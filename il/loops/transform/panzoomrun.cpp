@@ -38,7 +38,8 @@ public:
     explicit PanZoom(const PanZoomRun& run)
         : m_run(run), m_columns(SpanOf(run.effectBox.GetOffsetX(), run.effectBox.GetSizeX())),
           m_weighPixels(FindWeighPixels<Sample>(run.useVectors, kChannels)),
-          m_paintUnder(FindPaintUnder<Sample>(run.useVectors))
+          m_paintUnder(FindPaintUnder<Sample>(run.useVectors)),
+          m_keepsColour(kChannels == 4 && !run.aPremultiplied && !run.multiplies)
     {}
 
     /// False when memory is short.
@@ -180,12 +181,14 @@ private:
                                 m_run.a.view.width > static_cast<std::int64_t>(2 * m_x.pairs + kTapSlack);
         if (isFollowed && !m_source.Changes() && !m_x.IsList()) {
             m_weighPixels(from, m_x.Line(), out, m_x.outputs.Count());
+            KeepColourOfEdges(from, out);
             return out;
         }
         std::copy_n(from, m_x.needed.Count() * kChannels, m_line.Data());
         m_source.Treat(m_line.Data(), row);
         if (!m_x.IsList()) {
             m_weighPixels(m_line.Data(), m_x.Line(), out, m_x.outputs.Count());
+            KeepColourOfEdges(m_line.Data(), out);
         } else if (m_run.x.scale > 0) { // one pixel after the other
             std::copy_n(m_line.Data(), m_x.outputs.Count() * kChannels, out);
         } else {
@@ -194,6 +197,57 @@ private:
                             out + k * kChannels);
         }
         return out;
+    }
+
+    /// Straight colour does not fade where only a part of an output pixel lies on the picture: its alpha
+    /// does.
+    void KeepColourOfEdges(const Sample* line, Sample* row) const
+    {
+        if (!m_keepsColour) return;
+        const std::size_t count = m_x.outputs.Count();
+        std::size_t k = 0;
+        for (; k < count && m_x.sums[k] != kWholeWeight; ++k)
+            KeepColour(line, k, row + k * kChannels);
+        for (std::size_t behind = count; behind > k && m_x.sums[behind - 1] != kWholeWeight; --behind)
+            KeepColour(line, behind - 1, row + (behind - 1) * kChannels);
+    }
+
+    void KeepColour(const Sample* line, std::size_t k, Sample* pixel) const
+    {
+        const auto tapAt = [&](std::size_t tap, std::size_t c) {
+            return line[(static_cast<std::size_t>(m_x.starts[k]) + tap) * kChannels + c];
+        };
+        const auto weightAt = [&](std::size_t tap) {
+            return m_x.weights[2 * (tap / 2 * m_x.pitch + k) + tap % 2];
+        };
+        for (std::size_t c = 0; c < 3; ++c)
+            pixel[c] = Mean(
+                2 * m_x.pairs, weightAt, [&](std::size_t tap) { return tapAt(tap, c); }, pixel[c]);
+    }
+
+    /// The same for a row of which only a part lies on the picture.
+    void KeepColourOfRow(std::size_t count, Sample* row, std::size_t samples) const
+    {
+        const auto weightAt = [&](std::size_t tap) { return m_weights[tap]; };
+        for (std::size_t i = 0; i < samples; ++i) {
+            if (i % kChannels == kChannels - 1) continue;
+            row[i] = Mean(
+                count, weightAt, [&](std::size_t tap) { return m_rows[tap][i]; }, row[i]);
+        }
+    }
+
+    /// The mean of samples by weights of any sum; `none` where that is 0.
+    template <class WeightAt, class SampleAt>
+    static Sample Mean(std::size_t count, const WeightAt& weightAt, const SampleAt& sampleAt, Sample none)
+    {
+        std::int64_t sum = 0, weights = 0;
+        for (std::size_t tap = 0; tap < count; ++tap) {
+            const std::int64_t weight = weightAt(tap);
+            if (weight == 0) continue; // its sample need not be there
+            sum += weight * sampleAt(tap);
+            weights += weight;
+        }
+        return weights > 0 ? static_cast<Sample>((sum + weights / 2) / weights) : none;
     }
 
     /// The rows that output k of the y axis is made of, and their weights. Those without weight are left out.
@@ -223,6 +277,7 @@ private:
         }
         const std::size_t pairs = FindRows(k);
         m_weighRows(m_rows.Data(), m_weights.Data(), pairs, out, samples);
+        if (m_keepsColour && m_y.sums[k] != kWholeWeight) KeepColourOfRow(2 * pairs, out, samples);
     }
 
     void MakeRow(std::int64_t y, Sample* out)
@@ -276,6 +331,7 @@ private:
     Sample m_defaultPixel[kChannels] = {};
     bool m_hasBackground = false;
     bool m_streams = false;
+    bool m_keepsColour; ///< straight colour stays straight
 };
 
 /// Nobody may have called Verify.

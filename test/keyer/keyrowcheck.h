@@ -41,6 +41,7 @@ void CheckKeyRows(const char* name, Level lowest, Rows rows, AnyParams anyParams
         const auto b = AnyPixels(random, count);
         const auto with = [&](auto row) {
             return [row, count, &params](const Byte* one, const Byte* two, Byte* out) {
+                static_cast<void>(params); // not every row has any
                 if constexpr (requires { row(one, two, out, count, params); })
                     row(one, two, out, count, params);
                 else if constexpr (requires { row(one, out, count, params); })

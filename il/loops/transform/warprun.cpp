@@ -47,7 +47,8 @@ struct Extent {
         : low(std::fmax(std::floor(*std::min_element(corners, corners + 4)), 0)),
           high(std::fmin(std::ceil(*std::max_element(corners, corners + 4)), last))
     {
-        if (!std::all_of(corners, corners + 4, [](double c) { return std::isfinite(c); })) high = low - 1;
+        if (!std::all_of(corners, corners + 4, [](double c) { return std::isfinite(c); }))
+            low = 0, high = -1; // a large low less 1 is what it was
     }
 
     double low, high;

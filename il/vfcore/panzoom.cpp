@@ -18,7 +18,7 @@ const wchar_t* const vfILPanZoomTransform::m_ClassName = L"vfILPanZoomTransform"
 vfILPanZoomTransform::vfILPanZoomTransform()
 {
     SetCoefficientCount(4);
-    KeepsAxes();
+    KeepsLines();
 }
 
 // The tables belong to a run; the mapping is made of the coefficients whenever it is needed.

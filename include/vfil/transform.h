@@ -269,8 +269,6 @@ protected:
     /// For the constructor of a leaf whose mapping, in homogeneous coordinates, is linear: sums of footprints
     /// are faster then.
     void KeepsLines() { m_keepsLines = true; }
-    /// The same where also the input's x is of the output's x alone, y of y, and w is 1.
-    void KeepsAxes() { m_keepsLines = m_keepsAxes = true; }
     /// For the Verify of a leaf: the frame's, then 0x1000F (a type above \p lastType, or unknown) and 0x1000D
     /// (a format that is neither RGBA nor mono).
     vfILStatus VerifyTransform(vfILInterpolationType lastType, const wchar_t* className);
@@ -320,15 +318,11 @@ private:
     void MapCorner(double x, double y, double& u, double& v, double& w);
     struct Corners;
     void MapCorners(double left, double right, double low, double high, Corners& corners);
-    template <class Source>
-    bool SumBlockOfBoxes(double x, long count, double half, double low, double high, const Source& source,
-                         typename Source::Sample* out);
     template <class Format>
     void SumLine(const vfILVector2f& start, long width, double half, const vfil::FootprintPlanes* planes,
                  unsigned char* output);
 
     bool m_keepsLines = false;
-    bool m_keepsAxes = false;
     long m_coefficientCount = 0;
     float m_coefficients[kMostCoefficients] = {};
     vfILInterpolationType m_interpolationType = VFIL_INTERP_NEAREST;

@@ -75,40 +75,6 @@ inline Channels AddScaled(Channels sum, Channels pixel, double by)
 #endif
 }
 
-inline Channels operator+(Channels a, Channels b)
-{
-#if defined(__AVX2__)
-    return {_mm256_add_pd(a.v, b.v)};
-#else
-    return {_mm_add_pd(a.low, b.low), _mm_add_pd(a.high, b.high)};
-#endif
-}
-
-inline Channels operator*(Channels a, double by)
-{
-#if defined(__AVX2__)
-    return {_mm256_mul_pd(a.v, _mm256_set1_pd(by))};
-#else
-    const __m128d factor = _mm_set1_pd(by);
-    return {_mm_mul_pd(a.low, factor), _mm_mul_pd(a.high, factor)};
-#endif
-}
-
-/// Numbers of a sample's range without their fraction.
-template <class Sample>
-inline void StoreTruncated(Sample* p, Channels v)
-{
-    std::int32_t whole[4];
-#if defined(__AVX2__)
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(whole), _mm256_cvttpd_epi32(v.v));
-#else
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(whole),
-                     _mm_unpacklo_epi64(_mm_cvttpd_epi32(v.low), _mm_cvttpd_epi32(v.high)));
-#endif
-    for (int c = 0; c < 4; ++c)
-        p[c] = static_cast<Sample>(whole[c]);
-}
-
 /// Whole numbers, one a lane.
 inline F64 ToDoubles(const std::int32_t (&values)[kLanes64])
 {

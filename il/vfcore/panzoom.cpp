@@ -10,6 +10,8 @@
 #include <cmath>
 #include <iterator>
 #include <limits>
+#include <memory>
+#include <utility>
 
 using namespace vfil;
 
@@ -18,7 +20,7 @@ const wchar_t* const vfILPanZoomTransform::m_ClassName = L"vfILPanZoomTransform"
 vfILPanZoomTransform::vfILPanZoomTransform()
 {
     SetCoefficientCount(4);
-    KeepsAxes();
+    KeepsLines();
 }
 
 // The tables belong to a run; the mapping is made of the coefficients whenever it is needed.
@@ -33,7 +35,17 @@ vfILPanZoomTransform& vfILPanZoomTransform::operator=(const vfILPanZoomTransform
     return *this;
 }
 
-vfILPanZoomTransform::~vfILPanZoomTransform() = default;
+vfILPanZoomTransform::~vfILPanZoomTransform()
+{
+    ReleaseTables();
+}
+
+// The members are no smart pointers, for which a host's compiler would have to read <memory>.
+void vfILPanZoomTransform::ReleaseTables()
+{
+    const std::unique_ptr<PanZoomLines> lines(std::exchange(m_lines, nullptr));
+    const std::unique_ptr<PanZoomSums> sums(std::exchange(m_sums, nullptr));
+}
 
 const wchar_t* vfILPanZoomTransform::GetClassNameW() const
 {
@@ -75,8 +87,7 @@ void vfILPanZoomTransform::InvertTransformPointXY(float& x, float& y)
 
 vfILStatus vfILPanZoomTransform::PrepareData()
 {
-    m_lines.reset();
-    m_sums.reset();
+    ReleaseTables();
     const vfILStatus status = vfILMonadicTransformProc::PrepareData();
     if (status != VFIL_SUCCESS || Run().effectBox.IsNull() != 0) return status;
     const AxisMap x{m_inverse[0], m_inverse[1]};
@@ -84,18 +95,17 @@ vfILStatus vfILPanZoomTransform::PrepareData()
     const vfILInterpolationType type = GetInterpolationType();
     if (type >= VFIL_INTERP_SUM_BILINEAR && type <= VFIL_INTERP_SUM_NEAREST) {
         const double half = GetFilteringLevel() * 0.25 + 0.5;
-        m_sums = PanZoomSums::Create(Run(), half, x, y, m_simdAvailable != 0);
+        m_sums = PanZoomSums::Create(Run(), half, x, y, m_simdAvailable != 0).release();
     }
     if (type > VFIL_INTERP_BICUBIC) return status;
-    m_lines = PanZoomLines::Create(Run(), GetInterpolationType(), x, y, m_simdAvailable != 0);
+    m_lines = PanZoomLines::Create(Run(), GetInterpolationType(), x, y, m_simdAvailable != 0).release();
     if (m_lines == nullptr) return Fail(0x10001, GetClassNameW());
     return VFIL_SUCCESS;
 }
 
 vfILStatus vfILPanZoomTransform::CleanData()
 {
-    m_lines.reset();
-    m_sums.reset();
+    ReleaseTables();
     return vfILMonadicTransformProc::CleanData();
 }
 

@@ -37,7 +37,6 @@ vfILMonadicTransformProc& vfILMonadicTransformProc::operator=(const vfILMonadicT
     vfILMonadicImgProc::operator=(other);
     vfILTransformBase::operator=(other);
     m_keepsLines = other.m_keepsLines;
-    m_keepsAxes = other.m_keepsAxes;
     m_coefficientCount = other.m_coefficientCount;
     std::copy(std::begin(other.m_coefficients), std::end(other.m_coefficients), m_coefficients);
     m_interpolationType = other.m_interpolationType;

@@ -3,7 +3,6 @@
 
 #include "il/loops/frame/rowloop.h"
 #include "il/loops/transform/sampling.h"
-#include "il/rows/transform/boxline.h"
 #include "il/rows/transform/footprint.h"
 
 #include <vfil/transform.h>
@@ -101,32 +100,6 @@ void vfILMonadicTransformProc::MapCorners(double left, double right, double low,
     corners.right = right;
 }
 
-/// The sums of a block of a mapping that keeps axes, whose footprints are boxes side by side. False, and
-/// nothing written, where SumBoxes refuses.
-template <class Source>
-bool vfILMonadicTransformProc::SumBlockOfBoxes(double x, long count, double half, double low, double high,
-                                               const Source& source, typename Source::Sample* out)
-{
-    double left[kMostFootprints];
-    double right[kMostFootprints];
-    double lowSide = 0;
-    double highSide = 0;
-    double ignored = 0;
-    MapCorner(x, high, ignored, highSide, ignored);
-    for (long i = 0; i < count; ++i) {
-        const double centre = x + static_cast<double>(i);
-        // Neighbours share a side of footprints that are not widened.
-        const bool shared = i > 0 && centre - half == x + static_cast<double>(i - 1) + half;
-        if (shared)
-            left[i] = right[i - 1];
-        else
-            MapCorner(centre - half, low, left[i], lowSide, ignored);
-        MapCorner(centre + half, low, right[i], lowSide, ignored);
-    }
-    return SumBoxes(left, right, static_cast<std::size_t>(count), lowSide, highSide, source,
-                    m_simdAvailable != 0, out);
-}
-
 template <class Format>
 void vfILMonadicTransformProc::SumLine(const vfILVector2f& start, long width, double half,
                                        const FootprintPlanes* planes, unsigned char* output)
@@ -160,9 +133,6 @@ void vfILMonadicTransformProc::SumLine(const vfILVector2f& start, long width, do
             MapCorners(x - half, x + static_cast<double>(count - 1) + half, low, high, block);
             if (!NeedsCut(block.x, block.y, block.w, *cut)) cut = nullptr;
         }
-        if (cut == nullptr && m_keepsAxes &&
-            SumBlockOfBoxes(x, count, half, low, high, source, out + at * Format::kChannels))
-            continue;
         for (long i = 0; i < count; ++i) {
             const double centre = x + static_cast<double>(i);
             MapCorners(centre - half, centre + half, low, high, corners);

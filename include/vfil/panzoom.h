@@ -4,8 +4,6 @@
 
 #include <vfil/transform.h>
 
-#include <memory>
-
 namespace vfil {
 class PanZoomLines;
 class PanZoomSums;
@@ -48,11 +46,13 @@ protected:
     void TransformLineWithPixelSumming(const vfILVector2f& start, long width, unsigned char* output) override;
 
 private:
+    void ReleaseTables();
+
     /// sx, tx, sy, ty.
     float m_forward[4] = {};
     float m_inverse[4] = {};
-    std::unique_ptr<vfil::PanZoomLines> m_lines; ///< of a run with types 1 to 3
-    std::unique_ptr<vfil::PanZoomSums> m_sums;   ///< of a run with types 5 to 7; may be null
+    vfil::PanZoomLines* m_lines = nullptr; ///< of a run with types 1 to 3; owned
+    vfil::PanZoomSums* m_sums = nullptr;   ///< of a run with types 5 to 7; owned, may be null
     static const wchar_t* const m_ClassName;
     const wchar_t* GetClassNameW() const;
 };

@@ -36,7 +36,8 @@ public:
     /// Writes what the polygon has within the current row, from the largest y on its left side to the
     /// smallest, and back on its right side, and moves one row on.
     ///
-    /// \param outX, outY  Room for kMaxBandVertices.
+    /// \param outX  Room for kMaxBandVertices.
+    /// \param outY  The same.
     /// \return The count of vertices, of which some may coincide; 0 above and below the polygon.
     long GetPolygonAndIncrement(double outX[], double outY[]);
 
@@ -102,10 +103,13 @@ private:
 /// c z + d is positive; a vertex within 0.001 of 0 counts as on the plane. Nothing stays of a polygon that is
 /// on a plane or behind it.
 ///
-/// \param n       In: the count of vertices. Out: that of what is left.
-/// \param x, y, z The vertices, in order around the polygon. Each plane adds one to a convex polygon at most,
-///                for which there must be room: n + planeCount vertices, or kMaxVertices of
-///                IncrementalPixelCoverage1D when that is less. What has more is emptied.
+/// Each plane adds a vertex to a convex polygon at most, for which there must be room: n + planeCount
+/// vertices, or kMaxVertices of IncrementalPixelCoverage1D when that is less. What has more is emptied.
+///
+/// \param n In: the count of vertices. Out: that of what is left.
+/// \param x The first coordinates of the vertices, in order around the polygon.
+/// \param y The second ones.
+/// \param z The third ones.
 /// \return 1 if the polygon was changed, else 0.
 VFIL_API int vfILClipPolygon(long& n, double x[], double y[], double z[], const double planes[][4],
                              long planeCount);

@@ -12,8 +12,10 @@ struct FootprintPlanes;
 } // namespace vfil
 
 /// What all transforms share apart from the mapping: the crop of the source, a border inside of what is left,
-/// an opacity with a falloff towards the edges, and what the pictures say of premultiplication. Groups of
-/// four are left, right, top, bottom, in pixels, each 0 by default; top is the side of row 0.
+/// an opacity with a falloff towards the edges, and what the pictures say of premultiplication.
+///
+/// Groups of four are left, right, top, bottom, in pixels, each 0 by default. Top is the side of row y = 0,
+/// the lowest of the picture: what a crop leaves of the source begins at x = left, y = top.
 ///
 /// Border, softness, falloff and opacity act with VFIL_INTERP_PANZOOM alone; the crop acts with every type.
 class VFIL_API vfILTransformBase {
@@ -73,9 +75,12 @@ protected:
     /// The strength of a band along both ends of a line, at position \p p of it: 1 in the bands, 0 between
     /// them, and a cubic ramp over softness + 1 pixels at their inner ends.
     ///
-    /// \param a, b    The first and the last pixel of the line.
-    /// \param inLow, inHigh      The widths of the bands.
-    /// \param softLow, softHigh  How much of them is ramp.
+    /// \param a        The first pixel of the line.
+    /// \param b        The last one.
+    /// \param inLow    The width of the band at the first pixel.
+    /// \param softLow  How much of it is ramp.
+    /// \param inHigh   The width of the band at the last pixel.
+    /// \param softHigh How much of it is ramp.
     static double ComputeFalloff(long p, unsigned long a, unsigned long b, long inLow, unsigned long softLow,
                                  long inHigh, unsigned long softHigh);
     /// Where a shrinking run stands before output \p position.
@@ -89,7 +94,8 @@ protected:
     /// Resamples one run of samples.
     ///
     /// \param magnify   0 takes means of all pixels that an output covers, else two neighbours are mixed.
-    /// \param low, high What lies outside of these indices of \p in counts as 0, and is not read.
+    /// \param low       What lies before this index of \p in counts as 0, and is not read.
+    /// \param high      The same for what lies behind this one.
     /// \param step      The share of a whole input pixel (shrinking), or the distance of two outputs.
     /// \param start     The first index.
     /// \param fraction  What is left of that pixel (shrinking), or its weight. Shrinking with a step of 0
@@ -105,9 +111,11 @@ protected:
                                       long count);
     /// Finds the first run of pairs that lie within low .. high with both entries.
     ///
-    /// \param begin, end The first and the last pair to look at.
-    /// \param rows2      Pairs that have to lie there too, or null.
-    /// \param first, last The run, both ends within; end + 1 and end where there is none.
+    /// \param begin The first pair to look at.
+    /// \param end   The last one.
+    /// \param rows2 Pairs that have to lie there too, or null.
+    /// \param first The first pair of the run; end + 1 where there is none.
+    /// \param last  Its last pair; end where there is none.
     /// \return 1 when there is a run, else 0.
     static int FindFullyInsideSpan(long begin, long end, unsigned short* rows, unsigned short* rows2,
                                    unsigned short low, unsigned short high, long& first, unsigned long& last);
@@ -130,8 +138,8 @@ protected:
     /// \param pixelsA        A's pixels, or a copy of them that has the same rows.
     /// \param premultipliedA Whether A's colour is.
     /// \param b              Null for none. Its format is A's.
-    /// \param boxB, offsetB  The part of B that shows, in B's coordinates, and what is added to a position in
-    ///                       the plane to come to them.
+    /// \param boxB           The part of B that shows, in B's coordinates.
+    /// \param offsetB        What is added to a position in the plane to come to them.
     /// \param effectBox      The output pixels to write, in the plane; they lie in the output.
     /// \param outputOffset   What is added to a position in the plane to come to the output's.
     /// \param mode           The processing mode, of which the field bits count.
@@ -269,8 +277,6 @@ protected:
     /// For the constructor of a leaf whose mapping, in homogeneous coordinates, is linear: sums of footprints
     /// are faster then.
     void KeepsLines() { m_keepsLines = true; }
-    /// The same where also the input's x is of the output's x alone, y of y, and w is 1.
-    void KeepsAxes() { m_keepsLines = m_keepsAxes = true; }
     /// For the Verify of a leaf: the frame's, then 0x1000F (a type above \p lastType, or unknown) and 0x1000D
     /// (a format that is neither RGBA nor mono).
     vfILStatus VerifyTransform(vfILInterpolationType lastType, const wchar_t* className);
@@ -320,15 +326,11 @@ private:
     void MapCorner(double x, double y, double& u, double& v, double& w);
     struct Corners;
     void MapCorners(double left, double right, double low, double high, Corners& corners);
-    template <class Source>
-    bool SumBlockOfBoxes(double x, long count, double half, double low, double high, const Source& source,
-                         typename Source::Sample* out);
     template <class Format>
     void SumLine(const vfILVector2f& start, long width, double half, const vfil::FootprintPlanes* planes,
                  unsigned char* output);
 
     bool m_keepsLines = false;
-    bool m_keepsAxes = false;
     long m_coefficientCount = 0;
     float m_coefficients[kMostCoefficients] = {};
     vfILInterpolationType m_interpolationType = VFIL_INTERP_NEAREST;

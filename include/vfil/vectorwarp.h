@@ -37,8 +37,11 @@ protected:
     void InvertTransformPointXY(float& x, float& y) override;
 
 public:
-    /// \param x, y Width times height numbers of the input each, in pixels, row by row from the lowest. They
-    ///             are not owned and must outlive the run. Without them a run fails.
+    /// The vectors are not owned and must outlive the run. Without them a run fails.
+    ///
+    /// \param x The vectors' first components: width times height of the input, in pixels, row by row from
+    ///          the lowest.
+    /// \param y Their second components, in the same order.
     void SetVectors(const double* x, const double* y);
     /// How far along the vectors the grid stands in the input and in the output, in that order. With a second
     /// factor of 0 the path is the approximate one.

@@ -4,7 +4,6 @@
 #include "il/rows/transform/footprint.h"
 
 #include "cellarea.h"
-#include "il/rows/transform/boxline.h"
 #include "il/rows/transform/footprintrows.h"
 #include "support/rowcheck.h"
 
@@ -289,68 +288,6 @@ TEST(Footprint, SumsAreTheMeansOfTheSlicedPictures)
         }
     }
     EXPECT_GT(summed, 2000);
-}
-
-/// Boxes in a row, whose sides have some binary places.
-template <class Sample, int kChannels>
-void CheckBoxLines()
-{
-    std::mt19937 random(5);
-    int summed = 0;
-    for (int round = 0; round < 600; ++round) {
-        const int width = static_cast<int>(1 + random() % (round % 9 == 0 ? 3000 : 100));
-        const int height = static_cast<int>(1 + random() % 30);
-        const Picture<Sample> picture(random, width, height, kChannels);
-        const FootprintSource<Sample, kChannels> source{picture.view.base,
-                                                        picture.view.rowBytes,
-                                                        picture.view.left,
-                                                        picture.view.top,
-                                                        picture.view.right,
-                                                        picture.view.bottom,
-                                                        {}};
-        const double step = Any(random, 0.9, round % 7 == 0 ? 60 : 6);
-        const auto count = static_cast<std::size_t>(width / step) + random() % 2;
-        const double places = std::ldexp(1.0, 1 + static_cast<int>(random() % 20));
-        const auto side = [&](double at) { return std::round(at * places) / places; };
-        const double low = side(Any(random, -0.55, std::max(height - 4, 0)));
-        const double high = low + side(Any(random, 0.9, 6));
-        const double start = round % 4 == 0 ? -0.5 : Any(random, -0.6, 2);
-        std::vector<double> left, right;
-        std::vector<Footprint> footprints(count);
-        for (std::size_t i = 0; i < count; ++i) {
-            left.push_back(side(start + step * static_cast<double>(i)));
-            right.push_back(side(start + step * static_cast<double>(i + 1)));
-            if (round % 5 == 0) std::swap(left[i], right[i]);
-            const double x[4] = {left[i], right[i], right[i], left[i]};
-            const double y[4] = {low, low, high, high};
-            const double w[4] = {1, 1, 1, 1};
-            MakeFootprint(x, y, w, nullptr, footprints[i]);
-        }
-        std::vector<Sample> expected(count * kChannels, 1);
-        FootprintPixels(
-            footprints.data(), count, source, false,
-            [](std::size_t, Sample* pixel) { std::fill_n(pixel, kChannels, Sample{0}); }, expected.data());
-        for (const bool useVectors : {false, true}) {
-            std::vector<Sample> sums(count * kChannels, 1);
-            if (!SumBoxes(left.data(), right.data(), count, low, high, source, useVectors, sums.data())) {
-                EXPECT_EQ(sums, std::vector<Sample>(count * kChannels, 1));
-                continue;
-            }
-            ASSERT_EQ(sums, expected) << round;
-            ++summed;
-        }
-    }
-    EXPECT_GT(summed, 150);
-}
-
-TEST(BoxLine, HasTheBitsOfSinglePixels)
-{
-    CheckBoxLines<std::uint8_t, 1>();
-    CheckBoxLines<std::uint8_t, 4>();
-    CheckBoxLines<std::uint16_t, 1>();
-    CheckBoxLines<std::uint16_t, 4>();
-    for (const Level level : VectorLevels())
-        EXPECT_NE(FootprintRowsAt(level).boxLines[0][1], FootprintRowsAt(Below(level)).boxLines[0][1]);
 }
 
 } // namespace

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "il/loops/frame/colourpixel.h"
-#include "il/loops/transform/panzoomrun.h"
+#include "il/loops/transform/panzoomparams.h"
 #include "il/rows/pixarith.h"
 #include "il/rows/transform/resamplerows.h"
 

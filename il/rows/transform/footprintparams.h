@@ -37,28 +37,10 @@ struct FootprintSums {
 using FootprintKernel = void (*)(const FootprintGroup& group, const FootprintPicture& picture,
                                  FootprintSums& sums);
 
-/// Columns that a line of boxes has at most.
-constexpr std::int32_t kMostBoxColumns = 1024;
-/// Columns that it has at least: a vector of doubles.
-constexpr std::int32_t kFewestBoxColumns = 8;
-
-/// Boxes of a pixel or more within the picture, whose sums are exact in any order.
-struct BoxLine {
-    const double* left; ///< a side of each, and the other one
-    const double* right;
-    std::size_t count;
-    std::int32_t firstColumn, lastColumn; ///< that any of them has a part in, or more
-    double top, bottom;                   ///< the sides that all of them share
-};
-
-/// Writes the means over boxes, truncated.
-using BoxLineKernel = void (*)(const BoxLine& line, const FootprintPicture& picture, void* out);
-
 /// The kernels of one level: [two bytes a sample][four channels a pixel].
 struct FootprintRows {
     FootprintKernel quads[2][2];
     FootprintKernel boxes[2][2];
-    BoxLineKernel boxLines[2][2];
 };
 
 } // namespace vfil

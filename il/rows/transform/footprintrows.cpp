@@ -214,45 +214,13 @@ void PlainBoxes(const FootprintGroup& group, const FootprintPicture& picture, Fo
     }
 }
 
-/// The pixel in which a side is.
-std::int32_t PixelAt(double side, std::int32_t last)
-{
-    const double fromEdge = side + 0.5;
-    return std::min(static_cast<std::int32_t>(fromEdge), last);
-}
-
-template <class Sample, int kChannels>
-void PlainBoxLine(const BoxLine& line, const FootprintPicture& picture, void* out)
-{
-    for (std::size_t i = 0; i < line.count; ++i) {
-        const double left = std::min(line.left[i], line.right[i]);
-        const double right = std::max(line.left[i], line.right[i]);
-        double sums[kChannels] = {};
-        for (std::int32_t row = PixelAt(line.top, picture.bottom);
-             row <= PixelAt(line.bottom, picture.bottom); ++row) {
-            const auto* pixels = reinterpret_cast<const Sample*>(picture.base + row * picture.rowBytes);
-            const double height = LengthIn(line.top, line.bottom, row);
-            for (std::int32_t column = PixelAt(left, picture.right); column <= PixelAt(right, picture.right);
-                 ++column)
-                for (int c = 0; c < kChannels; ++c)
-                    sums[c] += pixels[column * kChannels + c] * (height * LengthIn(left, right, column));
-        }
-        const double share = 1 / ((right - left) * (line.bottom - line.top));
-        for (int c = 0; c < kChannels; ++c)
-            static_cast<Sample*>(out)[i * kChannels + static_cast<std::size_t>(c)] =
-                static_cast<Sample>(sums[c] * share);
-    }
-}
-
 const LevelTables<FootprintRows>& Tables()
 {
     using Byte = std::uint8_t;
     using Word = std::uint16_t;
     static const LevelTables<FootprintRows> tables(
         {.quads = {{PlainQuads<Byte, 1>, PlainQuads<Byte, 4>}, {PlainQuads<Word, 1>, PlainQuads<Word, 4>}},
-         .boxes = {{PlainBoxes<Byte, 1>, PlainBoxes<Byte, 4>}, {PlainBoxes<Word, 1>, PlainBoxes<Word, 4>}},
-         .boxLines = {{PlainBoxLine<Byte, 1>, PlainBoxLine<Byte, 4>},
-                      {PlainBoxLine<Word, 1>, PlainBoxLine<Word, 4>}}},
+         .boxes = {{PlainBoxes<Byte, 1>, PlainBoxes<Byte, 4>}, {PlainBoxes<Word, 1>, PlainBoxes<Word, 4>}}},
         VFIL_FILLS);
     return tables;
 }

@@ -245,86 +245,6 @@ void SumGroup(const FootprintGroup& group, const FootprintPicture& picture, Foot
         SumLanes<Sample, kChannels, Shape>(group, start, picture, sums);
 }
 
-/// Rows of samples, weighted and summed: the first by one weight, the last by another, those between by 1.
-template <class Sample>
-void SumRows(const std::uint8_t* first, std::ptrdiff_t rowBytes, std::int32_t rows, double firstWeight,
-             double lastWeight, double* sums, std::size_t samples)
-{
-    const auto rowAt = [&](std::int32_t row, std::size_t at) {
-        return LoadAsDoubles(reinterpret_cast<const Sample*>(first + row * rowBytes) + at);
-    };
-    for (std::size_t at = 0; at < samples; at += kLanes64) {
-        // The last vector may begin among the samples of the one before.
-        if (samples - at < kLanes64) at = samples - kLanes64;
-        F64 sum = rowAt(0, at) * SplatDouble(firstWeight);
-        for (std::int32_t row = 1; row + 1 < rows; ++row)
-            sum = sum + rowAt(row, at);
-        if (rows > 1) sum = sum + rowAt(rows - 1, at) * SplatDouble(lastWeight);
-        StoreDoubles(sums + at, sum);
-    }
-}
-
-/// The first and the last pixel of an interval, and the parts of them that it has.
-struct Ends {
-    std::int32_t first, last;
-    double firstPart, lastPart; ///< the first part is the whole interval if it is in one pixel
-
-    Ends(double from, double to, std::int32_t limit)
-    {
-        const double firstEdge = from + 0.5;
-        const double lastEdge = to + 0.5;
-        first = static_cast<std::int32_t>(firstEdge);
-        last = static_cast<std::int32_t>(lastEdge);
-        if (first > limit) first = limit;
-        if (last > limit) last = limit;
-        firstPart = (first == last ? to : first + 0.5) - from;
-        lastPart = to - (last - 0.5);
-    }
-};
-
-template <class Sample>
-void StoreMean(const double* columns, const Ends& ends, double share, Sample (*out)[4])
-{
-    Channels sum = LoadChannels(columns + 4 * ends.first) * ends.firstPart;
-    for (std::int32_t column = ends.first + 1; column < ends.last; ++column)
-        sum = sum + LoadChannels(columns + 4 * column);
-    if (ends.first < ends.last) sum = AddScaled(sum, LoadChannels(columns + 4 * ends.last), ends.lastPart);
-    StoreTruncated(*out, sum * share);
-}
-
-template <class Sample>
-void StoreMean(const double* columns, const Ends& ends, double share, Sample (*out)[1])
-{
-    double sum = columns[ends.first] * ends.firstPart;
-    for (std::int32_t column = ends.first + 1; column < ends.last; ++column)
-        sum += columns[column];
-    if (ends.first < ends.last) sum += columns[ends.last] * ends.lastPart;
-    **out = static_cast<Sample>(sum * share);
-}
-
-template <class Sample, int kChannels>
-void SumBoxLine(const BoxLine& line, const FootprintPicture& picture, void* out)
-{
-    const Ends rows(line.top, line.bottom, picture.bottom);
-    double sums[kMostBoxColumns * kChannels];
-    const auto samples = static_cast<std::size_t>(line.lastColumn - line.firstColumn + 1) * kChannels;
-    const std::uint8_t* const first =
-        picture.base + rows.first * picture.rowBytes +
-        std::ptrdiff_t{line.firstColumn} * kChannels * std::ptrdiff_t{sizeof(Sample)};
-    SumRows<Sample>(first, picture.rowBytes, rows.last - rows.first + 1, rows.firstPart, rows.lastPart, sums,
-                    samples);
-    for (std::size_t i = 0; i < line.count; ++i) {
-        const bool inOrder = line.left[i] < line.right[i];
-        const double left = inOrder ? line.left[i] : line.right[i];
-        const double right = inOrder ? line.right[i] : line.left[i];
-        Ends ends(left, right, picture.right);
-        ends.first -= line.firstColumn;
-        ends.last -= line.firstColumn;
-        StoreMean(sums, ends, 1 / ((right - left) * (line.bottom - line.top)),
-                  static_cast<Sample(*)[kChannels]>(out) + i);
-    }
-}
-
 template <class Shape>
 void FillShape(FootprintKernel (&kernels)[2][2])
 {
@@ -342,10 +262,6 @@ void Fill(FootprintRows& rows)
 {
     FillShape<Quads>(rows.quads);
     FillShape<Boxes>(rows.boxes);
-    rows.boxLines[0][0] = SumBoxLine<std::uint8_t, 1>;
-    rows.boxLines[0][1] = SumBoxLine<std::uint8_t, 4>;
-    rows.boxLines[1][0] = SumBoxLine<std::uint16_t, 1>;
-    rows.boxLines[1][1] = SumBoxLine<std::uint16_t, 4>;
 }
 
 } // namespace VFIL_LEVEL

@@ -20,11 +20,6 @@ inline Half LoadHalf(const void* p)
     return {_mm_loadu_si128(static_cast<const __m128i*>(p))};
 }
 
-inline Half LoadQuarter(const void* p)
-{
-    return {_mm_loadl_epi64(static_cast<const __m128i*>(p))};
-}
-
 inline void StoreHalf(void* p, Half v)
 {
     _mm_storeu_si128(static_cast<__m128i*>(p), v.bits);
@@ -165,11 +160,6 @@ inline S32 Bits32From(S64 a, S64 b)
     return {_mm256_permute4x64_epi64(mixed, 0xD8)};
 }
 
-inline S32 Load32(const void* p)
-{
-    return {Load(static_cast<const std::uint8_t*>(p)).bits};
-}
-
 inline void Store32(void* p, S32 v)
 {
     Store(static_cast<std::uint8_t*>(p), {v.bits});
@@ -185,12 +175,6 @@ inline Half Narrow16(S32 v)
 inline S32 WidenWords32(const void* p)
 {
     return {_mm256_cvtepu16_epi32(_mm_loadu_si128(static_cast<const __m128i*>(p)))};
-}
-
-/// Eight bytes as 32-bit lanes.
-inline S32 WidenBytes32(const void* p)
-{
-    return {_mm256_cvtepu8_epi32(_mm_loadl_epi64(static_cast<const __m128i*>(p)))};
 }
 
 /// Sixteen bytes, each eight as 32-bit lanes.

@@ -325,6 +325,30 @@ TEST(PanZoom, AStraightPictureIsMultipliedWhereSomethingShowsThrough)
     EXPECT_EQ(panZoom.GetOutputImgPremultiplied(), 0) << "as the input";
 }
 
+// Where only a part of an output pixel lies on the picture, its alpha is that part.
+TEST(PanZoom, StraightColourDoesNotFadeAtEdges)
+{
+    std::mt19937 random(9);
+    long edges = 0;
+    for (int i = 0; i < 200; ++i) {
+        const Pixel flat{13, 242, 44, 200};
+        GuardedImage in(kFormats[i % 2], 16, 16), out(kFormats[i % 2], 24, 24);
+        for (long k = 0; k < 256; ++k)
+            in.Set(k % 16, k / 16, flat);
+        PanZoom panZoom(i % 4 < 2);
+        Prepare(panZoom, in, out, VFIL_INTERP_PANZOOM, RandomMap(random));
+        ASSERT_EQ(panZoom.Execute(), VFIL_SUCCESS);
+        ASSERT_EQ(panZoom.GetOutputImgPremultiplied(), 0);
+        for (long k = 0; k < 576; ++k) {
+            const Pixel pixel = out.Get(k % 24, k / 24);
+            if (pixel[3] == 0) continue;
+            edges += pixel[3] < flat[3];
+            ASSERT_EQ((Pixel{pixel[0], pixel[1], pixel[2], flat[3]}), flat) << i << ", " << k;
+        }
+    }
+    EXPECT_GT(edges, 500);
+}
+
 TEST(PanZoom, AShrunkPictureKeepsItsMean)
 {
     std::mt19937 random(8);

@@ -1,8 +1,11 @@
 /// \file
-/// Filters of video fields.
+/// Operators on the fields of video: splitting a frame, weaving, swapping and merging fields, and a filter.
+///
+/// An even field is that of the rows of even y, and y counts from the bottom row, which is 0.
 #pragma once
 
 #include <vfil/frame.h>
+#include <vfil/interpolation.h>
 
 /// Smooths an RGBA32 picture, all four channels, by a first-order recursive filter along rows and then along
 /// columns. Each runs in both directions, so that nothing moves. In doubles throughout; a result is rounded
@@ -42,3 +45,166 @@ private:
     static const wchar_t* const m_ClassName;
     const wchar_t* GetClassNameW() const;
 };
+
+/// Splits a frame of two fields into two pictures of full height: output A keeps the even rows, output B the
+/// odd ones, and each fills the rows that it lacks. RGBA and mono, 8 and 16 bits, and 8-bit 4:2:2 without
+/// alpha, in all row orders.
+///
+/// An output may be the input. At the first and the last row the picture is mirrored.
+class VFIL_API vfILDeinterlace : public vfILProcessor {
+public:
+    vfILDeinterlace();
+    /// Copies the pictures and parameters.
+    vfILDeinterlace(const vfILDeinterlace& other);
+    vfILDeinterlace& operator=(const vfILDeinterlace& other);
+    ~vfILDeinterlace() override;
+    /// Runs Verify, PrepareData and ProcessData, and CleanData in every case. Fails with 0x10001 when there
+    /// is no memory for two rows.
+    vfILStatus Execute() override;
+    /// Fails with 0x20002 (not all channels are selected), 0x1000B, 0x1000C (input missing, or without
+    /// pixels), 0x10034 (a format not taken), then for A and for B, as far as they are connected: 0x10003
+    /// (output without pixels), 0x1000E (another format than the input), 0x1000A (the region hangs over the
+    /// output), for the adaptive type 0x1000C, 0x1000E, 0x1003D (comparison picture missing, of another
+    /// format, of another size), 0x10060 (another row order); then 0x10002 (no output at all), 0x10004
+    /// (default colour outside 0 .. 1), 0x1000F (an unknown type), 0x10046 (a threshold outside 0 .. 1, or
+    /// the lower one above the upper one).
+    vfILStatus Verify() override;
+
+protected:
+    virtual vfILStatus PrepareData();
+    virtual vfILStatus ProcessData();
+    virtual vfILStatus CleanData();
+    virtual vfILStatus DoEffect();
+
+public:
+    IPXImage* GetInputImg() const;
+    /// \param image The frame. Not owned, as all pictures here; must outlive the run.
+    void SetInputImg(IPXImage* image);
+    IPXImage* GetOutputImgA() const;
+    /// \param image Receives the even rows; null when they are not wanted.
+    void SetOutputImgA(IPXImage* image);
+    IPXImage* GetOutputImgB() const;
+    /// \param image Receives the odd rows; null when they are not wanted.
+    void SetOutputImgB(IPXImage* image);
+    IPXImage* GetCompImgA() const;
+    /// \param image A neighbouring frame, whose odd rows the adaptive type compares with those of the input:
+    ///              the one before where the even field comes first in time, else the one behind.
+    void SetCompImgA(IPXImage* image);
+    IPXImage* GetCompImgB() const;
+    /// \param image The same for output B: the one behind where the even field comes first, else the one
+    ///              before.
+    void SetCompImgB(IPXImage* image);
+    /// \param roi The region in input coordinates; default the whole input.
+    void SetROI(const vfILBbox2l& roi);
+    const vfILBbox2l& GetROI() const;
+    /// \param offset Where the region's first pixel lands in the outputs; default (0, 0).
+    void SetOutputOffset(const vfILVector2l& offset);
+    const vfILVector2l& GetOutputOffset() const;
+    /// \param type One of VFIL_DEINTERLACE_DUPLICATE (the default), _INTERPOLATE, _ADAPTIVE.
+    void SetInterpolationType(vfILInterpolationType type);
+    vfILInterpolationType GetInterpolationType() const;
+    /// \param threshold The share of full scale up to which a sample counts as still; default 0.
+    void SetMinThreshold(double threshold);
+    double GetMinThreshold() const;
+    /// \param threshold The share of full scale from which a sample counts as moving; default 0.15. Between
+    ///                  the two the means are mixed.
+    void SetMaxThreshold(double threshold);
+    double GetMaxThreshold() const;
+    const vfILColor& GetDefaultColor() const;
+    /// \param color What the rest of the target takes; default (0, 0, 0, 0).
+    void SetDefaultColor(const vfILColor& color);
+    /// Paints both outputs inside \p whole, apart from \p excluded, which may be a null box.
+    void FillOutput(const vfILBbox2l& excluded, const vfILBbox2l& whole, const vfILColor& color);
+
+private:
+    static const wchar_t* const m_ClassName;
+    const wchar_t* GetClassNameW() const;
+};
+
+/// Weaves two pictures into a frame: the even rows of A, the odd rows of B. The formats of vfILDeinterlace.
+/// The output may be one of them.
+class VFIL_API vfILInterlace : public vfILImgProc {
+public:
+    vfILInterlace();
+    ~vfILInterlace() override;
+    /// Runs Verify, PrepareData and ProcessData, and CleanData in every case; so do the two below.
+    vfILStatus Execute() override;
+    vfILStatus Verify() override;
+
+    IPXImage* GetInputImgA() const;
+    void SetInputImgA(IPXImage* image);
+    IPXImage* GetInputImgB() const;
+    void SetInputImgB(IPXImage* image);
+
+protected:
+    vfILStatus PrepareData() override;
+    vfILStatus ProcessData() override;
+    vfILStatus CleanData() override;
+    virtual vfILStatus DoEffect();
+
+private:
+    static const wchar_t* const m_ClassName;
+    const wchar_t* GetClassNameW() const;
+};
+
+/// Brings the rows of a frame to the other field: the two rows of each pair trade places, or the picture
+/// moves by one row. The formats of vfILDeinterlace. The output may be the input.
+class VFIL_API vfILFieldSwap : public vfILImgProc {
+public:
+    vfILFieldSwap();
+    ~vfILFieldSwap() override;
+    vfILStatus Execute() override;
+    vfILStatus Verify() override;
+
+    IPXImage* GetInputImg() const;
+    void SetInputImg(IPXImage* image);
+    int GetSwapLines() const;
+    /// \param swap Non-zero trades the rows y and y ^ 1, so that the order of the fields in time turns
+    ///             around; 0, the default, gives row y the row y - 1, so that it stays. What lies outside is
+    ///             mirrored.
+    void SetSwapLines(int swap);
+
+protected:
+    vfILStatus PrepareData() override;
+    vfILStatus ProcessData() override;
+    vfILStatus CleanData() override;
+    virtual vfILStatus DoEffect();
+
+private:
+    static const wchar_t* const m_ClassName;
+    const wchar_t* GetClassNameW() const;
+};
+
+/// Melts the two fields of a frame: each sample with the ones above and below by the weights 1, 2, 1, rounded
+/// up twice. The formats of vfILDeinterlace. The output may be the input.
+class VFIL_API vfILFieldMerge : public vfILImgProc {
+public:
+    vfILFieldMerge();
+    ~vfILFieldMerge() override;
+    vfILStatus Execute() override;
+    vfILStatus Verify() override;
+
+    IPXImage* GetInputImg() const;
+    void SetInputImg(IPXImage* image);
+
+protected:
+    vfILStatus PrepareData() override;
+    vfILStatus ProcessData() override;
+    vfILStatus CleanData() override;
+    virtual vfILStatus DoEffect();
+
+private:
+    static const wchar_t* const m_ClassName;
+    const wchar_t* GetClassNameW() const;
+};
+
+/// Runs a vfILInterlace on whole pictures.
+/// \return 0, or 0x80004005 (as a 32-bit number, which is negative) when anything fails
+VFIL_API long vfILInterlaceFields(IPXImage* a, IPXImage* b, IPXImage* out);
+
+/// Runs a vfILDeinterlace on whole pictures.
+/// \param compA, compB, minThreshold, maxThreshold Of use for VFIL_DEINTERLACE_ADAPTIVE alone.
+/// \return as vfILInterlaceFields
+VFIL_API long vfILDeinterlaceFields(IPXImage* in, IPXImage* outA, IPXImage* outB, vfILInterpolationType type,
+                                    IPXImage* compA, IPXImage* compB, double minThreshold,
+                                    double maxThreshold);

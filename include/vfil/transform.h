@@ -6,6 +6,7 @@
 #pragma once
 
 #include <vfil/frame.h>
+#include <vfil/interpolation.h>
 
 namespace vfil {
 struct FootprintPlanes;
@@ -174,18 +175,6 @@ private:
     int m_imgBPremultiplied = 0;
     int m_outputImgPremultiplied = 0;
     int m_createPremultipliedOutput = 0;
-};
-
-/// How an output pixel is made of the input.
-enum vfILInterpolationType : int {
-    VFIL_INTERP_NEAREST = 1,              ///< the pixel whose centre is nearest
-    VFIL_INTERP_BILINEAR = 2,             ///< of 2 x 2 pixels
-    VFIL_INTERP_BICUBIC = 3,              ///< Catmull-Rom, of 4 x 4 pixels
-    VFIL_INTERP_BILINEAR_PREFILTERED = 4, ///< bilinear on two levels of a pyramid, mixed
-    VFIL_INTERP_SUM_BILINEAR = 5,         ///< area of the pixel's footprint; bilinear where it is small
-    VFIL_INTERP_SUM_BICUBIC = 6,          ///< the same with bicubic
-    VFIL_INTERP_SUM_NEAREST = 7,          ///< the same with nearest
-    VFIL_INTERP_PANZOOM = 8,              ///< the two-pass resampler; vfILPanZoomTransform only
 };
 
 /// What a leaf of the transforms' frame knows of a run, from PrepareData to CleanData.

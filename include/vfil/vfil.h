@@ -5,6 +5,7 @@
 #include <vfil/affine.h>
 #include <vfil/blur.h>
 #include <vfil/color.h>
+#include <vfil/colorgrade.h>
 #include <vfil/composite.h>
 #include <vfil/convolve.h>
 #include <vfil/edges.h>
@@ -14,6 +15,7 @@
 #include <vfil/frame.h>
 #include <vfil/geometry.h>
 #include <vfil/image.h>
+#include <vfil/interpolation.h>
 #include <vfil/keyer.h>
 #include <vfil/matrix.h>
 #include <vfil/models.h>
@@ -30,5 +32,6 @@
 #include <vfil/tables.h>
 #include <vfil/transfo4.h>
 #include <vfil/transform.h>
+#include <vfil/treat.h>
 #include <vfil/vectorwarp.h>
 #include <vfil/videokeyer.h>

@@ -1,0 +1,112 @@
+/// \file
+/// Colour treatment of one picture: correction by a matrix and tables, and broadcast legality.
+#pragma once
+
+#include <vfil/frame.h>
+#include <vfil/transfo4.h>
+
+/// Hue, saturation, gain and offset in one matrix, and tables behind it. RGBA of 8 and 16 bits, and 8-bit
+/// 4:2:2 pictures in their own format, with the alpha plane.
+///
+/// A pixel meets: the way to luma and chroma, the turn of chroma by Hue, Saturation on chroma, Gain on all
+/// three, Offset on luma alone, and the way back. Selected alpha becomes alpha * gain + offset.
+///
+/// Integers of eight fractional bits throughout: an element of the matrix is rounded to 1/256.
+class VFIL_API vfILColorCorrectionImg : public vfILMonadicPixelProc {
+public:
+    vfILColorCorrectionImg() = default;
+    vfILColorCorrectionImg(const vfILColorCorrectionImg& other) = default;
+    vfILColorCorrectionImg& operator=(const vfILColorCorrectionImg& other) = default;
+    ~vfILColorCorrectionImg() override;
+    /// Adds 0x1000D (a format that is none of RGBA32, RGBA64, 4:2:2 and 4:2:2 with alpha), 0x1006A (a colour
+    /// model other than 64 and 512 with RGBA). Numbers are not checked.
+    vfILStatus Verify() override;
+
+    double GetHue() const;
+    /// \param hue Degrees by which chroma turns, from Cb towards Cr. Default 0.
+    void SetHue(double hue);
+    double GetSaturation() const;
+    /// \param saturation Per cent; 0 is grey, below 0 swaps chroma around its centre. Default 100.
+    void SetSaturation(double saturation);
+    double GetGain() const;
+    /// \param gain Per cent of luma and chroma. Default 100.
+    void SetGain(double gain);
+    double GetOffset() const;
+    /// \param offset Per cent of full scale, added to luma. Default 0.
+    void SetOffset(double offset);
+    /// \param lut 256 entries of four signed 16-bit numbers: what is added to luma, Cb, Cr and alpha where
+    ///            corrected luma is the index (its upper byte at 16 bits, where the numbers count 257 fold).
+    ///            Not owned; must outlive the run. Null, the default, for none.
+    void SetLut(void* lut);
+    void* GetLut() const;
+    /// \param lut Four tables of 256 bytes, of red, green, blue and alpha, which the result goes through. Not
+    ///            owned; must outlive the run. Null, the default, for none.
+    void SetRGBALut(void* lut);
+    void* GetRGBALut() const;
+    PXColorModel GetColorModel() const;
+    /// \param model PXColorModel_YCC (64, the default) for BT.601, 512 for BT.709; 0 takes it from a 4:2:2
+    ///              format. It is stronger than the format.
+    void SetColorModel(PXColorModel model);
+
+protected:
+    vfILStatus PrepareData() override;
+    vfILStatus DoEffect() override;
+
+private:
+    double m_hue = 0;
+    double m_saturation = 100;
+    double m_gain = 100;
+    double m_offset = 0;
+    void* m_lut = nullptr;
+    void* m_rgbaLut = nullptr;
+    PXColorModel m_colorModel = PXColorModel_YCC;
+    static const wchar_t* const m_ClassName;
+    const wchar_t* GetClassNameW() const;
+};
+
+/// What is done to pixels that broadcast does not allow.
+enum vfILLegalizeMode : int {
+    VFIL_LEGALIZE_CLIP = 1,                        ///< channels are limited as RGB
+    VFIL_LEGALIZE_ADJUST_GAIN = 2,                 ///< the pixel is dimmed; its hue stays
+    VFIL_LEGALIZE_ADJUST_SATURATION = 3,           ///< chroma shrinks; luma and hue stay
+    VFIL_LEGALIZE_ADJUST_LUMINANCE_SATURATION = 4, ///< luma moves part of the way, chroma shrinks
+    VFIL_LEGALIZE_SHOW_ILLEGAL = 5,                ///< a display of what is illegal
+};
+
+/// Makes 4:2:2 video legal: luma in 16 .. 235, chroma in 16 .. 240, and the RGB that they stand for in 0 ..
+/// 255. RGBA of 8 and 16 bits is legal by itself: it is copied, or shown grey and half bright in the mode
+/// that shows.
+class VFIL_API vfILLegalizeImg : public vfILMonadicPixelProc {
+public:
+    vfILLegalizeImg() = default;
+    vfILLegalizeImg(const vfILLegalizeImg& other) = default;
+    vfILLegalizeImg& operator=(const vfILLegalizeImg& other) = default;
+    ~vfILLegalizeImg() override;
+    /// Adds 0x1000D (a format that is none of RGBA32, RGBA64 and 4:2:2 without alpha), 0x10063 (an unknown
+    /// mode), 0x10064 (a factor outside 0 .. 100, or NaN).
+    vfILStatus Verify() override;
+
+    vfILLegalizeMode GetMode() const;
+    /// Default VFIL_LEGALIZE_CLIP.
+    void SetMode(vfILLegalizeMode mode);
+    double GetLuminanceAdjustFactor() const;
+    /// \param factor How far luma moves towards the legal range in VFIL_LEGALIZE_ADJUST_LUMINANCE_SATURATION,
+    ///               0 .. 100 per cent. Default 50.
+    void SetLuminanceAdjustFactor(double factor);
+    int GetStrictPairs() const;
+    /// \param strict Non-zero judges and corrects both pixels of a pair by the chroma that is stored, so that
+    ///               no pixel is outside by its own samples by more than one code; 0, the default, corrects
+    ///               the stored chroma by what each mode takes for the pixels, which leaves right pixels
+    ///               illegal where chroma varies.
+    void SetStrictPairs(int strict);
+
+protected:
+    vfILStatus DoEffect() override;
+
+private:
+    vfILLegalizeMode m_mode = VFIL_LEGALIZE_CLIP;
+    double m_luminanceAdjustFactor = 50;
+    int m_strictPairs = 0;
+    static const wchar_t* const m_ClassName;
+    const wchar_t* GetClassNameW() const;
+};

@@ -121,26 +121,97 @@ private:
     const wchar_t* GetClassNameW() const;
 };
 
-/// Weaves two pictures into a frame: the even rows of A, the odd rows of B. The formats of vfILDeinterlace.
-/// The output may be one of them.
-class VFIL_API vfILInterlace : public vfILImgProc {
-public:
-    vfILInterlace();
-    ~vfILInterlace() override;
-    /// Runs Verify, PrepareData and ProcessData, and CleanData in every case; so do the two below.
-    vfILStatus Execute() override;
-    vfILStatus Verify() override;
+/// Where a field operator finds the rows of a region.
+struct vfILFieldRows {
+    vfILPictureView picture;
+    long x = 0; ///< of the region's first pixel
+    long y = 0;
+};
 
-    IPXImage* GetInputImgA() const;
-    void SetInputImgA(IPXImage* image);
-    IPXImage* GetInputImgB() const;
-    void SetInputImgB(IPXImage* image);
+/// What the operators on fields know of a run, from PrepareData to CleanData.
+struct vfILFieldRun {
+    vfILFieldRows a, b, output; ///< b is a for an operator of one input
+    vfILBbox2l validBox;        ///< the part of the region that has a source, in input coordinates
+    vfILBbox2l targetBox;       ///< the region's size at the output offset
+    vfILBbox2l processBox;      ///< validBox in output coordinates
+    std::size_t rowBytes = 0;   ///< of a row of these boxes
+    unsigned char* held =
+        nullptr;            ///< space of two rows where each row is written in its own place; else null
+    bool streaming = false; ///< the result is large and in no input's place: it may go around the cache
+};
+
+/// The frame of the operators below, which make rows of a picture of rows of one or two others: RGBA and
+/// mono, 8 and 16 bits, and 8-bit 4:2:2 without alpha, in all row orders. All pictures have one format.
+///
+/// Rows are counted by y, also for the mode's field bits, whatever their order in memory. All channels are
+/// processed, which is the default here; there is no mask. The output may be an input: the result is that of
+/// two pictures.
+class VFIL_API vfILFieldProc : public vfILImgProc {
+public:
+    vfILFieldProc();
+    /// Copies the pictures and parameters; the mode is the default one.
+    vfILFieldProc(const vfILFieldProc& other);
+    /// Copies the pictures and parameters.
+    vfILFieldProc& operator=(const vfILFieldProc& other);
+    ~vfILFieldProc() override;
+    /// Runs Verify, PrepareData and ProcessData, and CleanData in every case. Fails with 0x10001 when an
+    /// output is an input and there is no memory for two rows, or, where the region moves, for the region.
+    vfILStatus Execute() override;
 
 protected:
     vfILStatus PrepareData() override;
     vfILStatus ProcessData() override;
     vfILStatus CleanData() override;
-    virtual vfILStatus DoEffect();
+    virtual vfILStatus DoEffect() = 0;
+
+    /// The checks of an operator of one input: 0x20002 (not all channels are selected), 0x1000B, 0x1000C
+    /// (input missing, or without pixels), 0x10034 (a format not taken), 0x10002, 0x10003 (output missing, or
+    /// without pixels), 0x1000E (another format than the input), 0x1000A (the region hangs over the output),
+    /// 0x10004 (default colour outside 0 .. 1).
+    vfILStatus VerifyOneInput(const wchar_t* className);
+    vfILStatus VerifyMode(const wchar_t* className);
+    vfILStatus VerifyPixels(IPXImage* input, const wchar_t* className);
+    vfILStatus VerifyOutput(const wchar_t* className);
+    /// The region fits into the output.
+    vfILStatus VerifyRegion(const wchar_t* className);
+
+    const vfILFieldRun& Run() const { return m_run; }
+
+    IPXImage* m_inputImgA = nullptr; ///< or the only input
+    IPXImage* m_inputImgB = nullptr;
+
+private:
+    vfILStatus PrepareInputs();
+
+    vfILFieldRun m_run;
+    vfILRunBuffer m_buffer;
+    static const wchar_t* const m_ClassName;
+    const wchar_t* GetClassNameW() const;
+};
+
+/// Weaves two pictures into a frame: its even rows are those of A, its odd ones those of B. Whose a row is
+/// goes by its y in the inputs.
+class VFIL_API vfILInterlace : public vfILFieldProc {
+public:
+    vfILInterlace() = default;
+    vfILInterlace(const vfILInterlace& other) = default;
+    vfILInterlace& operator=(const vfILInterlace& other) = default;
+    ~vfILInterlace() override;
+    /// Fails with, in this order, 0x20002 (not all channels are selected), 0x1000B, 0x1000C (A, then B
+    /// missing, or without pixels), 0x1000D (a format not taken), 0x10002, 0x10003 (output missing, or
+    /// without pixels), 0x1000E (output of another format, then B), 0x1003D (B of another size), 0x10060 (in
+    /// a top-down format another region than the whole output, or an offset), 0x10004 (default colour outside
+    /// 0 .. 1), 0x1000A (the region hangs over the output).
+    vfILStatus Verify() override;
+
+    IPXImage* GetInputImgA() const;
+    /// \param image Not owned, as all pictures here; must outlive the run.
+    void SetInputImgA(IPXImage* image);
+    IPXImage* GetInputImgB() const;
+    void SetInputImgB(IPXImage* image);
+
+protected:
+    vfILStatus DoEffect() override;
 
 private:
     static const wchar_t* const m_ClassName;
@@ -148,50 +219,50 @@ private:
 };
 
 /// Brings the rows of a frame to the other field: the two rows of each pair trade places, or the picture
-/// moves by one row. The formats of vfILDeinterlace. The output may be the input.
-class VFIL_API vfILFieldSwap : public vfILImgProc {
+/// moves up by one row. The region is the picture: at its edges it is mirrored.
+class VFIL_API vfILFieldSwap : public vfILFieldProc {
 public:
-    vfILFieldSwap();
+    vfILFieldSwap() = default;
+    vfILFieldSwap(const vfILFieldSwap& other) = default;
+    vfILFieldSwap& operator=(const vfILFieldSwap& other) = default;
     ~vfILFieldSwap() override;
-    vfILStatus Execute() override;
+    /// As vfILFieldProc::VerifyOneInput.
     vfILStatus Verify() override;
 
     IPXImage* GetInputImg() const;
     void SetInputImg(IPXImage* image);
     int GetSwapLines() const;
-    /// \param swap Non-zero trades the rows y and y ^ 1, so that the order of the fields in time turns
-    ///             around; 0, the default, gives row y the row y - 1, so that it stays. What lies outside is
-    ///             mirrored.
+    /// \param swap Non-zero trades row r of the region for r ^ 1, so that the order of the fields in time
+    ///             turns around; 0, the default, for r - 1, so that it stays. Row -1 is row 1, and the one
+    ///             behind the last is the one before it.
     void SetSwapLines(int swap);
 
 protected:
-    vfILStatus PrepareData() override;
-    vfILStatus ProcessData() override;
-    vfILStatus CleanData() override;
-    virtual vfILStatus DoEffect();
+    vfILStatus DoEffect() override;
 
 private:
+    std::int32_t m_swapLines = 0;
     static const wchar_t* const m_ClassName;
     const wchar_t* GetClassNameW() const;
 };
 
-/// Melts the two fields of a frame: each sample with the ones above and below by the weights 1, 2, 1, rounded
-/// up twice. The formats of vfILDeinterlace. The output may be the input.
-class VFIL_API vfILFieldMerge : public vfILImgProc {
+/// Melts the two fields of a frame: each sample c with those above and below, a and b, is (c + (a + b + 1) /
+/// 2
+/// + 1) / 2 in integers. The region is the picture: at its edges it is mirrored.
+class VFIL_API vfILFieldMerge : public vfILFieldProc {
 public:
-    vfILFieldMerge();
+    vfILFieldMerge() = default;
+    vfILFieldMerge(const vfILFieldMerge& other) = default;
+    vfILFieldMerge& operator=(const vfILFieldMerge& other) = default;
     ~vfILFieldMerge() override;
-    vfILStatus Execute() override;
+    /// As vfILFieldProc::VerifyOneInput.
     vfILStatus Verify() override;
 
     IPXImage* GetInputImg() const;
     void SetInputImg(IPXImage* image);
 
 protected:
-    vfILStatus PrepareData() override;
-    vfILStatus ProcessData() override;
-    vfILStatus CleanData() override;
-    virtual vfILStatus DoEffect();
+    vfILStatus DoEffect() override;
 
 private:
     static const wchar_t* const m_ClassName;

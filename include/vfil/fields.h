@@ -46,28 +46,59 @@ private:
     const wchar_t* GetClassNameW() const;
 };
 
+/// Where the rows of a part of a frame lie: from the first in memory on, or in a split-field format, whose
+/// memory holds one field behind the other, from the uppermost on.
+struct vfILFieldWalk {
+    unsigned char* first[2] = {nullptr, nullptr}; ///< the first row of each field: rows 0 and 1
+    std::ptrdiff_t step = 0;                      ///< bytes from a row to the next one of its field
+};
+
+/// What a vfILDeinterlace knows of a run, from PrepareData to CleanData. The first of two is that of A.
+struct vfILDeinterlaceRun {
+    vfILBbox2l placedBox; ///< what of the target has a source, in output coordinates
+    long rows = 0;        ///< of placedBox
+    std::size_t rowBytes = 0;
+    long sampleBytes = 1;
+    bool firstRowEven = true; ///< the first row of the walks belongs to the even field
+    vfILFieldWalk input;
+    vfILFieldWalk outputs[2], comparisons[2];
+    const unsigned char* above = nullptr; ///< the row before the first one of the walk, ...
+    const unsigned char* below = nullptr; ///< ... and the one behind the last
+    bool apart = true;      ///< no output shares memory with a picture that is read, or with the other one
+    bool streaming = false; ///< the results are large, and may go around the cache
+};
+
 /// Splits a frame of two fields into two pictures of full height: output A keeps the even rows, output B the
 /// odd ones, and each fills the rows that it lacks. RGBA and mono, 8 and 16 bits, and 8-bit 4:2:2 without
 /// alpha, in all row orders.
 ///
-/// An output may be the input. At the first and the last row the picture is mirrored.
+/// All samples of a row are treated alike. Whose field a row is goes by its y in the input. At the first and
+/// the last row the picture is mirrored. The mode's field bits bound the fill with the default colour and
+/// nothing else.
+///
+/// An output may be the input: of an output at another place of it the input is copied first. With one output
+/// in place of the input the results are those of pictures apart. With both there, A is made before B, from
+/// the same memory. A comparison picture may be the output of its own letter, at the same place. What other
+/// pictures share is read as it is found: first both outputs take their rows, then A is filled, then B.
 class VFIL_API vfILDeinterlace : public vfILProcessor {
 public:
+    /// The processing mode starts as VFIL_MODE_RGBA.
     vfILDeinterlace();
     /// Copies the pictures and parameters.
     vfILDeinterlace(const vfILDeinterlace& other);
     vfILDeinterlace& operator=(const vfILDeinterlace& other);
     ~vfILDeinterlace() override;
-    /// Runs Verify, PrepareData and ProcessData, and CleanData in every case. Fails with 0x10001 when there
-    /// is no memory for two rows.
+    /// Runs Verify, PrepareData and ProcessData, and CleanData in every case; the interrupt is polled once a
+    /// row. Fails with 0x10001 when there is no memory for two rows, or for the copy of an input that is an
+    /// output at another place, and with 0x1000C when the input refuses ReadRegion.
     vfILStatus Execute() override;
     /// Fails with 0x20002 (not all channels are selected), 0x1000B, 0x1000C (input missing, or without
-    /// pixels), 0x10034 (a format not taken), then for A and for B, as far as they are connected: 0x10003
-    /// (output without pixels), 0x1000E (another format than the input), 0x1000A (the region hangs over the
-    /// output), for the adaptive type 0x1000C, 0x1000E, 0x1003D (comparison picture missing, of another
-    /// format, of another size), 0x10060 (another row order); then 0x10002 (no output at all), 0x10004
-    /// (default colour outside 0 .. 1), 0x1000F (an unknown type), 0x10046 (a threshold outside 0 .. 1, or
-    /// the lower one above the upper one).
+    /// pixels), 0x10002 (no output at all), 0x10034 (a format not taken); for A, then for B, if connected:
+    /// 0x10003 (output without pixels), 0x1000E (another format than the input), 0x1000A (the target hangs
+    /// over the output); with a type other than the first two, for A, then for B, if connected: 0x1000C,
+    /// 0x1000E, 0x1003D (comparison picture missing or without pixels, of another format, of another size);
+    /// then 0x10004 (default colour outside 0 .. 1), 0x1000F (an unknown type), 0x10046 (a threshold outside
+    /// 0 .. 1, or the lower one above the upper one). Row orders cannot differ, as formats do not.
     vfILStatus Verify() override;
 
 protected:
@@ -81,42 +112,70 @@ public:
     /// \param image The frame. Not owned, as all pictures here; must outlive the run.
     void SetInputImg(IPXImage* image);
     IPXImage* GetOutputImgA() const;
-    /// \param image Receives the even rows; null when they are not wanted.
+    /// \param image Receives the even rows; null, the default, when they are not wanted. As long as SetROI
+    /// was
+    ///              never called, it gives the region its size.
     void SetOutputImgA(IPXImage* image);
     IPXImage* GetOutputImgB() const;
-    /// \param image Receives the odd rows; null when they are not wanted.
+    /// \param image Receives the odd rows; otherwise as for A.
     void SetOutputImgB(IPXImage* image);
     IPXImage* GetCompImgA() const;
     /// \param image A neighbouring frame, whose odd rows the adaptive type compares with those of the input:
     ///              the one before where the even field comes first in time, else the one behind.
     void SetCompImgA(IPXImage* image);
     IPXImage* GetCompImgB() const;
-    /// \param image The same for output B: the one behind where the even field comes first, else the one
-    ///              before.
+    /// \param image The same for output B, with its even rows: the one behind where the even field comes
+    ///              first, else the one before.
     void SetCompImgB(IPXImage* image);
-    /// \param roi The region in input coordinates; default the whole input.
+    /// \param roi The region in input coordinates; default the size of the output that was connected last, at
+    ///            (0, 0). What of it the input lacks takes the default colour.
     void SetROI(const vfILBbox2l& roi);
     const vfILBbox2l& GetROI() const;
     /// \param offset Where the region's first pixel lands in the outputs; default (0, 0).
     void SetOutputOffset(const vfILVector2l& offset);
     const vfILVector2l& GetOutputOffset() const;
-    /// \param type One of VFIL_DEINTERLACE_DUPLICATE (the default), _INTERPOLATE, _ADAPTIVE.
+    /// \param type VFIL_DEINTERLACE_DUPLICATE, the default: A repeats the row before in memory, B the one
+    ///             behind. VFIL_DEINTERLACE_INTERPOLATE: the mean of both, (a + b + 1) / 2.
+    ///             VFIL_DEINTERLACE_ADAPTIVE: by the distance between a sample of the input and the same one
+    ///             of the comparison picture, their mean up to the lower threshold, that of the rows before
+    ///             and behind from the upper one on, a linear mix between; rows of a single byte (a column of
+    ///             8-bit mono) stay as the output had them. Verify refuses others (0x1000F).
     void SetInterpolationType(vfILInterpolationType type);
     vfILInterpolationType GetInterpolationType() const;
-    /// \param threshold The share of full scale up to which a sample counts as still; default 0.
+    /// \param threshold The share of full scale up to which a sample counts as still, 0 .. 1; default 0.
     void SetMinThreshold(double threshold);
     double GetMinThreshold() const;
-    /// \param threshold The share of full scale from which a sample counts as moving; default 0.15. Between
-    ///                  the two the means are mixed.
+    /// \param threshold The share of full scale from which a sample counts as moving, 0 .. 1, at least the
+    ///                  other one; default 0.15. With both alike there is no mix.
     void SetMaxThreshold(double threshold);
     double GetMaxThreshold() const;
     const vfILColor& GetDefaultColor() const;
     /// \param color What the rest of the target takes; default (0, 0, 0, 0).
     void SetDefaultColor(const vfILColor& color);
-    /// Paints both outputs inside \p whole, apart from \p excluded, which may be a null box.
+    /// Paints both outputs inside \p whole, apart from \p excluded, which may be a null box, in the rows that
+    /// the mode's field bits allow. Bands that are not inside an output are left out.
     void FillOutput(const vfILBbox2l& excluded, const vfILBbox2l& whole, const vfILColor& color);
 
 private:
+    bool IsAdaptive() const;
+    void TakeSizeOf(IPXImage* output);
+    vfILStatus VerifyOutputs();
+    vfILStatus VerifyComparisons();
+    vfILStatus VerifyParameters();
+    vfILStatus ReadScratchRows(const vfILBbox2l& valid, bool copiesInput);
+
+    IPXImage* m_inputImg = nullptr;
+    IPXImage* m_outputImgs[2] = {nullptr, nullptr};
+    IPXImage* m_compImgs[2] = {nullptr, nullptr};
+    vfILInterpolationType m_interpolationType = VFIL_DEINTERLACE_DUPLICATE;
+    double m_minThreshold = 0.0;
+    double m_maxThreshold = 0.15;
+    vfILBbox2l m_roi;
+    int m_roiSet = 0;
+    vfILVector2l m_outputOffset;
+    vfILColor m_defaultColor;
+    vfILDeinterlaceRun m_run;
+    vfILRunBuffer m_scratch;
     static const wchar_t* const m_ClassName;
     const wchar_t* GetClassNameW() const;
 };

@@ -124,9 +124,17 @@ private:
 
     static const char* LimitOf(const std::string& operation)
     {
+        const bool isOfOne = operation.starts_with(kFieldSwap) || operation.starts_with(kFieldMerge);
+        if (isOfOne || operation.starts_with(kWeave)) {
+            if (operation.ends_with(kFields422)) return isOfOne ? kLimitOneVideo : kLimitInTurnVideo;
+            if (operation.ends_with(kFieldsRgba16)) return isOfOne ? kLimitOne16 : kLimitInTurn16;
+            return isOfOne ? kLimitOne : kLimitInTurn;
+        }
         if (operation == "invert" || operation == "copy" || operation == kSwap) return kLimitOne;
         if (IsFilter(operation) || operation.ends_with(kMicroseconds)) return "";
-        if (IsConversion(operation)) return ""; // bytes in and out differ from those of the loops
+        if (operation.starts_with("correct,")) return kLimitOne;
+        if (operation.starts_with("correct")) return ""; // no loop of so many bytes
+        if (IsConversion(operation)) return "";          // bytes in and out differ from those of the loops
         if (operation.ends_with("16 bits")) return kLimitTwo16;
         return operation.ends_with(kInPlace) ? kLimitInPlace : kLimitTwo;
     }

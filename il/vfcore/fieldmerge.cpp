@@ -3,7 +3,7 @@
 
 #include "il/loops/field/fieldrows.h"
 
-#include "il/rows/field/mergerows.h"
+#include "il/rows/field/weaverows.h"
 
 using namespace vfil;
 
@@ -41,7 +41,7 @@ void MergeFields(const vfILProcessor& processor, const vfILFieldRun& run, bool u
     const RegionRows output(run.output);
     const long last = run.processBox.GetSizeY() - 1;
     const auto samples = [&](long row) { return reinterpret_cast<const Sample*>(input[row]); };
-    ForEachFieldRow(processor, run, [&](long row) {
+    ForEachFieldRow(processor, run, [&](long row, long) {
         input.Hold(row);
         const long below = row > 0 ? row - 1 : std::min(1L, last);
         const long above = row < last ? row + 1 : std::max(last - 1, 0L);

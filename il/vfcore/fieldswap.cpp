@@ -3,6 +3,8 @@
 
 #include "il/loops/field/fieldrows.h"
 
+#include "il/rows/field/weaverows.h"
+
 #include <algorithm>
 
 using namespace vfil;
@@ -59,11 +61,12 @@ vfILStatus vfILFieldSwap::DoEffect()
     HeldRows input(Run());
     const RegionRows output(Run().output);
     const long height = Run().processBox.GetSizeY();
-    const bool vectors = m_simdAvailable != 0;
-    ForEachFieldRow(*this, Run(), [&](long row) {
+    const WeaveRow weave = FindWeaveRow(m_simdAvailable != 0, Run().streaming);
+    const auto source = [&](long row) { return SourceRow(row, height, m_swapLines != 0); };
+    ForEachFieldRow(*this, Run(), [&](long row, long next) {
         input.Hold(row);
-        MoveRow(vectors, input[SourceRow(row, height, m_swapLines != 0)], output[row], Run().rowBytes,
-                Run().streaming);
+        const unsigned char* const from = input[source(row)];
+        if (from != output[row]) weave(from, input[source(next)], output[row], Run().rowBytes);
     });
     return VFIL_SUCCESS;
 }

@@ -3,6 +3,8 @@
 
 #include "il/loops/field/fieldrows.h"
 
+#include "il/rows/field/weaverows.h"
+
 using namespace vfil;
 
 const wchar_t* const vfILInterlace::m_ClassName = L"vfILInterlace";
@@ -55,11 +57,11 @@ vfILStatus vfILInterlace::DoEffect()
 {
     const RegionRows inputs[2] = {RegionRows(Run().a), RegionRows(Run().b)};
     const RegionRows output(Run().output);
-    const bool vectors = m_simdAvailable != 0;
-    ForEachFieldRow(*this, Run(), [&](long row) {
-        const unsigned char* const from = inputs[(Run().validBox.GetOffsetY() + row) & 1][row];
-        unsigned char* const to = output[row];
-        if (from != to) MoveRow(vectors, from, to, Run().rowBytes, Run().streaming);
+    const WeaveRow weave = FindWeaveRow(m_simdAvailable != 0, Run().streaming);
+    const auto rowFrom = [&](long row) { return inputs[(Run().validBox.GetOffsetY() + row) & 1][row]; };
+    ForEachFieldRow(*this, Run(), [&](long row, long next) {
+        const unsigned char* const from = rowFrom(row);
+        if (from != output[row]) weave(from, rowFrom(next), output[row], Run().rowBytes);
     });
     return VFIL_SUCCESS;
 }

@@ -108,7 +108,7 @@ TEST(FieldRows, AreThoseOfTheModel)
 {
     std::mt19937 random(12);
     for (const FormatCase& format : kFormats)
-        for (int round = 0; round < (IsTaken(format) ? 400 : 0); ++round) {
+        for (int round = 0; round < (IsTaken(format) ? 240 : 0); ++round) {
             const int op = round % kOps;
             const long width = round % 9 == 0 ? 300 : RandomIn(random, 1, 5);
             Scene scene(random, format.id, width, RandomIn(random, 1, 7));

@@ -9,7 +9,7 @@
 
 #include <vfil/fields.h>
 
-#include <cstddef>
+#include <algorithm>
 
 namespace vfil {
 
@@ -21,34 +21,42 @@ inline bool IsFieldFormat(const vfILFormatInfo& format)
            format.id == PXFormat_Mono16;
 }
 
-/// True when the mode's field bits allow the row.
-inline bool IsRowSelected(unsigned long mode, long y)
-{
-    return SelectField(mode, y, 1).count != 0;
-}
-
-/// The rows of a region, 0 being the lowest.
+/// The rows of a region, 0 being the lowest. In every row order those of a field are equally far apart.
 class RegionRows {
 public:
-    explicit RegionRows(const vfILFieldRows& rows) : m_picture(rows.picture), m_x(rows.x), m_y(rows.y) {}
-    unsigned char* operator[](long row) const { return m_picture.Pixel(m_x, m_picture.MemoryRow(m_y + row)); }
+    explicit RegionRows(const vfILFieldRows& rows) : m_pixels(rows.picture.pixels), m_y(rows.y)
+    {
+        const ImageView picture(rows.picture);
+        const std::ptrdiff_t rowBytes = picture.RowBytes();
+        const std::ptrdiff_t xBytes = std::ptrdiff_t{rows.x} * picture.RowPixelBytes();
+        m_even = picture.MemoryRow(0) * rowBytes + xBytes;
+        m_odd = picture.MemoryRow(1) * rowBytes + xBytes;
+        m_step = (picture.MemoryRow(2) - picture.MemoryRow(0)) * rowBytes;
+    }
+    unsigned char* operator[](long row) const
+    {
+        const long y = m_y + row;
+        return m_pixels + ((y & 1) == 0 ? m_even : m_odd) + (y >> 1) * m_step;
+    }
 
 private:
-    ImageView m_picture;
-    long m_x, m_y;
+    unsigned char* m_pixels;
+    long m_y;
+    std::ptrdiff_t m_even, m_odd,
+        m_step; ///< bytes to the rows 0 and 1, and from a row to the next of its field
 };
 
-/// Calls treatRow(row) for the rows of the run that the mode allows, in the order that they have in memory.
-/// Stops quietly after a row when the interrupt is set.
+/// Calls treatRow(row, next) for the rows of the run that the mode allows, in the order that they have in
+/// memory; next is the one that follows, or the last. Stops quietly after a row when the interrupt is set.
 template <class TreatRow>
 void ForEachFieldRow(const vfILProcessor& processor, const vfILFieldRun& run, TreatRow treatRow)
 {
-    const long height = run.processBox.GetSizeY();
-    const unsigned long mode = processor.GetProcessingMode();
-    for (long i = 0; i < height; ++i) {
-        const long row = run.output.picture.format->topDown ? height - 1 - i : i;
-        if (!IsRowSelected(mode, run.output.y + row)) continue;
-        treatRow(row);
+    const RowSelection rows =
+        SelectField(processor.GetProcessingMode(), run.output.y, run.processBox.GetSizeY());
+    const bool down = run.output.picture.format->topDown;
+    const auto place = [&](long i) { return rows.skip + (down ? rows.count - 1 - i : i) * rows.step; };
+    for (long i = 0; i < rows.count; ++i) {
+        treatRow(place(i), place(std::min(i + 1, rows.count - 1)));
         if (processor.MustInterrupt() != 0) return;
     }
 }

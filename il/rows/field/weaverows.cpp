@@ -1,10 +1,17 @@
 /// \file
-/// The plain forms of the kernels that melt fields, and the table of their levels.
-#include "il/rows/field/mergerows.h"
+/// The plain forms of the kernels that make rows of rows, and the table of their levels.
+#include "il/rows/field/weaverows.h"
+
+#include <cstring>
 
 namespace vfil {
 
 namespace {
+
+void PlainWeave(const unsigned char* in, const unsigned char*, unsigned char* out, std::size_t bytes)
+{
+    if (bytes != 0) std::memcpy(out, in, bytes);
+}
 
 template <class Sample>
 void PlainMerge(const Sample* below, const Sample* middle, const Sample* above, Sample* out,
@@ -16,22 +23,28 @@ void PlainMerge(const Sample* below, const Sample* middle, const Sample* above, 
     }
 }
 
-const MergeRows& Rows(bool useVectors)
+const WeaveRows& Rows(bool useVectors)
 {
-    return MergeRowsAt(useVectors ? BestLevel() : Level::Plain);
+    return WeaveRowsAt(useVectors ? BestLevel() : Level::Plain);
 }
 
 } // namespace
 
-const MergeRows& MergeRowsAt(Level level)
+const WeaveRows& WeaveRowsAt(Level level)
 {
-    static const LevelTables<MergeRows> tables(
+    static const LevelTables<WeaveRows> tables(
         {
+            .weave = {PlainWeave, PlainWeave},
             .merge8 = {PlainMerge<std::uint8_t>, PlainMerge<std::uint8_t>},
             .merge16 = {PlainMerge<std::uint16_t>, PlainMerge<std::uint16_t>},
         },
         VFIL_FILLS);
     return tables.At(level);
+}
+
+WeaveRow FindWeaveRow(bool useVectors, bool streaming)
+{
+    return Rows(useVectors).weave[streaming];
 }
 
 template <>

@@ -17,7 +17,7 @@ namespace vfil::catalogue {
 
 namespace {
 
-constexpr double kMostDegrees = 1e6;
+constexpr double kMostDegrees = 36000;
 constexpr double kMostPercent = 10000;
 
 // Holds the tables that the class reads.
@@ -202,7 +202,7 @@ Entry ColorGrade()
     using P = Grade;
     Entry entry = EntryOf<P>("vfILColorGradeImg", "treat", "paint a ramp of colours");
     entry.formats = {PXFormat_RGBA32, PXFormat_RGBA64, PXFormat_Mono8, PXFormat_Mono16};
-    constexpr double kMost = 1e6;
+    constexpr double kMost = 999999;
     const Value black{0, 0, 0, 1};
     Parameter type = ChoiceParameter<&P::SetType, &P::GetType>(
         VFIL_RAMP_LINEAR, "how it runs",

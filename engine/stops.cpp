@@ -26,7 +26,7 @@ void AddStop(const Parameter& parameter, const std::string& word, Stops& stops)
     const std::size_t colon = word.find(':');
     const auto weight = ParseIntegers(std::string_view(word).substr(0, colon), ',', 1);
     if (colon == std::string::npos || !weight) refuse("is no stop " + right);
-    if (weight->front() < 0 || weight->front() > kLastWeight) refuse("lies out of range: it takes " + right);
+    if (weight->front() < 0 || weight->front() > kLastWeight) refuse("is out of range: it takes " + right);
     const auto colour = ParseColour(std::string_view(word).substr(colon + 1));
     if (!colour) refuse("has no colour, which is R,G,B or R,G,B,A of 0 .. 1, or #rrggbb");
     if (std::any_of(colour->begin(), colour->end(), [](double c) { return c < 0 || c > 1; }))

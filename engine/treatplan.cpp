@@ -34,7 +34,8 @@ void TakeColourModel(StepPlan& planned, const Signal& first)
                                    [model](const auto& one) { return one.first == model; });
     if (model == nullptr || given) return;
     const bool is601 = InfoOf(first.home).model == PXColorModel_YCC;
-    parameters.emplace_back(model, catalogue::Value{static_cast<double>(is601 ? PXColorModel_YCC : PXColorModel_YCC709)});
+    parameters.emplace_back(
+        model, catalogue::Value{static_cast<double>(is601 ? PXColorModel_YCC : PXColorModel_YCC709)});
 }
 
 void PlanLegality(JobPlan& plan, const StepPlan& planned, const Signal& input)

@@ -138,6 +138,13 @@ inline constexpr char kVideoDifferenceSpill[] = "key 4:2:2, difference and spill
 inline constexpr char kVideoDifferenceMatte[] = "key 4:2:2, difference, matte";
 inline constexpr char kVideoLuma[] = "key 4:2:2, luma";
 
+// Colour correction, and what it goes by.
+inline constexpr char kCorrect[] = "correct";
+inline constexpr char kCorrect16[] = "correct 16 bits";
+inline constexpr char kCorrect422[] = "correct 4:2:2";
+inline constexpr char kByMatrix[] = ", matrix";
+inline constexpr char kByTables[] = ", matrix and channel tables";
+
 /// The ending of operations that write over the back, as pixman does.
 inline constexpr char kInPlace[] = ", in place";
 /// The ending of operations that are no work on pixels.

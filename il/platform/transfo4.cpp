@@ -3,7 +3,6 @@
 
 #include <vfil/transfo4.h>
 
-#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -94,11 +93,6 @@ void Complete(Point (&rows)[3])
 HmTransfo4::HmTransfo4()
 {
     ResetToIdentity();
-}
-
-HmTransfo4::HmTransfo4(const double* rowMajor)
-{
-    std::copy_n(rowMajor, 16, GetMatrixPtr());
 }
 
 HmTransfo4& HmTransfo4::ResetToIdentity()

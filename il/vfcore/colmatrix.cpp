@@ -3,6 +3,7 @@
 /// unit vectors.
 
 #include <vfil/color.h>
+#include <vfil/treat.h>
 
 namespace {
 
@@ -115,3 +116,8 @@ constinit const vfILColorMatrix s_dfArrayYCCA601toYCCA709 = k601To709;
 constinit const vfILColorMatrix s_dfArrayYCCA709toYCCA601 = k709To601;
 constinit const vfILColorMatrix s_dfArrayYCCA601OffsettoYCCA709Offset = kStudio601To709;
 constinit const vfILColorMatrix s_dfArrayYCCA709OffsettoYCCA601Offset = kStudio709To601;
+
+constinit const HmTransfo4 s_HmTransfoRGB2YCC(kRgbTo601.data());
+constinit const HmTransfo4 s_HmTransfoYCC2RGB(k601ToRgb.data());
+constinit const HmTransfo4 s_HmTransfoRGB2YCC709(kRgbTo709.data());
+constinit const HmTransfo4 s_HmTransfoYCC7092RGB(k709ToRgb.data());

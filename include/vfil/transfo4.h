@@ -26,7 +26,11 @@ public:
     /// The identity.
     HmTransfo4();
     /// \param rowMajor 16 numbers, row after row.
-    explicit HmTransfo4(const double* rowMajor);
+    constexpr explicit HmTransfo4(const double* rowMajor)
+    {
+        for (int i = 0; i < 16; ++i)
+            m_elements[i] = rowMajor[i];
+    }
     HmTransfo4(const HmTransfo4& other) = default;
     HmTransfo4& operator=(const HmTransfo4& other) = default;
 

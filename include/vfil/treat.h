@@ -5,13 +5,25 @@
 #include <vfil/frame.h>
 #include <vfil/transfo4.h>
 
+// The colour-space matrices without offsets, of vfILColor, as the steps of a transform.
+
+extern VFIL_API const HmTransfo4 s_HmTransfoRGB2YCC;    ///< s_dfArrayRGBAtoYCCA
+extern VFIL_API const HmTransfo4 s_HmTransfoYCC2RGB;    ///< s_dfArrayYCCAtoRGBA
+extern VFIL_API const HmTransfo4 s_HmTransfoRGB2YCC709; ///< s_dfArrayRGBAtoYCCA709
+extern VFIL_API const HmTransfo4 s_HmTransfoYCC7092RGB; ///< s_dfArrayYCCA709toRGBA
+
 /// Hue, saturation, gain and offset in one matrix, and tables behind it. RGBA of 8 and 16 bits, and 8-bit
 /// 4:2:2 pictures in their own format, with the alpha plane.
 ///
 /// A pixel meets: the way to luma and chroma, the turn of chroma by Hue, Saturation on chroma, Gain on all
-/// three, Offset on luma alone, and the way back. Selected alpha becomes alpha * gain + offset.
+/// three, Offset on luma alone, and the way back. Selected alpha becomes alpha * gain + offset. Between the
+/// ways there and back luma and chroma have full range, and chroma is centred on 0. The defaults change
+/// nothing.
 ///
-/// Integers of eight fractional bits throughout: an element of the matrix is rounded to 1/256.
+/// Elements of the matrix are rounded to 256ths, and so is nothing else: sums lose their fraction. In 4:2:2
+/// the left luma of a pair stands for the pair where chroma asks for one, and a last pixel without Cr is
+/// taken with 128. There the 128 of studio range is -0.5 on the full one: a saturation of 200 makes a neutral
+/// 128 a 127.
 class VFIL_API vfILColorCorrectionImg : public vfILMonadicPixelProc {
 public:
     vfILColorCorrectionImg() = default;
@@ -19,7 +31,8 @@ public:
     vfILColorCorrectionImg& operator=(const vfILColorCorrectionImg& other) = default;
     ~vfILColorCorrectionImg() override;
     /// Adds 0x1000D (a format that is none of RGBA32, RGBA64, 4:2:2 and 4:2:2 with alpha), 0x1006A (a colour
-    /// model other than 64 and 512 with RGBA). Numbers are not checked.
+    /// model other than 64 and 512 with RGBA). Numbers are not checked: what a picture cannot show is
+    /// limited, and NaN counts as 0 in an element of the matrix.
     vfILStatus Verify() override;
 
     double GetHue() const;
@@ -29,23 +42,29 @@ public:
     /// \param saturation Per cent; 0 is grey, below 0 swaps chroma around its centre. Default 100.
     void SetSaturation(double saturation);
     double GetGain() const;
-    /// \param gain Per cent of luma and chroma. Default 100.
+    /// \param gain Per cent of luma and chroma, and of alpha where it is selected. Default 100.
     void SetGain(double gain);
     double GetOffset() const;
-    /// \param offset Per cent of full scale, added to luma. Default 0.
+    /// \param offset Per cent of full scale, added to luma, and to alpha where it is selected. Default 0.
     void SetOffset(double offset);
     /// \param lut 256 entries of four signed 16-bit numbers: what is added to luma, Cb, Cr and alpha where
-    ///            corrected luma is the index (its upper byte at 16 bits, where the numbers count 257 fold).
-    ///            Not owned; must outlive the run. Null, the default, for none.
+    ///            corrected luma, limited to a byte, is the index (its upper byte at 16 bits, where the
+    ///            numbers count 257 fold). An alpha plane takes none of it. The way back, which then comes
+    ///            after it, starts from values without fraction: even a table of zeros may cost 5 codes. Read
+    ///            by each run; not owned; must outlive the run. Null, the default, for none.
     void SetLut(void* lut);
     void* GetLut() const;
-    /// \param lut Four tables of 256 bytes, of red, green, blue and alpha, which the result goes through. Not
-    ///            owned; must outlive the run. Null, the default, for none.
+    /// \param lut Four tables of 256 bytes, of red, green, blue and alpha, which the result goes through (its
+    ///            upper byte at 16 bits, where the table's byte fills both). A 4:2:2 picture becomes RGB for
+    ///            it, and 4:2:2 again by 256ths of the studio-range matrix, whose rows for chroma sum to -1
+    ///            in BT.709: white has a Cb of 127. Read by each run; not owned; must outlive the run. Null,
+    ///            the default, for none.
     void SetRGBALut(void* lut);
     void* GetRGBALut() const;
     PXColorModel GetColorModel() const;
-    /// \param model PXColorModel_YCC (64, the default) for BT.601, 512 for BT.709; 0 takes it from a 4:2:2
-    ///              format. It is stronger than the format.
+    /// \param model PXColorModel_YCC (64, the default) for BT.601, any other for BT.709; 0 takes it from a
+    ///              4:2:2 format. It is stronger than the format: a BT.709 picture is treated by BT.601
+    ///              unless 0 or 512 is set.
     void SetColorModel(PXColorModel model);
 
 protected:
@@ -53,6 +72,9 @@ protected:
     vfILStatus DoEffect() override;
 
 private:
+    void StartFrom(const HmTransfo4& tail);
+    void Adjust(double gain, double offset);
+
     double m_hue = 0;
     double m_saturation = 100;
     double m_gain = 100;
@@ -60,6 +82,9 @@ private:
     void* m_lut = nullptr;
     void* m_rgbaLut = nullptr;
     PXColorModel m_colorModel = PXColorModel_YCC;
+    HmTransfo4 m_transfo;    ///< of a run
+    HmTransfo4 m_transfoLut; ///< of a run: what follows the increments
+    bool m_is601 = true;     ///< of a run
     static const wchar_t* const m_ClassName;
     const wchar_t* GetClassNameW() const;
 };

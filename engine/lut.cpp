@@ -60,9 +60,14 @@ private:
     std::vector<std::string> m_words;
 };
 
+std::string Count(std::size_t count, const std::string& what)
+{
+    return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
+}
+
 std::string RowsText(std::size_t count)
 {
-    return std::to_string(count) + (count == 1 ? " row" : " rows");
+    return Count(count, "row");
 }
 
 double Number(const Parameter& parameter, const Lines& lines, const std::string& word)
@@ -97,12 +102,12 @@ void ReadRows(const Parameter& parameter, Lines& lines, Table& table)
         const std::size_t count = words.size();
         const bool fewer = parameter.lut.fewer && (count == 1 || count == kColours);
         if (count != kColumns && !fewer)
-            lines.Refuse("a row of " + std::to_string(count) + (count == 1 ? " number" : " numbers") +
-                         "; it takes " + counts);
+            lines.Refuse("a row of " + Count(count, "number") + "; it takes " + counts);
         if (columns == 0) columns = count;
-        if (count != columns)
-            lines.Refuse("a row of " + std::to_string(count) + " numbers; the first one has " +
+        if (count != columns) {
+            lines.Refuse("a row of " + Count(count, "number") + "; the first one has " +
                          std::to_string(columns));
+        }
         std::vector<double> row;
         for (const std::string& word : words)
             row.push_back(Number(parameter, lines, word));

@@ -96,6 +96,11 @@ constexpr const char* RowsName(bool streaming)
 inline constexpr char kLimitTwo[] = "limit: read two, write one";
 inline constexpr char kLimitInPlace[] = "limit: read two, write over one";
 inline constexpr char kLimitOne[] = "limit: read one, write one";
+inline constexpr char kLimitOneVideo[] = "limit: read one, write one, 4:2:2";
+inline constexpr char kLimitOne16[] = "limit: read one, write one, 16 bits";
+inline constexpr char kLimitInTurn[] = "limit: rows of two in turn";
+inline constexpr char kLimitInTurnVideo[] = "limit: rows of two in turn, 4:2:2";
+inline constexpr char kLimitInTurn16[] = "limit: rows of two in turn, 16 bits";
 inline constexpr char kLimitTwo16[] = "limit: read two, write one, 16 bits";
 
 // Conversions, by the names of the formats.
@@ -137,6 +142,14 @@ inline constexpr char kVideoDifference[] = "key 4:2:2, difference";
 inline constexpr char kVideoDifferenceSpill[] = "key 4:2:2, difference and spill";
 inline constexpr char kVideoDifferenceMatte[] = "key 4:2:2, difference, matte";
 inline constexpr char kVideoLuma[] = "key 4:2:2, luma";
+
+// Fields: each row of the result is read once, wherever it comes from.
+inline constexpr char kWeave[] = "weave, ";
+inline constexpr char kFieldSwap[] = "field swap, ";
+inline constexpr char kFieldMerge[] = "field merge, ";
+inline constexpr char kFields422[] = "4:2:2";
+inline constexpr char kFieldsRgba[] = "rgba";
+inline constexpr char kFieldsRgba16[] = "rgba 16 bits";
 
 // Colour correction, and what it goes by.
 inline constexpr char kCorrect[] = "correct";

@@ -37,7 +37,7 @@ inline void LookAhead(const std::uint8_t* a, const std::uint8_t* b)
 }
 
 /// Whom a loop reads and where it writes.
-enum class Rows { Two, One, InPlace };
+enum class Rows { Two, One, InTurn, InPlace };
 
 using Row = void (*)(const std::uint8_t* a, const std::uint8_t* b, std::uint8_t* out, std::size_t bytes);
 
@@ -94,8 +94,11 @@ void AddLoop(const char* operation, const std::string& who, Row row, std::size_t
         const std::uint8_t* front = (wide ? frame.front16 : frame.front)->Pixels();
         std::uint8_t* out =
             rows == Rows::InPlace ? frame.back->Pixels() : (wide ? frame.out16 : frame.out)->Pixels();
-        for (std::size_t at = 0; at < kHeight * rowBytes; at += rowBytes)
-            row(back + at, rows == Rows::One ? back + at : front + at, out + at, rowBytes);
+        for (std::size_t y = 0; y < kHeight; ++y) {
+            const std::size_t at = y * rowBytes;
+            const std::uint8_t* const a = rows == Rows::InTurn && y % 2 != 0 ? front : back;
+            row(a + at, rows == Rows::One || rows == Rows::InTurn ? a + at : front + at, out + at, rowBytes);
+        }
         _mm_sfence();
     });
 }
@@ -103,7 +106,7 @@ void AddLoop(const char* operation, const std::string& who, Row row, std::size_t
 template <Form form, Rows rows>
 void AddForm(const char* operation, const std::string& name, std::size_t rowBytes)
 {
-    constexpr bool two = rows != Rows::One;
+    constexpr bool two = rows == Rows::Two || rows == Rows::InPlace;
     AddLoop<rows>(operation, "128 bits" + name, Row128<form, two>, rowBytes);
     if (__builtin_cpu_supports("avx2"))
         AddLoop<rows>(operation, "256 bits" + name, Row256<form, two>, rowBytes);
@@ -125,6 +128,11 @@ void AddLimits()
     AddForms<Rows::Two>(kLimitTwo, kWidth * 4);
     AddForms<Rows::InPlace>(kLimitInPlace, kWidth * 4);
     AddForms<Rows::One>(kLimitOne, kWidth * 4);
+    AddForms<Rows::One>(kLimitOneVideo, kWidth * 2);
+    AddForms<Rows::One>(kLimitOne16, kWidth * 8);
+    AddForms<Rows::InTurn>(kLimitInTurnVideo, kWidth * 2);
+    AddForms<Rows::InTurn>(kLimitInTurn, kWidth * 4);
+    AddForms<Rows::InTurn>(kLimitInTurn16, kWidth * 8);
     AddForms<Rows::Two>(kLimitTwo16, kWidth * 8);
     Add("copy", "memcpy",
         [](const Frame& frame) { std::memcpy(frame.out->Pixels(), frame.back->Pixels(), kPixels * 4); });

@@ -124,6 +124,12 @@ private:
 
     static const char* LimitOf(const std::string& operation)
     {
+        const bool isOfOne = operation.starts_with(kFieldSwap) || operation.starts_with(kFieldMerge);
+        if (isOfOne || operation.starts_with(kWeave)) {
+            if (operation.ends_with(kFields422)) return isOfOne ? kLimitOneVideo : kLimitInTurnVideo;
+            if (operation.ends_with(kFieldsRgba16)) return isOfOne ? kLimitOne16 : kLimitInTurn16;
+            return isOfOne ? kLimitOne : kLimitInTurn;
+        }
         if (operation == "invert" || operation == "copy" || operation == kSwap) return kLimitOne;
         if (IsFilter(operation) || operation.ends_with(kMicroseconds)) return "";
         if (operation.starts_with("correct,")) return kLimitOne;

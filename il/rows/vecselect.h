@@ -40,6 +40,12 @@ inline Where32 Greater(S32 a, S32 b)
     return {_mm512_cmpgt_epi32_mask(a.bits, b.bits)};
 }
 
+/// A bit a byte, the first one lowest.
+inline std::uint64_t BitsOf(Where8 where)
+{
+    return where.bits;
+}
+
 inline U8 Select(Where8 where, U8 there, U8 elsewhere)
 {
     return {_mm512_mask_blend_epi8(where.bits, elsewhere.bits, there.bits)};
@@ -80,6 +86,12 @@ inline Where Greater(U16 a, U16 b)
 inline Where Greater(S32 a, S32 b)
 {
     return {VFIL_MM(cmpgt_epi32)(a.bits, b.bits)};
+}
+
+/// A bit a byte, the first one lowest.
+inline std::uint64_t BitsOf(Where where)
+{
+    return static_cast<std::uint32_t>(VFIL_MM(movemask_epi8)(where.bits));
 }
 
 template <class V>

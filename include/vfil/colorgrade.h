@@ -47,8 +47,8 @@ public:
     int DelColor(long weight);
     /// \return 1 when there is a stop of this weight; else 0
     int IsWeightOccupied(long weight) const;
-    /// \param x, y   Where the ramp begins, or the centre.
-    /// \param dx, dy Direction and length; of a radial ramp, the radius is the length. All 0 by default.
+    /// (x, y) is where the ramp begins, or its centre; (dx, dy) its direction and length, which is the radius
+    /// of a radial one. All 0 by default.
     void SetVector(long x, long y, long dx, long dy);
     /// A null pointer skips that one.
     void GetVector(long* x, long* y, long* dx, long* dy) const;

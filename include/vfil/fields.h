@@ -332,9 +332,8 @@ private:
 /// \return 0, or 0x80004005 (as a 32-bit number, which is negative) when anything fails
 VFIL_API long vfILInterlaceFields(IPXImage* a, IPXImage* b, IPXImage* out);
 
-/// Runs a vfILDeinterlace on whole pictures.
-/// \param compA, compB, minThreshold, maxThreshold Of use for VFIL_DEINTERLACE_ADAPTIVE alone.
-/// \return as vfILInterlaceFields
+/// Runs a vfILDeinterlace on whole pictures. Comparison pictures and thresholds are of use for
+/// VFIL_DEINTERLACE_ADAPTIVE alone. \return as vfILInterlaceFields
 VFIL_API long vfILDeinterlaceFields(IPXImage* in, IPXImage* outA, IPXImage* outB, vfILInterpolationType type,
                                     IPXImage* compA, IPXImage* compB, double minThreshold,
                                     double maxThreshold);

@@ -56,5 +56,5 @@ public:
                            HmPoint3<double>& translation) const;
 
 private:
-    double m_elements[16];
+    double m_elements[16]{};
 };

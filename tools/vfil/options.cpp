@@ -120,6 +120,10 @@ std::vector<Option> ParameterOptions(const Entry& entry)
     summaries[engine::kReportChromaSetting] =
         "by which chroma reports judge the right pixel of a pair: its own, as it is stored, or the mean with "
         "that of the next pair (default own)";
+    summaries[engine::kSameRateSetting] =
+        "of each frame of a clip make only the field that is first, so that the clip keeps its rate";
+    summaries[engine::kFieldOrderSetting] = "which field of the frames is the earlier one (default top); of "
+                                            "clips that are read: --in-field-order";
     summaries[engine::kCanvasSetting] =
         "size of the output in pixels, around the middle of the picture, or from 0,0 where the options say "
         "where the picture goes on it; same: that of the picture; fit: just large enough for all of it, for "
@@ -242,8 +246,8 @@ std::vector<Option> OutputOptions(const Entry& entry)
 
 std::string SourceOptionOf(const Entry& entry, const std::string& setting)
 {
-    const auto& own = entry.parameters;
-    const auto isSame = [&](const Parameter& parameter) { return parameter.name == setting; };
+    const auto own = engine::ParameterSettings(entry);
+    const auto isSame = [&](const engine::Setting& other) { return other.name == setting; };
     return (std::any_of(own.begin(), own.end(), isSame) ? "in-" : "") + setting;
 }
 

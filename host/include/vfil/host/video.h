@@ -95,6 +95,9 @@ public:
     /// The next frame; null behind the last. Its state 2 says whether it is premultiplied.
     /// \throws FileError  The clip is damaged or cut short, or its frames change their size.
     PicturePtr Read();
+    /// The next frame, as one before those that a clip made of them begins with: other streams are copied
+    /// from the first one on that Read gives. Otherwise as Read.
+    PicturePtr ReadBefore();
     /// Passes over one frame without converting it. False behind the last. Throws as Read does.
     bool Skip();
 

@@ -4,6 +4,7 @@
 /// best peer and to the best limit loop. It is the time of the whole process: others at work on the machine
 /// stretch that least, nothing here waits, and the peer that hands its work to a thread (libvips) waits for
 /// it.
+#include "deinterlace.h"
 #include "filters.h"
 
 #include <vfil/host/picturefactory.h>
@@ -122,8 +123,10 @@ private:
         std::printf("\n");
     }
 
-    static const char* LimitOf(const std::string& operation)
+    static std::string LimitOf(const std::string& operation)
     {
+        if (operation.starts_with(kDeinterlace))
+            return kLimitSplit + operation.substr(operation.find(", ") + 2);
         const bool isOfOne = operation.starts_with(kFieldSwap) || operation.starts_with(kFieldMerge);
         if (isOfOne || operation.starts_with(kWeave)) {
             if (operation.ends_with(kFields422)) return isOfOne ? kLimitOneVideo : kLimitInTurnVideo;

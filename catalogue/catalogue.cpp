@@ -13,9 +13,9 @@ const std::vector<Entry>& Entries()
     static const std::vector<Entry> entries = [] {
         std::vector<Entry> all;
         for (const auto family :
-             {LayerEntries, PixelEntries, BlurEntries, EdgeEntries, RankEntries, MorphEntries, ConvertEntries,
-              FillkeyEntries, KeyerEntries, VideoKeyerEntries, TableKeyerEntries, FieldEntries,
-              TransformEntries, PanZoomEntries, CornerEntries, WarpEntries}) {
+             {LayerEntries, PixelEntries, TreatEntries, BlurEntries, EdgeEntries, RankEntries, MorphEntries,
+              ConvertEntries, FillkeyEntries, KeyerEntries, VideoKeyerEntries, TableKeyerEntries,
+              FieldEntries, TransformEntries, PanZoomEntries, CornerEntries, WarpEntries}) {
             std::vector<Entry> some = family();
             std::move(some.begin(), some.end(), std::back_inserter(all));
         }

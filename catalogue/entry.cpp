@@ -31,6 +31,11 @@ bool IsConverter(const Entry& entry)
     return !entry.conversions.empty() && entry.inputs.size() == 1 && entry.outputs.size() == 1;
 }
 
+bool IsGenerator(const Entry& entry)
+{
+    return entry.inputs.empty();
+}
+
 const char* TypeName(ParameterType type)
 {
     switch (type) {
@@ -62,6 +67,10 @@ const char* TypeName(ParameterType type)
         return "size";
     case ParameterType::Vectors:
         return "vectors";
+    case ParameterType::Stops:
+        return "stops";
+    case ParameterType::Lut:
+        return "lut";
     }
     return "";
 }

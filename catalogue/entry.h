@@ -28,6 +28,8 @@ enum class ParameterType {
     Numbers, ///< as many as the list has
     Size,    ///< width and height
     Vectors, ///< a vector for each pixel of the input, from a file
+    Stops,   ///< colours at weights of 0 .. kLastWeight
+    Lut,     ///< kCurvePoints rows of kLutColumns whole numbers, from a file
 };
 
 /// How the numbers of a list are given.
@@ -40,10 +42,12 @@ struct List {
     bool whole = false;
 };
 
-/// Numbers by rows, the top one first, an odd count of rows and of columns.
+/// Numbers by rows, the top one first; those of the pixels of a window have an odd count of rows and of
+/// columns.
 struct Table {
     std::vector<double> numbers;
     long columns = 0;
+    std::string path = {}; ///< of the file that it is from; empty for none
 
     long Rows() const { return columns == 0 ? 0 : static_cast<long>(numbers.size()) / columns; }
 
@@ -52,6 +56,17 @@ struct Table {
 
 /// The numbers of a curve, in a table of one row.
 inline constexpr long kCurvePoints = 256;
+
+/// Stops are a table of rows of weight, red, green, blue and alpha, by ascending weight.
+inline constexpr long kStopColumns = 5;
+inline constexpr long kLastWeight = 99;
+
+/// What the file of a Lut may be. The value has four columns in any case.
+struct LutForm {
+    bool fewer = false; ///< a column may stand for red, green and blue, or three for these; alpha stays
+    bool cube = false;  ///< a 1D table of red, green and blue of 0 .. 1, of any length (.cube)
+};
+inline constexpr long kLutColumns = 4;
 
 /// Vectors in pixels, y up, a pair for each pixel in rows from the lowest.
 struct VectorField {
@@ -96,6 +111,7 @@ enum class ParameterRole {
     ChromaFilter,      ///< of a conversion that halves or doubles chroma
     Dither,            ///< of a conversion
     KeyColour,         ///< the colour that a key removes from its first input
+    ColourModel,       ///< the weights of luma; where nobody says, those of the first input
 };
 
 /// A parameter of a processor.
@@ -114,7 +130,8 @@ struct Parameter {
     Value (*read)(const vfILProcessor& processor);
     bool required = false; ///< the processor does not run without it
     ParameterRole role = ParameterRole::None;
-    List list = {}; ///< of Numbers
+    List list = {};   ///< of Numbers
+    LutForm lut = {}; ///< of a Lut
 };
 
 /// What a mask picture does to a processor.
@@ -171,10 +188,10 @@ struct Entry {
     const char* className = "";
     const char* family = ""; ///< "layer", "pixel", "filter", "edge", "rank", "morphology", "convert" ...
     const char* summary = "";
-    std::vector<Input> inputs = {};
+    std::vector<Input> inputs = {}; ///< none for what makes a picture of a given size
     std::vector<Output> outputs = {};
     std::vector<GUID> formats = {}; ///< of the inputs; all have the same one, and the output too, unless
-                                    ///< there are conversions
+                                    ///< there are conversions; of the output where there are no inputs
     std::vector<FormatPair> conversions = {}; ///< the formats that each input and each output may have
     std::vector<Parameter> parameters = {};
     std::vector<JointRefusal> joint = {};
@@ -190,12 +207,16 @@ struct Entry {
     bool places = false;     ///< moves its input over a canvas of any size: the operator has a Placement, and
                              ///< region and offset of the output are not the user's
     bool copies = false;     ///< its result is its input, pixel by pixel
+    bool legality = false;   ///< makes 4:2:2 video legal: it works on the samples of a clip as they are, and
+                             ///< what it takes and makes can be judged
     int spatialReach = 0;    ///< input pixels that an output pixel depends on, in each direction, or
                              ///< kWholePicture
     int radiusReach = 0;     ///< how many times its radius, or half its kernel, it depends on beside these
     int temporalReach = 0;   ///< frames, before and after
     bool bands = true;       ///< rows may be processed in bands, in any order
     std::unique_ptr<Operator> (*make)(bool simd) = nullptr;
+    /// What is wrong with parameters that Verify takes, if anything; null when nothing can be.
+    std::optional<Objection> (*object)(const vfILProcessor& processor) = nullptr;
     const char* note = "";  ///< what may surprise in its results
     std::string alias = {}; ///< the name by rule, when `name` is a more telling one
 };
@@ -209,8 +230,11 @@ bool Takes(const Entry& entry, const GUID& from, const GUID& to);
 /// Whether the processor makes nothing but another format of a picture.
 bool IsConverter(const Entry& entry);
 
+/// Whether the processor makes a picture of nothing.
+bool IsGenerator(const Entry& entry);
+
 /// The type in words: "number", "integer", "choice", "set", "flag", "point", "pair", "colour", "table",
-/// "curve", "box", "numbers", "size", "vectors".
+/// "curve", "box", "numbers", "size", "vectors", "stops", "lut".
 const char* TypeName(ParameterType type);
 
 } // namespace vfil::catalogue

@@ -42,6 +42,9 @@ std::vector<Entry> VideoKeyerEntries();
 /// The entries of what works on the fields of video.
 std::vector<Entry> FieldEntries();
 
+/// The entries of what treats colour: correction, ramps, broadcast legality.
+std::vector<Entry> TreatEntries();
+
 /// The entries of turns, scales and shifts.
 std::vector<Entry> TransformEntries();
 

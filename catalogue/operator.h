@@ -29,7 +29,8 @@ public:
     virtual Placement* Placing() = 0;
     /// \param index 0 is the first input, A of two. Connecting A also makes it dominant, or B of a class that
     ///              is DominatedByB.
-    /// \param image Not owned; must outlive the run. Null for an optional input that is missing.
+    /// \param image Not owned; must outlive the run. Null for an optional input that is missing. Nothing
+    ///              happens to a class without inputs.
     virtual void SetInput(std::size_t index, IPXImage* image) = 0;
     /// \param index 0 is the first output, A of two.
     /// \param image Not owned; must outlive the run. Null for an optional output that is not wanted.
@@ -71,10 +72,8 @@ public:
     {
         if constexpr (requires(P p) { p.SetInputImg(image); })
             m_processor.SetInputImg(image);
-        else if (index == 0)
-            m_processor.SetInputImgA(image);
-        else
-            m_processor.SetInputImgB(image);
+        else if constexpr (requires(P p) { p.SetInputImgA(image); })
+            index == 0 ? m_processor.SetInputImgA(image) : m_processor.SetInputImgB(image);
         if constexpr (std::derived_from<P, vfILDyadicImgProc>)
             if (index == DominantIndex()) m_processor.SetDominantInput(image);
     }

@@ -244,4 +244,35 @@ Parameter ChoiceParameter(double fallback, const char* summary, std::vector<Choi
     return parameter;
 }
 
+/// The weights of luma, by default those of the first input.
+template <auto kSet, auto kGet>
+Parameter ColorModelParameter(const char* summary)
+{
+    Parameter parameter = ChoiceParameter<kSet, kGet>(
+        0, summary, {{"601", PXColorModel_YCC, "BT.601"}, {"709", PXColorModel_YCC709, "BT.709"}}, 0x1006A);
+    parameter.fallback.reset();
+    parameter.role = ParameterRole::ColourModel;
+    return parameter;
+}
+
+/// Colours at weights; an empty table stands for none.
+template <auto kSet, auto kGet>
+Parameter StopsParameter(const char* summary)
+{
+    Parameter parameter = UnitParameter<kSet, kGet>(ParameterType::Stops, Value{}, summary, 0);
+    parameter.fallback.reset();
+    return parameter;
+}
+
+/// A table from a file; an empty one stands for none.
+template <auto kSet, auto kGet>
+Parameter LutParameter(const LutForm& form, double minimum, double maximum, const char* summary)
+{
+    Parameter parameter = UnitParameter<kSet, kGet>(ParameterType::Lut, Value{}, summary, 0);
+    parameter.minimum = minimum;
+    parameter.maximum = maximum;
+    parameter.lut = form;
+    return parameter;
+}
+
 } // namespace vfil::catalogue

@@ -17,7 +17,7 @@ struct Extent {
     double top;
 };
 
-/// Parameters that no picture can be placed by.
+/// A parameter that makes no sense, by itself or beside the others.
 struct Objection {
     std::string parameter;
     std::string text; ///< what is wrong with it

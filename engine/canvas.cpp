@@ -80,15 +80,6 @@ void PlanFilled(StepPlan& planned, const Placement& placement, const Signal& inp
     if (enlarges) planned.padding = kNeighbours;
 }
 
-// The processor with the parameters of a step.
-std::unique_ptr<catalogue::Operator> Prepared(const Step& step)
-{
-    auto op = step.entry->make(true);
-    for (const auto& [parameter, value] : step.parameters)
-        parameter->apply(op->Processor(), value);
-    return op;
-}
-
 vfILBbox2l CanvasOf(const CanvasSize& wanted, const Placement& placement, const Signal& input)
 {
     const vfILBbox2l same(0, 0, input.width, input.height);
@@ -107,6 +98,14 @@ vfILBbox2l CanvasOf(const CanvasSize& wanted, const Placement& placement, const 
 }
 
 } // namespace
+
+std::unique_ptr<catalogue::Operator> Prepared(const Step& step)
+{
+    auto op = step.entry->make(true);
+    for (const auto& [parameter, value] : step.parameters)
+        parameter->apply(op->Processor(), value);
+    return op;
+}
 
 void PlanCanvas(StepPlan& planned, const Signal& input)
 {

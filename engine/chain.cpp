@@ -171,6 +171,7 @@ void Chain::ReadStep(const toml::table& table)
 std::vector<std::string> Chain::StepInputs(const Entry& entry, const toml::table& table) const
 {
     const toml::node* const node = table.get("inputs");
+    if (!node && catalogue::IsGenerator(entry)) return {};
     if (!node) m_file.Refuse(table, entry.name + " has no inputs");
     std::vector<std::string> names;
     if (const toml::table* roles = node->as_table()) {

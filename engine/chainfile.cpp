@@ -79,6 +79,13 @@ std::optional<std::vector<std::string>> Assignments(const toml::table& table)
     return texts;
 }
 
+// What stands between the parts of a value.
+const char* SeparatorOf(const Setting& setting)
+{
+    if (setting.form == kStopsForm) return " ";
+    return setting.form.starts_with(kSizeForm) ? "x" : ",";
+}
+
 } // namespace
 
 ChainFile::ChainFile(std::string path) : m_path(std::move(path))
@@ -139,7 +146,7 @@ std::vector<std::string> ChainFile::TextsOf(const toml::node& node, const Settin
     if (const auto rows = setting.form == kTableForm ? Rows(node) : std::nullopt) return {*rows};
     std::optional<std::vector<std::string>> texts;
     if (const toml::array* array = node.as_array()) texts = Scalars(*array);
-    if (texts && !setting.repeats) return {Join(*texts, setting.form.starts_with(kSizeForm) ? "x" : ",")};
+    if (texts && !setting.repeats) return {Join(*texts, SeparatorOf(setting))};
     if (const toml::table* table = node.as_table(); table && setting.repeats) texts = Assignments(*table);
     if (texts) return *texts;
     const std::string right = setting.form.empty() ? "true or false" : setting.form;

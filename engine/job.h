@@ -72,7 +72,9 @@ struct Step {
     bool usualChannels = true;   ///< nobody chose those in the mode
     bool fieldsTogether = false; ///< frames of two fields are taken as they are
     vfILColor defaultColor{0, 0, 0, 0};
-    std::optional<GUID> to; ///< format of the results, for an operator with conversions
+    std::optional<GUID> to;  ///< format of the results, for an operator with conversions or without inputs
+    std::string report;      ///< the file that tells how legal its frames are; empty for none
+    bool meanChroma = false; ///< right pixels are judged there by the mean with the next pair's chroma
     std::string where;
 };
 

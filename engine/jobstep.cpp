@@ -174,6 +174,22 @@ std::optional<ColourPlace> KeyColour(const Entry& entry, const Values& values)
     return ColourPlace{parameter, (*n)[0], (*n)[1], (*n)[2]};
 }
 
+vfILVector2l GivenSize(const Values& values)
+{
+    const auto size = Size(values, kCanvasSetting);
+    if (!size) throw RequestError("needs " + Named(kCanvasSetting) + " WxH, the size of what it makes");
+    return *size;
+}
+
+void TakeReport(const Values& values, Step& step)
+{
+    step.report = values.Get(kReportSetting).value_or("");
+    if (values.Has(kReportSetting) && step.report.empty())
+        RefuseValue(Named(kReportSetting), "", "the name of a file");
+    step.meanChroma =
+        OneOf<bool>(values, Named(kReportChromaSetting), {{"own", false}, {"mean", true}}).value_or(false);
+}
+
 } // namespace
 
 Step MakeStep(const Entry& entry, const Values& values)
@@ -196,6 +212,11 @@ Step MakeStep(const Entry& entry, const Values& values)
     step.usualChannels = !values.Has("channels");
     step.defaultColor = DefaultColor(values);
     if (!entry.conversions.empty()) step.to = Format(values, "to");
+    if (catalogue::IsGenerator(entry)) {
+        step.canvas = {CanvasSize::Kind::Given, GivenSize(values)};
+        step.to = Format(values, kFormatSetting);
+    }
+    if (entry.legality) TakeReport(values, step);
     return step;
 }
 

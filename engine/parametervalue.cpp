@@ -3,6 +3,8 @@
 #include "engine/parametervalue.h"
 #include "engine/curve.h"
 #include "engine/failure.h"
+#include "engine/lut.h"
+#include "engine/stops.h"
 #include "engine/text.h"
 #include "engine/values.h"
 #include "engine/words.h"
@@ -236,6 +238,10 @@ std::optional<Value> ParameterValue(const Parameter& parameter, const Values& va
         return SizeValue(parameter, values);
     case ParameterType::Vectors:
         return VectorsValue(*text);
+    case ParameterType::Stops:
+        return Value{.table = ParseStops(parameter, *text)};
+    case ParameterType::Lut:
+        return Value{.table = ReadLut(parameter, *text)};
     case ParameterType::Number:
     case ParameterType::Integer:
     case ParameterType::Table:

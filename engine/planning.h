@@ -3,6 +3,7 @@
 #pragma once
 
 #include "engine/jobplan.h"
+#include "engine/message.h"
 
 namespace vfil::engine {
 
@@ -16,6 +17,8 @@ bool IsDeep(const GUID& format);
 void PlanSource(JobPlan& plan, Source source);
 /// Checks a step whose inputs are planned, and adds its results.
 void PlanStep(JobPlan& plan, Step step);
+/// The same of a step without inputs.
+void PlanGenerator(JobPlan& plan, Step step);
 /// Checks a sink.
 void PlanSink(JobPlan& plan, Sink sink);
 
@@ -28,6 +31,21 @@ GUID WorkingFormat(const Step& step, const Signals& inputs);
 
 /// Bits of the mode that choose one field.
 inline constexpr unsigned long kFieldBits = VFIL_MODE_ODD_ROWS | VFIL_MODE_EVEN_ROWS;
+
+/// The processor of a step, with the parameters that are given.
+std::unique_ptr<catalogue::Operator> Prepared(const Step& step);
+/// Refuses an output that would be larger than pictures are.
+///
+/// \param settings What makes it so large.
+void CheckOutputSize(const GUID& format, const vfILVector2l& size, const Message& settings);
+/// Adds a signal for each result that is wanted.
+void AddResults(JobPlan& plan, StepPlan& planned, Signal result);
+
+/// Lets luma weigh as in the first input, where nobody says how; of pictures as BT.709, whose primaries they
+/// have.
+void TakeColourModel(StepPlan& planned, const Signal& first);
+/// Checks the file of a report on a step, and says when there is nothing to make legal.
+void PlanLegality(JobPlan& plan, const StepPlan& planned, const Signal& input);
 
 /// Chooses the output of a step that moves its input: its region lies on the plane of the result.
 ///

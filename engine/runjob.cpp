@@ -71,8 +71,9 @@ void Write(const std::vector<host::PicturePtr>& pictures, Outputs& outputs, Stop
 class FrameWorker final : public Worker {
 public:
     FrameWorker(const JobPlan& plan, KeyColours& colours, const Stage& pictures, Feed& feed, Outputs& outputs,
-                RunEvents& events)
-        : m_plan(plan), m_stage(plan, colours, &pictures), m_feed(feed), m_outputs(outputs), m_events(events)
+                RunEvents& events, Probe* probe)
+        : m_plan(plan), m_stage(plan, colours, &pictures, probe), m_feed(feed), m_outputs(outputs),
+          m_events(events), m_probe(probe)
     {}
 
     bool Take() override
@@ -93,6 +94,7 @@ public:
     void Deliver() override
     {
         Write(m_made, m_outputs, m_watch);
+        if (m_probe) m_stage.Tell(*m_probe);
         ++m_delivered;
         m_events.OnFrame();
     }
@@ -106,6 +108,7 @@ private:
     Feed& m_feed;
     Outputs& m_outputs;
     RunEvents& m_events;
+    Probe* m_probe;
     Stopwatch m_watch;
     long m_delivered = 0;
     std::vector<host::PicturePtr> m_frames;
@@ -125,12 +128,12 @@ void TakeColours(const JobPlan& plan, KeyColours& colours, const Stage& pictures
     const std::vector<host::PicturePtr> first = feed.Frames();
     if (first.empty()) return;
     Stopwatch unused;
-    Stage(plan, colours, &pictures).Run(first, unused);
+    Stage(plan, colours, &pictures, nullptr).Run(first, unused);
     feed.PutBack(first);
 }
 
 void RunFrames(const JobPlan& plan, KeyColours& colours, const Stage& pictures, Outputs& outputs,
-               RunEvents& events, RunResult& result)
+               RunEvents& events, Probe* probe, RunResult& result)
 {
     Feed feed(plan);
     TakeColours(plan, colours, pictures, feed);
@@ -139,7 +142,7 @@ void RunFrames(const JobPlan& plan, KeyColours& colours, const Stage& pictures, 
     std::vector<std::unique_ptr<Worker>> workers;
     std::vector<const FrameWorker*> frameWorkers;
     for (unsigned i = 0; i < WorkerCount(plan.settings); ++i) {
-        auto worker = std::make_unique<FrameWorker>(plan, colours, pictures, feed, outputs, events);
+        auto worker = std::make_unique<FrameWorker>(plan, colours, pictures, feed, outputs, events, probe);
         frameWorkers.push_back(worker.get());
         workers.push_back(std::move(worker));
     }
@@ -170,7 +173,7 @@ void Announce(const JobPlan& plan, RunEvents& events)
 
 } // namespace
 
-RunResult RunJob(const CheckedJob& job, RunEvents& events)
+RunResult RunJob(const CheckedJob& job, RunEvents& events, Probe* probe)
 {
     const JobPlan& plan = job.Plan();
     host::RegisterPictureClass();
@@ -181,11 +184,12 @@ RunResult RunJob(const CheckedJob& job, RunEvents& events)
     const std::vector<host::PicturePtr> sources = Feed(plan).Pictures();
     watch.Lap(Phase::Read);
     KeyColours colours(plan, events);
-    Stage pictures(plan, colours);
+    Stage pictures(plan, colours, probe);
     pictures.Run(sources, watch);
+    if (probe) pictures.Tell(*probe);
     Outputs outputs(plan, events);
     Write(SinkPictures(plan, pictures, watch), outputs, watch);
-    if (plan.clip) RunFrames(plan, colours, pictures, outputs, events, result);
+    if (plan.clip) RunFrames(plan, colours, pictures, outputs, events, probe, result);
     watch.Start();
     outputs.Finish();
     watch.Lap(Phase::Write);

@@ -58,6 +58,10 @@ std::string FormOf(const Parameter& parameter)
         return kSizeForm;
     case ParameterType::Vectors:
         return "FILE.flo";
+    case ParameterType::Stops:
+        return kStopsForm;
+    case ParameterType::Lut:
+        return "FILE";
     }
     return "";
 }
@@ -68,6 +72,12 @@ std::vector<std::string> AllFormatNames()
     for (std::size_t i = 0; const vfILFormatInfo* info = vfILFormatAt(i); ++i)
         names.push_back(catalogue::FormatName(info->id));
     return names;
+}
+
+const Setting& SettingNamed(const std::vector<Setting>& settings, std::string_view name)
+{
+    return *std::find_if(settings.begin(), settings.end(),
+                         [name](const Setting& setting) { return setting.name == name; });
 }
 
 } // namespace
@@ -133,6 +143,14 @@ std::vector<Setting> ParameterSettings(const catalogue::Entry& entry)
             settings.push_back({PlaceSettingOf(parameter), "X,Y[,RADIUS]"});
     }
     if (entry.places) settings.push_back({kCanvasSetting, kCanvasForm});
+    if (catalogue::IsGenerator(entry)) {
+        settings.push_back({kCanvasSetting, kSizeForm});
+        settings.push_back(SettingNamed(SourceSettings(), kFormatSetting));
+    }
+    if (entry.legality) {
+        settings.push_back({kReportSetting, "FILE"});
+        settings.push_back({kReportChromaSetting, "own|mean", {"own", "mean"}});
+    }
     return settings;
 }
 
@@ -142,9 +160,7 @@ std::vector<Setting> SettingsOfStep(const catalogue::Entry& entry)
     settings.insert(settings.end(), StepSettings().begin(), StepSettings().end());
     if (entry.conversions.empty()) return settings;
     // What a sink converts to is what an operator with conversions makes.
-    const auto to = std::find_if(SinkSettings().begin(), SinkSettings().end(),
-                                 [](const Setting& setting) { return setting.name == "to"; });
-    settings.push_back(*to);
+    settings.push_back(SettingNamed(SinkSettings(), "to"));
     return settings;
 }
 

@@ -27,8 +27,15 @@ inline constexpr const char* kTableForm = "TABLE";
 inline constexpr const char* kColourForm = "COLOUR";
 inline constexpr const char* kCanvasForm = "WxH|same|fit";
 
-/// The setting of an operator that moves its picture, for the size of what it makes.
+inline constexpr const char* kStopsForm = "WEIGHT:COLOUR...";
+
+/// The setting of an operator that moves its picture, or makes one of nothing, for the size of what it makes.
 inline constexpr const char* kCanvasSetting = "size";
+/// The setting of an operator that makes a picture of nothing, for the format.
+inline constexpr const char* kFormatSetting = "format";
+/// Settings of an operator that makes video legal: the file that tells of it, and by which chroma.
+inline constexpr const char* kReportSetting = "report";
+inline constexpr const char* kReportChromaSetting = "report-chroma";
 
 /// How a picture or clip is read.
 const std::vector<Setting>& SourceSettings();
@@ -38,7 +45,7 @@ const std::vector<Setting>& StepSettings();
 const std::vector<Setting>& SinkSettings();
 /// The parameters of an operator; a table or curve has a second setting, of a file that holds it, and the
 /// colour of a key one of the place where the first picture has it. What moves its picture has one for the
-/// size of the result.
+/// size of the result; what makes one of nothing, for size and format; what makes video legal, for reports.
 std::vector<Setting> ParameterSettings(const catalogue::Entry& entry);
 /// Everything that a step of an operator may say.
 std::vector<Setting> SettingsOfStep(const catalogue::Entry& entry);

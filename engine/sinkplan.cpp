@@ -52,6 +52,9 @@ void CheckNotRead(const JobPlan& plan, const std::string& output)
     for (const SinkPlan& other : plan.sinks) {
         if (other.sink.path == output) throw RequestError(output + " is written twice");
     }
+    for (const StepPlan& step : plan.steps) {
+        if (step.step.report == output) throw RequestError(output + " is written twice");
+    }
 }
 
 // The format in which a signal is written unless something else is asked for.
@@ -138,6 +141,10 @@ GUID ClipFormat(const SinkPlan& sink, const Signal& signal, const GUID& wanted)
 
 void PlanClip(const JobPlan& plan, SinkPlan& sink, const Signal& signal)
 {
+    if (!signal.clipRoot && plan.sources.empty()) {
+        throw RequestError(sink.sink.path + " would be a clip, and " + signal.label +
+                           " is one picture; write .png, .jpg, .tif or .raw");
+    }
     if (!signal.clipRoot) {
         throw RequestError(sink.sink.path +
                            " would be a clip, and all that is read are pictures; write a picture "

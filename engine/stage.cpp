@@ -4,8 +4,8 @@
 
 namespace vfil::engine {
 
-Stage::Stage(const JobPlan& plan, KeyColours& colours, const Stage* pictures)
-    : m_plan(plan), m_pictures(pictures), m_signals(plan.signals.size())
+Stage::Stage(const JobPlan& plan, KeyColours& colours, const Stage* pictures, const Probe* probe)
+    : m_plan(plan), m_pictures(pictures), m_probe(probe), m_signals(plan.signals.size())
 {
     for (const SourcePlan& source : plan.sources)
         m_sources.emplace_back(source.conversion, plan.settings);
@@ -49,6 +49,7 @@ void Stage::Run(const std::vector<host::PicturePtr>& sources, Stopwatch& watch)
         if (sources[i]) m_signals[m_plan.sources[i].signal] = m_sources[i].Convert(sources[i]);
     }
     watch.Lap(Phase::Convert);
+    m_sights.clear();
     for (std::size_t i = 0; i < m_steps.size(); ++i) {
         const StepPlan& step = m_plan.steps[i];
         Prepare(i, watch);
@@ -57,7 +58,17 @@ void Stage::Run(const std::vector<host::PicturePtr>& sources, Stopwatch& watch)
         for (std::size_t k = 0; k < results.size(); ++k) {
             if (step.outputs[k]) m_signals[*step.outputs[k]] = results[k];
         }
+        if (!m_probe) continue;
+        if (auto sight = m_probe->Look(step, m_steps[i].inputs, results))
+            m_sights.emplace_back(&step, std::move(sight));
     }
+}
+
+void Stage::Tell(Probe& probe)
+{
+    for (auto& [step, sight] : m_sights)
+        probe.Take(*step, std::move(sight));
+    m_sights.clear();
 }
 
 host::PicturePtr Stage::ForSink(std::size_t sink, Stopwatch& watch)

@@ -107,15 +107,6 @@ void PlanRoi(const JobPlan& plan, StepPlan& planned)
                        SizeText(size[0], size[1]));
 }
 
-void CheckOutputSize(const GUID& format, const vfILVector2l& size, const Message& settings)
-{
-    const auto pixels = static_cast<std::uint64_t>(size[0]) * static_cast<std::uint64_t>(size[1]);
-    const auto pixelBytes = static_cast<std::uint64_t>(InfoOf(format).pixelBytes);
-    const long side = std::max(size[0], size[1]);
-    if (side <= host::kMaxFileSide && pixels <= host::kMaxFileBytes / pixelBytes) return;
-    throw RequestError("an output of " + SizeText(size[0], size[1]) + " is too large; see " + settings);
-}
-
 void PlanRegions(const JobPlan& plan, StepPlan& planned)
 {
     if (planned.step.entry->places) {
@@ -260,12 +251,13 @@ GUID ResultFormat(const JobPlan& plan, const StepPlan& planned)
 void CheckTaken(const Step& step)
 {
     using enum catalogue::MaskUse;
-    if (step.mask && step.entry->mask == None)
+    if (step.mask && (step.entry->mask == None || catalogue::IsGenerator(*step.entry)))
         throw RequestError(step.entry->name + " takes no " + Named("mask"));
     if (step.mask && step.entry->mask == Ignored)
         throw RequestError(step.entry->name + " takes no " + Named("mask") +
                            "; for a part of the picture see " + Named("roi"));
-    if (step.entry->places && (step.roi || step.outputOffset || step.outputSize)) {
+    const bool sized = step.entry->places || catalogue::IsGenerator(*step.entry);
+    if (sized && (step.roi || step.outputOffset || step.outputSize)) {
         throw RequestError(step.entry->name + " takes no " + Named("roi") + ", " + Named("output-offset") +
                            " and " + Named("output-size") + "; see " + Named(kCanvasSetting));
     }
@@ -301,9 +293,19 @@ Signal ResultSignal(const JobPlan& plan, const StepPlan& planned)
     return result;
 }
 
-void AddResults(JobPlan& plan, StepPlan& planned)
+} // namespace
+
+void CheckOutputSize(const GUID& format, const vfILVector2l& size, const Message& settings)
 {
-    Signal result = ResultSignal(plan, planned);
+    const auto pixels = static_cast<std::uint64_t>(size[0]) * static_cast<std::uint64_t>(size[1]);
+    const auto pixelBytes = static_cast<std::uint64_t>(InfoOf(format).pixelBytes);
+    const long side = std::max(size[0], size[1]);
+    if (side <= host::kMaxFileSide && pixels <= host::kMaxFileBytes / pixelBytes) return;
+    throw RequestError("an output of " + SizeText(size[0], size[1]) + " is too large; see " + settings);
+}
+
+void AddResults(JobPlan& plan, StepPlan& planned, Signal result)
+{
     for (const std::string& name : planned.step.results) {
         planned.outputs.emplace_back();
         if (name.empty()) continue;
@@ -314,14 +316,15 @@ void AddResults(JobPlan& plan, StepPlan& planned)
     }
 }
 
-} // namespace
-
 void PlanStep(JobPlan& plan, Step step)
 {
     CheckTaken(step);
+    if (catalogue::IsGenerator(*step.entry)) return PlanGenerator(plan, std::move(step));
     StepPlan planned;
     planned.step = std::move(step);
     PlanInputs(plan, planned);
+    TakeColourModel(planned, FirstOf(plan, planned));
+    PlanLegality(plan, planned, FirstOf(plan, planned));
     LeaveFullAlpha(plan, planned);
     PlanDominant(plan, planned);
     CheckFieldOrder(plan, planned);
@@ -331,7 +334,7 @@ void PlanStep(JobPlan& plan, Step step)
     PlanMask(plan, planned);
     planned.multiply = WorksMultiplied(planned);
     planned.resultFormat = ResultFormat(plan, planned);
-    AddResults(plan, planned);
+    AddResults(plan, planned, ResultSignal(plan, planned));
     plan.steps.push_back(std::move(planned));
 }
 

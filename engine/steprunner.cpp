@@ -136,7 +136,8 @@ void StepRunner::Connect(const std::vector<host::PicturePtr>& inputs, const host
     for (std::size_t i = 0; i < m_outputs.size(); ++i) {
         const host::PicturePtr output = Output(i);
         // Operators that know better say so after the run.
-        if (output && inputs.front()) output->SetPremultiplied(inputs.front()->Premultiplied());
+        if (output && !inputs.empty() && inputs.front())
+            output->SetPremultiplied(inputs.front()->Premultiplied());
         m_op->SetOutput(i, output.Get());
     }
     if (m_op->Frame()) PlaceRegion(*m_op->Frame(), mask);
@@ -203,7 +204,7 @@ std::vector<host::PicturePtr> StepRunner::Run(const std::vector<host::PicturePtr
         lent.push_back(inputs[i]);
     }
     Connect(inputs, mask);
-    ShowOtherField(inputs[m_step.dominant]);
+    if (!inputs.empty()) ShowOtherField(inputs[m_step.dominant]);
     watch.Lap(Phase::Prepare);
     Concerning(m_step.step.where, NameOf(m_step.step),
                [&] { Execute(*m_step.step.entry, m_op->Processor(), m_plan.settings.interrupt); });

@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 
 namespace vfil::engine {
 
@@ -21,9 +20,12 @@ std::string ReadText(const std::string& path)
 {
     std::ifstream file(path, std::ios::binary);
     if (!file || std::filesystem::is_directory(path)) throw RequestError(path + ": cannot be read");
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
+    constexpr std::size_t kMost = std::size_t{1} << 24; // a device may never end
+    std::string text(kMost + 1, '\0');
+    file.read(text.data(), static_cast<std::streamsize>(text.size()));
+    text.resize(static_cast<std::size_t>(file.gcount()));
+    if (text.size() > kMost) throw RequestError(path + ": is too large for a text");
+    return text;
 }
 
 std::optional<vfILVector2l> Offset(const Values& values, const std::string& name)

@@ -53,6 +53,13 @@ std::string ListText(const Parameter& parameter)
     return (one ? "1 or " : "") + std::to_string(list.count) + kind;
 }
 
+std::string LutText(const Parameter& parameter)
+{
+    return std::string(parameter.lut.cube ? "a 1D table (.cube), or " : "") +
+           std::to_string(catalogue::kCurvePoints) + " lines of " +
+           (parameter.lut.fewer ? "1, 3 or 4" : "4") + " whole numbers ";
+}
+
 } // namespace
 
 std::string RangeText(const Parameter& parameter)
@@ -84,6 +91,11 @@ std::string RangeText(const Parameter& parameter)
         return "width and height up to " + NumberText(parameter.maximum);
     case ParameterType::Vectors:
         return "a vector for each pixel of the picture";
+    case ParameterType::Stops:
+        return "WEIGHT:COLOUR of weights 0 .. " + std::to_string(catalogue::kLastWeight) +
+               " with blanks between them, such as '0:#000000 50:1,0.5,0 99:#ffffff'";
+    case ParameterType::Lut:
+        return LutText(parameter) + range;
     case ParameterType::Integer:
         return "whole numbers " + range;
     case ParameterType::Number:

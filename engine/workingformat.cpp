@@ -116,10 +116,24 @@ std::optional<GUID> OwnSamples(const Step& step, const Signals& inputs)
     return (*own)->format;
 }
 
+// The format of the samples themselves. In another colour model none would be left that is not legal.
+GUID VideoFormat(const Entry& entry, const Signal& input)
+{
+    if (Takes(entry, input.home) && FindConversion(input.format, input.home)) return input.home;
+    const bool plane = InfoOf(input.home).alphaPlane;
+    throw RequestError(
+        input.label + " is " + FormatName(input.home) + ", and " + entry.name +
+        " judges the samples of 4:2:2 without alpha; " +
+        (plane ? "take the alpha off with split-key, which leaves them as they are"
+               : "'vfil convert' with " + Named("to") + " yuv422-601 makes such, of colours that RGB has"));
+}
+
 } // namespace
 
 GUID WorkingFormat(const Step& step, const Signals& inputs)
 {
+    if (step.entry->legality && InfoOf(inputs.front()->home).ycc)
+        return VideoFormat(*step.entry, *inputs.front());
     if (IsNative(step, inputs)) return inputs.front()->format;
     if (const auto own = OwnSamples(step, inputs)) return *own;
     if (ArePictures(*step.entry, inputs)) return FormatOfPictures(*step.entry, inputs);

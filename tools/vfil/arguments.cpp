@@ -21,7 +21,8 @@ struct Parser {
 
 std::string Flags(const Option& option)
 {
-    return (option.letter.empty() ? "" : "-" + option.letter + ",") + "--" + option.name;
+    return (option.letter.empty() ? "" : "-" + option.letter + ",") + "--" + option.name +
+           (option.opposite ? ",!--no-" + option.name : "");
 }
 
 void Declare(Parser& parser, const std::vector<Option>& options)
@@ -45,8 +46,10 @@ void Declare(Parser& parser, const std::vector<Option>& options)
 void RefuseUnknown(const CLI::App& app, const std::vector<Option>& options)
 {
     std::vector<std::string> known = {"--help"};
-    for (const Option& option : options)
+    for (const Option& option : options) {
         known.push_back("--" + option.name);
+        if (option.opposite) known.push_back("--no-" + option.name);
+    }
     for (const std::string& word : app.remaining()) {
         if (word == "--") continue;
         const std::string name = word.substr(0, word.find('='));

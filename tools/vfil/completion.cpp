@@ -15,7 +15,7 @@ std::string OptionWords(const std::vector<Option>& options)
 {
     std::string words;
     for (const Option& option : options)
-        words += "--" + option.name + " ";
+        words += "--" + option.name + " " + (option.opposite ? "--no-" + option.name + " " : "");
     return words + "--help";
 }
 

@@ -117,7 +117,9 @@ std::string FamilyTitle(const std::string& family)
 
 std::string UsageLine(const Entry& entry)
 {
-    std::string usage = "vfil " + entry.name + " " + PictureNames(entry);
+    std::string usage = "vfil " + entry.name;
+    if (!catalogue::IsGenerator(entry)) usage += " " + PictureNames(entry);
+    if (catalogue::IsGenerator(entry)) usage += " --size WxH";
     if (entry.mask == MaskUse::Required) usage += " --mask FILE[:CHANNEL]";
     return usage + " -o FILE [options]";
 }
@@ -125,6 +127,13 @@ std::string UsageLine(const Entry& entry)
 HelpSection SharedOptionHelp()
 {
     return OptionSection("Options of all operators", SharedOptions());
+}
+
+HelpSection SharedOptionHelp(const Entry& entry)
+{
+    return OptionSection(catalogue::IsGenerator(entry) ? "Options that it shares"
+                                                       : "Options of all operators",
+                         SharedOptionsOf(entry));
 }
 
 std::vector<HelpSection> ClosingHelp()
@@ -181,13 +190,13 @@ HelpPage OperatorHelp(const Entry& entry)
     HelpSection pictures{"Pictures", {}};
     for (const catalogue::Input& input : entry.inputs)
         pictures.rows.emplace_back(UpperCase(input.role), input.summary);
-    page.sections.push_back(pictures);
+    if (!catalogue::IsGenerator(entry)) page.sections.push_back(pictures);
     const std::vector<Option> outputs = OutputOptions(entry);
     if (!outputs.empty()) page.sections.push_back(OptionSection("Outputs beside -o", outputs));
     const std::vector<Option> parameters = ParameterOptions(entry);
     if (!parameters.empty()) page.sections.push_back(OptionSection("Parameters", parameters));
     HelpSection takes{"Takes",
-                      {{"formats", FormatNames(entry.formats)},
+                      {{catalogue::IsGenerator(entry) ? "makes" : "formats", FormatNames(entry.formats)},
                        {"channels", ChannelsText(entry)},
                        {"mask", MaskText(entry.mask)}}};
     if (!entry.conversions.empty())
@@ -197,11 +206,11 @@ HelpPage OperatorHelp(const Entry& entry)
                                 "none: works on whole pictures, without --output-offset and --fields");
     for (const Option& option : SourceOptions()) {
         const std::string name = SourceOptionOf(entry, option.name);
-        if (name != option.name)
+        if (name != option.name && !catalogue::IsGenerator(entry))
             takes.rows.emplace_back("--" + name, "what --" + option.name +
                                                      " is to all other operators: " + option.summary);
     }
-    if (entry.places)
+    if (entry.places || catalogue::IsGenerator(entry))
         takes.rows.emplace_back("region",
                                 "none: see --size instead of --roi, --output-offset and --output-size");
     if (entry.multiplied) {

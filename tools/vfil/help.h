@@ -35,6 +35,8 @@ HelpPage CommandHelp(const Command& command);
 
 /// The options that all operators share.
 HelpSection SharedOptionHelp();
+/// Those of them that an operator takes.
+HelpSection SharedOptionHelp(const catalogue::Entry& entry);
 
 /// Coordinates, exit statuses: what help ends with.
 std::vector<HelpSection> ClosingHelp();

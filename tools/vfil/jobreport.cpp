@@ -3,6 +3,7 @@
 #include "tools/vfil/jobreport.h"
 #include "catalogue/names.h"
 #include "engine/runjob.h"
+#include "tools/vfil/legalreport.h"
 #include "tools/vfil/progress.h"
 #include "tools/vfil/report.h"
 #include "tools/vfil/text.h"
@@ -47,7 +48,7 @@ Json BoxRecord(const vfILBbox2l& box)
     return {box.GetOffsetX(), box.GetOffsetY(), box.GetSizeX(), box.GetSizeY()};
 }
 
-Json StepRecord(const StepPlan& planned, const RunResult& result)
+Json StepRecord(const StepPlan& planned, const RunResult& result, const LegalReports& legality)
 {
     Json parameters = Json::object();
     for (const auto& [parameter, value] : planned.step.parameters)
@@ -56,12 +57,14 @@ Json StepRecord(const StepPlan& planned, const RunResult& result)
         const catalogue::Parameter& parameter = *planned.step.keyColour->parameter;
         parameters[parameter.name] = ValueRecord(parameter, taken->second);
     }
-    return {{"operator", planned.step.entry->name},
-            {"parameters", parameters},
-            {"roi", BoxRecord(planned.roi)},
-            {"outputOffset", {planned.outputOffset[0], planned.outputOffset[1]}},
-            {"channels", ChannelLetters(planned.step.mode)},
-            {"format", FormatName(planned.format)}};
+    Json record = {{"operator", planned.step.entry->name},
+                   {"parameters", parameters},
+                   {"roi", BoxRecord(planned.roi)},
+                   {"outputOffset", {planned.outputOffset[0], planned.outputOffset[1]}},
+                   {"channels", ChannelLetters(planned.step.mode)},
+                   {"format", FormatName(planned.format)}};
+    if (Json judged = legality.Record(planned); !judged.is_null()) record["legality"] = std::move(judged);
+    return record;
 }
 
 Json InputRecords(const JobPlan& plan)
@@ -122,17 +125,17 @@ Json TimeRecord(const engine::Stopwatch& watch)
 }
 
 // A single command has its step and its output at the top, a chain has lists of them.
-Json RunRecord(const JobPlan& plan, const RunResult& result)
+Json RunRecord(const JobPlan& plan, const RunResult& result, const LegalReports& legality)
 {
-    const bool single = plan.steps.size() <= 1 && plan.sinks.size() == 1;
+    const bool single = plan.steps.size() <= 1 && plan.sinks.size() <= 1;
     Json record = Json::object();
-    if (single && !plan.steps.empty()) record = StepRecord(plan.steps.front(), result);
+    if (single && !plan.steps.empty()) record = StepRecord(plan.steps.front(), result, legality);
     record["inputs"] = InputRecords(plan);
-    if (single) {
+    if (single && !plan.sinks.empty()) {
         record["output"] = OutputRecord(plan.sinks.front(), result.files.front());
-    } else {
+    } else if (!single) {
         for (const StepPlan& step : plan.steps)
-            record["steps"].push_back(StepRecord(step, result));
+            record["steps"].push_back(StepRecord(step, result, legality));
         for (std::size_t i = 0; i < plan.sinks.size(); ++i)
             record["outputs"].push_back(OutputRecord(plan.sinks[i], result.files[i]));
     }
@@ -182,16 +185,19 @@ private:
     std::optional<Progress> m_progress;
 };
 
-void Report(const JobPlan& plan, const ReportSettings& settings, const RunResult& result)
+void Report(const JobPlan& plan, const ReportSettings& settings, const RunResult& result,
+            const LegalReports& legality)
 {
     if (settings.json) {
-        PrintRecord(RunRecord(plan, result), ReportStream(plan));
+        PrintRecord(RunRecord(plan, result, legality), ReportStream(plan));
         return;
     }
     if (settings.quiet) return;
     for (std::size_t i = 0; i < plan.sinks.size(); ++i)
         ReportStream(plan) << plan.sinks[i].sink.path << ": " << DescriptionOf(plan.sinks[i], result.files[i])
                            << '\n';
+    for (const std::string& line : legality.Lines())
+        ReportStream(plan) << line << '\n';
 }
 
 } // namespace
@@ -199,8 +205,17 @@ void Report(const JobPlan& plan, const ReportSettings& settings, const RunResult
 void RunAndReport(const engine::CheckedJob& job, const ReportSettings& settings)
 {
     Terminal terminal(settings);
-    const RunResult result = engine::RunJob(job, terminal);
-    Report(job.Plan(), settings, result);
+    LegalReports legality(job.Plan(), settings.json);
+    RunResult result;
+    try {
+        result = engine::RunJob(job, terminal, legality.AreWanted() ? &legality : nullptr);
+    } catch (const engine::Interrupted&) {
+        // They tell of the frames so far, as the clips have them.
+        if (job.Plan().clip) legality.Finish();
+        throw;
+    }
+    legality.Finish();
+    Report(job.Plan(), settings, result, legality);
 }
 
 } // namespace vfil::tool

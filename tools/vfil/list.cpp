@@ -104,6 +104,7 @@ Json EntryRecord(const Entry& entry)
             {"radiusReach", entry.radiusReach},
             {"temporalReach", entry.temporalReach},
             {"bands", entry.bands},
+            {"legality", entry.legality},
             {"note", entry.note}};
 }
 
@@ -145,7 +146,7 @@ void RunHelp(const Arguments& arguments)
     const std::string& name = arguments.words.front();
     if (const Entry* entry = catalogue::Find(name)) {
         HelpPage page = OperatorHelp(*entry);
-        page.sections.push_back(SharedOptionHelp());
+        page.sections.push_back(SharedOptionHelp(*entry));
         for (const HelpSection& section : ClosingHelp())
             page.sections.push_back(section);
         std::cout << RenderText(page);

@@ -20,7 +20,13 @@ namespace {
 // Without a default these say themselves what happens then.
 bool IsList(ParameterType type)
 {
-    return type == ParameterType::Numbers || type == ParameterType::Size;
+    return type == ParameterType::Numbers || type == ParameterType::Size || type == ParameterType::Stops;
+}
+
+// A flag that is set unless somebody says no.
+bool IsUsually(const Parameter& parameter)
+{
+    return parameter.type == ParameterType::Flag && parameter.fallback && parameter.fallback->x != 0;
 }
 
 std::string ParameterSummary(const Parameter& parameter)
@@ -31,7 +37,8 @@ std::string ParameterSummary(const Parameter& parameter)
         if (*choice.summary != '\0') notes.back() += std::string(": ") + choice.summary;
     }
     if (parameter.type == ParameterType::Flag)
-        notes.emplace_back("=no for the opposite");
+        notes.push_back(IsUsually(parameter) ? "--no-" + parameter.name + " for the opposite"
+                                             : "=no for the opposite");
     else if (parameter.choices.empty())
         notes.push_back(RangeText(parameter));
     if (*parameter.unit != '\0') notes.emplace_back(parameter.unit);
@@ -102,11 +109,28 @@ std::vector<Option> ParameterOptions(const Entry& entry)
         summaries[engine::FileSettingOf(parameter)] = FileSummary(parameter);
         summaries[engine::PlaceSettingOf(parameter)] = PlaceSummary(parameter);
     }
+    if (catalogue::IsGenerator(entry)) {
+        summaries[engine::kCanvasSetting] = "size of the picture in pixels, required";
+        summaries[engine::kFormatSetting] = "format of the picture (default rgba32)";
+        return Described(engine::ParameterSettings(entry), summaries);
+    }
+    summaries[engine::kReportSetting] = "tell, as comma-separated values, of each frame how many pixels are "
+                                        "not legal, before and after, and in "
+                                        "what; without -o nothing else is written";
+    summaries[engine::kReportChromaSetting] =
+        "by which chroma reports judge the right pixel of a pair: its own, as it is stored, or the mean with "
+        "that of the next pair (default own)";
     summaries[engine::kCanvasSetting] =
         "size of the output in pixels, around the middle of the picture, or from 0,0 where the options say "
         "where the picture goes on it; same: that of the picture; fit: just large enough for all of it, for "
         "clips of 4:2:2 and 4:2:0 an even one (default what the other options ask for, else same)";
-    return Described(engine::ParameterSettings(entry), summaries);
+    std::vector<Option> options = Described(engine::ParameterSettings(entry), summaries);
+    for (Option& option : options) {
+        option.opposite = std::any_of(entry.parameters.begin(), entry.parameters.end(), [&](const auto& own) {
+            return own.name == option.name && IsUsually(own);
+        });
+    }
+    return options;
 }
 
 const std::vector<Option>& StepOptions()
@@ -223,9 +247,20 @@ std::string SourceOptionOf(const Entry& entry, const std::string& setting)
     return (std::any_of(own.begin(), own.end(), isSame) ? "in-" : "") + setting;
 }
 
+std::vector<Option> SharedOptionsOf(const Entry& entry)
+{
+    if (!catalogue::IsGenerator(entry)) return SharedOptions();
+    std::vector<Option> options = SharedOptions();
+    std::erase_if(options, [](const Option& option) {
+        const char* const kept[] = {"output", "to", "filter", "dither", "plain", "json", "verbose", "quiet"};
+        return std::find(std::begin(kept), std::end(kept), option.name) == std::end(kept);
+    });
+    return options;
+}
+
 std::vector<Option> OptionsOf(const Entry& entry)
 {
-    std::vector<Option> shared = SharedOptions();
+    std::vector<Option> shared = SharedOptionsOf(entry);
     for (Option& option : shared)
         option.name = SourceOptionOf(entry, option.name);
     return Combine({ParameterOptions(entry), OutputOptions(entry), shared});

@@ -17,6 +17,7 @@ struct Option {
     std::string summary;
     std::vector<std::string> choices = {}; ///< the words that it takes, when these are few
     bool repeats = false;                  ///< may be given more than once
+    bool opposite = false;                 ///< a flag that --no-NAME says no to
 };
 
 /// The options that the parameters of an operator make.
@@ -40,6 +41,9 @@ const std::vector<Option>& SharedOptions();
 /// The option of a setting that all operators share: its name, unless the operator has a parameter of that
 /// name.
 std::string SourceOptionOf(const catalogue::Entry& entry, const std::string& setting);
+
+/// What an operator takes of the options that all share: one that reads nothing has no use for most.
+std::vector<Option> SharedOptionsOf(const catalogue::Entry& entry);
 
 /// All options of an operator.
 std::vector<Option> OptionsOf(const catalogue::Entry& entry);

@@ -152,12 +152,16 @@ nlohmann::ordered_json ValueRecord(const catalogue::Parameter& parameter, const 
     case ParameterType::Set:
         return ValueText(parameter, value);
     case ParameterType::Table:
+    case ParameterType::Stops:
         return TableRecord(value.table);
     case ParameterType::Curve:
     case ParameterType::Numbers:
         return value.table.numbers;
     case ParameterType::Vectors:
         return ValueText(parameter, value);
+    case ParameterType::Lut:
+        if (value.table.path.empty()) return {};
+        return value.table.path;
     case ParameterType::Number:
     case ParameterType::Integer:
         break;

@@ -68,6 +68,8 @@ std::string OutputPath(const Arguments& arguments)
 void CheckWords(const std::vector<std::string>& words, std::size_t least, std::size_t most,
                 const std::string& names)
 {
+    if (most == 0 && !words.empty())
+        throw RequestError("reads no picture, and '" + words.front() + "' is none of its options");
     if (words.size() < least || words.size() > most) {
         throw RequestError("takes " + std::to_string(most) + (most == 1 ? " picture" : " pictures") + " (" +
                            names + "), not " + std::to_string(words.size()));
@@ -94,25 +96,32 @@ bool Makes(const Entry& entry, const GUID& format)
                        [&](const catalogue::FormatPair& pair) { return pair.to == format; });
 }
 
+// Who asks for a report need not want the pictures.
+bool AsksForReport(const Entry& entry, const Arguments& arguments)
+{
+    return entry.legality && (arguments.options.Has(engine::kReportSetting) || arguments.Flag("json"));
+}
+
 // The first output goes to -o, the others to the options of their roles. "to" stands for what the operator
 // makes when that is its choice, else for what becomes of it.
 void AddSinks(const Entry& entry, const Arguments& arguments, Step& step, Job& job)
 {
+    const bool reports = AsksForReport(entry, arguments);
     const bool made = step.to && Makes(entry, *step.to);
-    if (!made) step.to.reset();
+    if (!made && !catalogue::IsGenerator(entry)) step.to.reset();
     for (std::size_t i = 0; i < entry.outputs.size(); ++i) {
         const catalogue::Output& output = entry.outputs[i];
         const std::string result = i == 0 ? "the result" : output.role;
         const bool given = arguments.options.Has(i == 0 ? "output" : output.role);
         step.results.push_back(given || !output.optional ? result : "");
-        if (step.results.back().empty()) continue;
+        if (step.results.back().empty() || (reports && !given)) continue;
         const std::string path =
             i == 0 ? OutputPath(arguments) : arguments.options.Get(output.role).value_or("");
         if (path.empty()) throw RequestError(std::string("needs --") + output.role + " FILE");
         job.sinks.push_back(engine::MakeSink(path, result, arguments.options));
         if (made) job.sinks.back().to.reset();
     }
-    if (job.sinks.empty()) throw RequestError("needs -o FILE, the picture or clip to write");
+    if (job.sinks.empty() && !reports) throw RequestError("needs -o FILE, the picture or clip to write");
 }
 
 // The options as they speak of the pictures that are read.

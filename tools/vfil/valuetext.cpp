@@ -73,6 +73,14 @@ std::string NumberTexts(const std::vector<double>& numbers)
     return Join(texts, ",");
 }
 
+std::string StopsText(const catalogue::Table& stops)
+{
+    std::vector<std::string> words;
+    for (auto n = stops.numbers.begin(); n != stops.numbers.end(); n += catalogue::kStopColumns)
+        words.push_back(NumberText(*n) + ":" + NumberTexts({n + 1, n + catalogue::kStopColumns}));
+    return Join(words, " ");
+}
+
 } // namespace
 
 std::string ValueText(const Parameter& parameter, const catalogue::Value& value)
@@ -98,6 +106,10 @@ std::string ValueText(const Parameter& parameter, const catalogue::Value& value)
         return NumberTexts(value.table.numbers);
     case ParameterType::Size:
         return NumberText(value.x) + "x" + NumberText(value.y);
+    case ParameterType::Stops:
+        return StopsText(value.table);
+    case ParameterType::Lut:
+        return value.table.path.empty() ? "none" : value.table.path;
     case ParameterType::Vectors:
         return value.vectors ? value.vectors->path : "none";
     case ParameterType::Integer:

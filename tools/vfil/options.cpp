@@ -305,6 +305,20 @@ std::vector<Option> ScoreOptions()
     return options;
 }
 
+std::vector<Option> FieldsOptions()
+{
+    std::vector<Option> options = {
+        {"frames", "", "N|A:B",
+         "look at so many frames, or at those from A, counted from 0, up to B, which is left out (default "
+         "600)"},
+        {"check", "", "", "exit with status 1 when what is measured is not what the clip says"},
+        {"json", "", "", "write a record, with the figures, to standard output"}};
+    for (const Option& option : SourceOptions())
+        if (option.name == "field-order") options.push_back(option);
+    options.back().summary = "what to take for the clip's word, instead of its own";
+    return options;
+}
+
 // The keyers work on RGBA of 8 bits, whatever the plate has.
 std::vector<Option> KeyAutoOptions()
 {
@@ -342,6 +356,9 @@ const std::vector<Command>& Commands()
          "run chains of operators that stand in files, on pictures or clips", ChainOptions()},
         {"info", "FILE... [--json]", "show what pictures and clips hold, and who says so",
          Combine({{{"json", "", "", "write a JSON array"}}, SourceOptions()})},
+        {"fields", "CLIP [--json] [--check] [--frames N|A:B]",
+         "measure how the fields of a clip follow each other in time, beside what the clip says",
+         FieldsOptions()},
         {"score", "MATTE TRUTH [--json] [--diff FILE]",
          "tell how near a matte is to the true one: pictures or clips", ScoreOptions()},
         {"key-auto", "PLATE [-o FILE] [--keyer NAME] [--truth MATTE] [--json]",

@@ -68,6 +68,8 @@ struct VideoInfo {
     Stated<Matrix> matrix;      ///< of RGB and grey clips: what a conversion to YCC would take
     Stated<Range> range;
     Stated<FieldOrder> fieldOrder;
+    std::optional<FieldOrder> streamFieldOrder; ///< what the header of the stream says of it by itself
+    std::optional<FieldOrder> frameFieldOrder;  ///< what the first frame says
     Stated<AlphaState> alpha;
     vfILGuid format{};                     ///< of the frames that VideoReader::Read gives
     std::vector<std::string> otherStreams; ///< "audio aac 48000 Hz stereo"

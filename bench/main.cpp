@@ -135,9 +135,10 @@ private:
         }
         if (operation == "invert" || operation == "copy" || operation == kSwap) return kLimitOne;
         if (IsFilter(operation) || operation.ends_with(kMicroseconds)) return "";
-        if (operation.starts_with("correct,")) return kLimitOne;
-        if (operation.starts_with("correct")) return ""; // no loop of so many bytes
-        if (IsConversion(operation)) return "";          // bytes in and out differ from those of the loops
+        if (operation.starts_with(kCorrect422)) return kLimitOneVideo;
+        if (operation.starts_with(kCorrect16)) return kLimitOne16;
+        if (operation.starts_with(kCorrect)) return kLimitOne;
+        if (IsConversion(operation)) return ""; // bytes in and out differ from those of the loops
         if (operation.ends_with("16 bits")) return kLimitTwo16;
         return operation.ends_with(kInPlace) ? kLimitInPlace : kLimitTwo;
     }

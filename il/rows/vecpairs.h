@@ -11,16 +11,6 @@ namespace {
 
 #if defined(__AVX2__)
 
-inline S32 Min(S32 a, S32 b)
-{
-    return {VFIL_MM(min_epi32)(a.bits, b.bits)};
-}
-
-inline S32 Max(S32 a, S32 b)
-{
-    return {VFIL_MM(max_epi32)(a.bits, b.bits)};
-}
-
 /// Two vectors' lanes of even and of odd places: in each 128 bits two of the first, then two of the second.
 struct SplitLanes {
     S32 even, odd;

@@ -409,7 +409,7 @@ TEST_F(TreatTool, RefusesWhatCannotBeMadeLegalOrToldOf)
                     {run + "--report-chroma all", {"own, mean"}},
                     {run + "--roi 0,0,4,2", {"whole pictures"}},
                     {run + "--mask soft.png", {"takes no --mask"}},
-                    {run + "--no-strict", {"did you mean '--no-strict-pairs'?"}},
+                    {run + "--no-strict-pair", {"did you mean '--no-strict-pairs'?"}},
                     {"legalize alpha.mkv -o out.mkv", {"alpha.mkv is ycca422-709", "split-key"}},
                     {"legalize soft.png -o out.png", {"soft.png is mono8", "--format rgba32"}},
                     {"legalize clip.mkv -o out.png --report out.csv", {"out.png is one picture"}}},

@@ -227,7 +227,7 @@ TEST_F(TreatTool, PaintsRampsOfNothing)
          "'#040000'",
          0, "4 3, 1 2"},
         // By itself from edge to edge.
-        {"--size 101x1 --fields both --stops '0:0,0,0 99:1,1,1' --format mono8", 0, "0 3 5 "},
+        {"--size 101x1 --stops '0:0,0,0 99:1,1,1' --format mono8", 0, "0 3 5 "},
     };
     for (const auto& c : cases) {
         RunWell("color-grade -o out.png " + c.options);

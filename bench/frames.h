@@ -143,6 +143,9 @@ inline constexpr char kVideoDifferenceSpill[] = "key 4:2:2, difference and spill
 inline constexpr char kVideoDifferenceMatte[] = "key 4:2:2, difference, matte";
 inline constexpr char kVideoLuma[] = "key 4:2:2, luma";
 
+/// Of a ramp: the fill of a picture as large.
+inline constexpr char kFill[] = "a fill";
+
 // Fields: each row of the result is read once, wherever it comes from.
 inline constexpr char kWeave[] = "weave, ";
 inline constexpr char kFieldSwap[] = "field swap, ";

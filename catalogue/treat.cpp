@@ -181,7 +181,7 @@ Entry ColorCorrection()
         LutParameter<&P::SetRGBALut, &P::GetRGBALut>({.fewer = true, .cube = true}, 0, 255,
                                                      "what red, green, blue and alpha become, at last"),
         ColorModelParameter<&P::SetColorModel, &P::GetColorModel>(
-            "the weights of luma; without it those of the clip, and of pictures 709"),
+            "the weights of luma: those of the clip, and of pictures 709"),
     };
     entry.channels = VFIL_MODE_RGB;
     entry.note =

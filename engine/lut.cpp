@@ -109,6 +109,7 @@ void ReadRows(const Parameter& parameter, Lines& lines, Table& table)
                          std::to_string(columns));
         }
         std::vector<double> row;
+        row.reserve(count);
         for (const std::string& word : words)
             row.push_back(Number(parameter, lines, word));
         if (++rows > kRows) lines.Refuse("there are more than " + RowsText(kRows));

@@ -45,6 +45,16 @@ inline S32 operator*(S32 a, S32 b)
 {
     return {VFIL_MM(mullo_epi32)(a.bits, b.bits)};
 }
+
+inline S32 Max(S32 a, S32 b)
+{
+    return {VFIL_MM(max_epi32)(a.bits, b.bits)};
+}
+
+inline S32 Min(S32 a, S32 b)
+{
+    return {VFIL_MM(min_epi32)(a.bits, b.bits)};
+}
 #endif
 
 inline S32 operator&(S32 a, S32 b)

@@ -32,6 +32,11 @@ inline F32 operator+(F32 a, F32 b)
     return {VFIL_MM(add_ps)(a.v, b.v)};
 }
 
+inline F32 operator-(F32 a, F32 b)
+{
+    return {VFIL_MM(sub_ps)(a.v, b.v)};
+}
+
 inline F32 operator*(F32 a, F32 b)
 {
     return {VFIL_MM(mul_ps)(a.v, b.v)};
@@ -40,6 +45,29 @@ inline F32 operator*(F32 a, F32 b)
 inline F32 operator/(F32 a, F32 b)
 {
     return {VFIL_MM(div_ps)(a.v, b.v)};
+}
+
+/// b where a is NaN.
+inline F32 Max(F32 a, F32 b)
+{
+    return {VFIL_MM(max_ps)(a.v, b.v)};
+}
+
+inline F32 Min(F32 a, F32 b)
+{
+    return {VFIL_MM(min_ps)(a.v, b.v)};
+}
+
+/// A bit for each lane of a that is less than b's, the first one lowest. None for NaN.
+inline unsigned BitsWhereLess(F32 a, F32 b)
+{
+#if defined(__AVX512BW__)
+    return _mm512_cmp_ps_mask(a.v, b.v, _CMP_LT_OQ);
+#elif defined(__AVX2__)
+    return static_cast<unsigned>(_mm256_movemask_ps(_mm256_cmp_ps(a.v, b.v, _CMP_LT_OQ)));
+#else
+    return static_cast<unsigned>(_mm_movemask_ps(_mm_cmplt_ps(a.v, b.v)));
+#endif
 }
 
 inline F32 ToFloat(S32 v)

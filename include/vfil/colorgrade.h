@@ -3,6 +3,7 @@
 #pragma once
 
 #include <vfil/imgproc.h>
+#include <vfil/run.h>
 
 /// How a ramp runs over the picture.
 enum vfILRampType : int {
@@ -14,9 +15,12 @@ enum vfILRampType : int {
 /// Paints a ramp of colours over the region of its output; it has no input. RGBA and mono, 8 and 16 bits;
 /// mono takes the red channel.
 ///
-/// Linear and radial ramps go through colour stops of weights 0 .. 99, hundredths of the way. Before the
+/// Linear and radial ramps go through colour stops of weights 0 .. 99, hundredths of the way: with n colours,
+/// as many as the length of the vector rounded up, the stop of weight w is number n * w / 100. Before the
 /// first stop and behind the last the colour is theirs. Without a stop the ramp is opaque black; with one it
-/// has that colour. Coordinates are those of the region of interest, y up.
+/// has that colour. Samples are rounded half to even, but half away from zero where there is no run.
+/// Coordinates are those of the region of interest, y up. The mask is of no use here, nor is the default
+/// colour. All channels are processed, which is the default here.
 class VFIL_API vfILColorGradeImg : public vfILImgProc {
 public:
     vfILColorGradeImg();
@@ -25,7 +29,7 @@ public:
     vfILColorGradeImg& operator=(const vfILColorGradeImg& other);
     ~vfILColorGradeImg() override;
     /// Runs Verify, PrepareData and ProcessData, and CleanData in every case. Fails with 0x10001 when there
-    /// is no memory for the table of colours.
+    /// is no memory for the table of colours, or when it would have more than 2 to the power of 26.
     vfILStatus Execute() override;
     /// Fails with, in this order, 0x20002 (not all channels are selected), 0x10002 and 0x10003 (no output, or
     /// one without pixels), 0x1000D (a format that is neither RGBA nor mono), 0x1000A (the region hangs over
@@ -48,7 +52,7 @@ public:
     /// \return 1 when there is a stop of this weight; else 0
     int IsWeightOccupied(long weight) const;
     /// (x, y) is where the ramp begins, or its centre; (dx, dy) its direction and length, which is the radius
-    /// of a radial one. All 0 by default.
+    /// of a radial one. All 0 by default. Numbers beyond 32 bits saturate.
     void SetVector(long x, long y, long dx, long dy);
     /// A null pointer skips that one.
     void GetVector(long* x, long* y, long* dx, long* dy) const;
@@ -78,6 +82,34 @@ protected:
     vfILStatus CleanData() override;
 
 private:
+    struct Way;
+
+    static constexpr long kWeights = 100;
+
+    int ViewIntersectsGrade() const;
+    int ViewIntersectsCircle() const;
+    vfILStatus RenderLinear();
+    vfILStatus RenderRadial();
+    vfILStatus RenderSquare();
+    vfILStatus RenderConstant(vfILColor& color);
+    void CopyParameters(const vfILColorGradeImg& other);
+    Way WayOf() const;
+    bool MakeTable();
+
+    vfILRampType m_type = VFIL_RAMP_LINEAR;
+    bool m_isStop[kWeights] = {};
+    vfILColor m_stops[kWeights];
+    std::int32_t m_x = 0, m_y = 0, m_dx = 0, m_dy = 0;
+    std::uint16_t m_angle = 0;
+    double m_ratio = 1;
+    unsigned char m_invertFlag = 0;
+    vfILColor m_colorLL, m_colorLR, m_colorUR, m_colorUL;
+    // Of a run.
+    vfILPictureView m_output;
+    vfILBbox2l m_targetBox;
+    vfILRunBuffer m_table;
+    const unsigned char* m_entries = nullptr; ///< of the table, a pixel each
+    double m_lastEntry = 0;
     static const wchar_t* const m_ClassName;
     const wchar_t* GetClassNameW() const;
 };

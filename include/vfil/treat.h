@@ -91,16 +91,24 @@ private:
 
 /// What is done to pixels that broadcast does not allow.
 enum vfILLegalizeMode : int {
-    VFIL_LEGALIZE_CLIP = 1,                        ///< channels are limited as RGB
-    VFIL_LEGALIZE_ADJUST_GAIN = 2,                 ///< the pixel is dimmed; its hue stays
+    VFIL_LEGALIZE_CLIP = 1,                        ///< each channel of RGB is limited
+    VFIL_LEGALIZE_ADJUST_GAIN = 2,                 ///< negative channels are 0, and the pixel is dimmed
     VFIL_LEGALIZE_ADJUST_SATURATION = 3,           ///< chroma shrinks; luma and hue stay
-    VFIL_LEGALIZE_ADJUST_LUMINANCE_SATURATION = 4, ///< luma moves part of the way, chroma shrinks
-    VFIL_LEGALIZE_SHOW_ILLEGAL = 5,                ///< a display of what is illegal
+    VFIL_LEGALIZE_ADJUST_LUMINANCE_SATURATION = 4, ///< luma moves part of the way, and chroma shrinks
+    /// Half bright luma without colour; with red where a channel is above its range, with blue where one is
+    /// below, the more the farther; green where luma or chroma is out of its own range.
+    VFIL_LEGALIZE_SHOW_ILLEGAL = 5,
 };
 
 /// Makes 4:2:2 video legal: luma in 16 .. 235, chroma in 16 .. 240, and the RGB that they stand for in 0 ..
-/// 255. RGBA of 8 and 16 bits is legal by itself: it is copied, or shown grey and half bright in the mode
-/// that shows.
+/// 255. RGBA of 8 and 16 bits is legal by itself: it is copied, whatever the mask and the mode's channels
+/// are, or shown grey and half bright in the mode that shows.
+///
+/// Two pixels share chroma, which is that of the left one. The right one is judged by the mean with the
+/// chroma of the next two where a mode works on RGB, and by the stored chroma where it works on saturation.
+/// What the right one is made of does not reach the stored chroma in the former: where chroma varies, most
+/// right pixels stay illegal by their own samples. SetStrictPairs mends that. Legal pixels beside legal ones
+/// stay as they are in modes 1 to 4. An odd last column is not touched.
 class VFIL_API vfILLegalizeImg : public vfILMonadicPixelProc {
 public:
     vfILLegalizeImg() = default;
@@ -119,16 +127,22 @@ public:
     ///               0 .. 100 per cent. Default 50.
     void SetLuminanceAdjustFactor(double factor);
     int GetStrictPairs() const;
-    /// \param strict Non-zero judges and corrects both pixels of a pair by the chroma that is stored, so that
-    ///               no pixel is outside by its own samples by more than one code; 0, the default, corrects
-    ///               the stored chroma by what each mode takes for the pixels, which leaves right pixels
-    ///               illegal where chroma varies.
+    /// \param strict Non-zero has modes 1 to 4 judge both pixels of a pair by the chroma that they share,
+    ///               store what is legal with both, and see to what rounding leaves: by its own samples no
+    ///               pixel of the output is outside of RGB by more than one code of 0 .. 255. 0, the default,
+    ///               does as told above, and leaves up to 2 codes even in flat pictures.
     void SetStrictPairs(int strict);
 
 protected:
+    vfILStatus ProcessData() override;
     vfILStatus DoEffect() override;
 
 private:
+    bool IsKnownMode() const;
+    vfILStatus ProcessRGBA();
+    vfILStatus ShowRGBA();
+    vfILStatus ProcessYCC422(PXColorModel model, int alternate);
+
     vfILLegalizeMode m_mode = VFIL_LEGALIZE_CLIP;
     double m_luminanceAdjustFactor = 50;
     int m_strictPairs = 0;

@@ -227,7 +227,7 @@ TEST_F(TreatTool, PaintsRampsOfNothing)
          "'#040000'",
          0, "4 3, 1 2"},
         // By itself from edge to edge.
-        {"--size 101x1 --fields both --stops '0:0,0,0 99:1,1,1' --format mono8", 0, "0 3 5 "},
+        {"--size 101x1 --stops '0:0,0,0 99:1,1,1' --format mono8", 0, "0 3 5 "},
     };
     for (const auto& c : cases) {
         RunWell("color-grade -o out.png " + c.options);
@@ -276,10 +276,9 @@ TEST_F(TreatTool, RefusesRampsThatMakeNoSense)
          {run + stops + "--invert=2", {"yes or no"}},
          {run + stops + "--color-ll 0,0,nan", {"--color-ll '0,0,nan'"}},
          {run + stops + "--format yuv422-709", {"rgba32, rgba64, mono8, mono16"}},
-         {run + stops + "--roi 0,0,2,2", {"see --size"}},
-         {run + stops + "--mask grey.png", {"takes no --mask"}},
+         {run + stops + "--roi 0,0,2,2", {"unknown option '--roi'"}},
+         {run + stops + "--mask grey.png", {"unknown option '--mask'"}},
          {run + stops + "three.png", {"reads no picture", "'three.png'"}},
-         {run + stops + "--frames 0:2", {"--frames needs a clip"}},
          {"color-grade --size 0x4 -o out.png " + stops, {"--size '0x4'"}},
          {"color-grade --size 65000x65000 -o out.png " + stops, {"too large; see --size"}},
          {"color-grade --size 4x4 -o out.mp4 " + stops, {"out.mp4 would be a clip", "one picture"}},
@@ -410,7 +409,7 @@ TEST_F(TreatTool, RefusesWhatCannotBeMadeLegalOrToldOf)
                     {run + "--report-chroma all", {"own, mean"}},
                     {run + "--roi 0,0,4,2", {"whole pictures"}},
                     {run + "--mask soft.png", {"takes no --mask"}},
-                    {run + "--no-strict", {"did you mean '--no-strict-pairs'?"}},
+                    {run + "--no-strict-pair", {"did you mean '--no-strict-pairs'?"}},
                     {"legalize alpha.mkv -o out.mkv", {"alpha.mkv is ycca422-709", "split-key"}},
                     {"legalize soft.png -o out.png", {"soft.png is mono8", "--format rgba32"}},
                     {"legalize clip.mkv -o out.png --report out.csv", {"out.png is one picture"}}},

@@ -20,7 +20,7 @@ namespace {
 // Without a default these say themselves what happens then.
 bool IsList(ParameterType type)
 {
-    return type == ParameterType::Numbers || type == ParameterType::Size;
+    return type == ParameterType::Numbers || type == ParameterType::Size || type == ParameterType::Stops;
 }
 
 // A flag that is set unless somebody says no.
@@ -254,7 +254,12 @@ std::string SourceOptionOf(const Entry& entry, const std::string& setting)
 std::vector<Option> SharedOptionsOf(const Entry& entry)
 {
     if (!catalogue::IsGenerator(entry)) return SharedOptions();
-    return Combine({{OutputOption()}, StepOptions(), SinkOptions(), RunOptions()});
+    std::vector<Option> options = SharedOptions();
+    std::erase_if(options, [](const Option& option) {
+        const char* const kept[] = {"output", "to", "filter", "dither", "plain", "json", "verbose", "quiet"};
+        return std::find(std::begin(kept), std::end(kept), option.name) == std::end(kept);
+    });
+    return options;
 }
 
 std::vector<Option> OptionsOf(const Entry& entry)

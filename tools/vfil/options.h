@@ -42,8 +42,7 @@ const std::vector<Option>& SharedOptions();
 /// name.
 std::string SourceOptionOf(const catalogue::Entry& entry, const std::string& setting);
 
-/// What an operator takes of the options that all share: those for reading are of no use to one that reads
-/// nothing.
+/// What an operator takes of the options that all share: one that reads nothing has no use for most.
 std::vector<Option> SharedOptionsOf(const catalogue::Entry& entry);
 
 /// All options of an operator.

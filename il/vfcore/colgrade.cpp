@@ -1,0 +1,411 @@
+/// \file
+/// Ramps of colours.
+
+#include "il/loops/frame/colourpixel.h"
+#include "il/loops/frame/saturate.h"
+#include "il/loops/treat/ramprun.h"
+#include "il/loops/treat/ramptable.h"
+
+#include <vfil/colorgrade.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <iterator>
+#include <numbers>
+
+using namespace vfil;
+
+const wchar_t* const vfILColorGradeImg::m_ClassName = L"vfILColorGradeImg";
+
+vfILColorGradeImg::vfILColorGradeImg()
+{
+    SetProcessingMode(VFIL_MODE_RGBA);
+}
+
+vfILColorGradeImg::vfILColorGradeImg(const vfILColorGradeImg& other) : vfILImgProc(other)
+{
+    SetProcessingMode(VFIL_MODE_RGBA);
+    CopyParameters(other);
+}
+
+vfILColorGradeImg& vfILColorGradeImg::operator=(const vfILColorGradeImg& other)
+{
+    if (this == &other) return *this;
+    vfILImgProc::operator=(other);
+    CopyParameters(other);
+    return *this;
+}
+
+vfILColorGradeImg::~vfILColorGradeImg() = default;
+
+/// What a run knows stays with the processor that runs.
+void vfILColorGradeImg::CopyParameters(const vfILColorGradeImg& other)
+{
+    m_type = other.m_type;
+    std::copy(std::begin(other.m_isStop), std::end(other.m_isStop), m_isStop);
+    std::copy(std::begin(other.m_stops), std::end(other.m_stops), m_stops);
+    m_x = other.m_x;
+    m_y = other.m_y;
+    m_dx = other.m_dx;
+    m_dy = other.m_dy;
+    m_angle = other.m_angle;
+    m_ratio = other.m_ratio;
+    m_invertFlag = other.m_invertFlag;
+    m_colorLL = other.m_colorLL;
+    m_colorLR = other.m_colorLR;
+    m_colorUR = other.m_colorUR;
+    m_colorUL = other.m_colorUL;
+}
+
+const wchar_t* vfILColorGradeImg::GetClassNameW() const
+{
+    return m_ClassName;
+}
+
+vfILRampType vfILColorGradeImg::GetType() const
+{
+    return m_type;
+}
+
+void vfILColorGradeImg::SetType(vfILRampType type)
+{
+    m_type = type;
+}
+
+int vfILColorGradeImg::IsWeightOccupied(long weight) const
+{
+    return weight >= 0 && weight < kWeights && m_isStop[weight] ? 1 : 0;
+}
+
+void vfILColorGradeImg::SetColor(vfILColor color, long weight)
+{
+    if (weight < 0 || weight >= kWeights) return;
+    m_isStop[weight] = true;
+    m_stops[weight] = color;
+}
+
+vfILColor vfILColorGradeImg::GetColor(long weight) const
+{
+    return IsWeightOccupied(weight) != 0 ? m_stops[weight] : vfILColor();
+}
+
+int vfILColorGradeImg::DelColor(long weight)
+{
+    if (IsWeightOccupied(weight) == 0) return 0;
+    m_isStop[weight] = false;
+    m_stops[weight] = vfILColor();
+    return 1;
+}
+
+void vfILColorGradeImg::SetVector(long x, long y, long dx, long dy)
+{
+    m_x = SaturateToInt32(x);
+    m_y = SaturateToInt32(y);
+    m_dx = SaturateToInt32(dx);
+    m_dy = SaturateToInt32(dy);
+    const double radians = std::atan2(m_dy, m_dx);
+    long degrees = std::lround(radians * 180.0 / std::numbers::pi);
+    if (m_dx == 0) degrees = m_dy > 0 ? 90 : 270;
+    m_angle = static_cast<std::uint16_t>(degrees < 0 ? degrees + 360 : degrees);
+}
+
+void vfILColorGradeImg::GetVector(long* x, long* y, long* dx, long* dy) const
+{
+    if (x != nullptr) *x = m_x;
+    if (y != nullptr) *y = m_y;
+    if (dx != nullptr) *dx = m_dx;
+    if (dy != nullptr) *dy = m_dy;
+}
+
+unsigned short vfILColorGradeImg::GetAngle() const
+{
+    return m_angle;
+}
+
+double vfILColorGradeImg::GetRatio() const
+{
+    return m_ratio;
+}
+
+void vfILColorGradeImg::SetRatio(double ratio)
+{
+    m_ratio = ratio;
+}
+
+unsigned char vfILColorGradeImg::GetInvertFlag() const
+{
+    return m_invertFlag;
+}
+
+void vfILColorGradeImg::SetInvertFlag(unsigned char flag)
+{
+    m_invertFlag = flag;
+}
+
+const vfILColor& vfILColorGradeImg::GetColorLL() const
+{
+    return m_colorLL;
+}
+
+void vfILColorGradeImg::SetColorLL(const vfILColor& color)
+{
+    m_colorLL = color;
+}
+
+const vfILColor& vfILColorGradeImg::GetColorLR() const
+{
+    return m_colorLR;
+}
+
+void vfILColorGradeImg::SetColorLR(const vfILColor& color)
+{
+    m_colorLR = color;
+}
+
+const vfILColor& vfILColorGradeImg::GetColorUR() const
+{
+    return m_colorUR;
+}
+
+void vfILColorGradeImg::SetColorUR(const vfILColor& color)
+{
+    m_colorUR = color;
+}
+
+const vfILColor& vfILColorGradeImg::GetColorUL() const
+{
+    return m_colorUL;
+}
+
+void vfILColorGradeImg::SetColorUL(const vfILColor& color)
+{
+    m_colorUL = color;
+}
+
+vfILStatus vfILColorGradeImg::Execute()
+{
+    // The interrupt is not polled between the stages.
+    vfILStatus status = Verify();
+    if (status == VFIL_SUCCESS) status = PrepareData();
+    if (status == VFIL_SUCCESS) status = ProcessData();
+    const vfILStatus cleaned = CleanData();
+    return status == VFIL_SUCCESS ? cleaned : status;
+}
+
+vfILStatus vfILColorGradeImg::Verify()
+{
+    if (vfILProcessor::Verify() != VFIL_SUCCESS) return VFIL_FAILURE;
+    if (IsAllChannelProcessed() == 0) return Fail(0x20002, GetClassNameW());
+    if (GetOutputImg() == nullptr) return Fail(0x10002, GetClassNameW());
+    const ImageView output(GetOutputImg());
+    if (!output.HasPixels()) return Fail(0x10003, GetClassNameW());
+    if (!PointFormats::Contains(output.format->id)) return Fail(0x1000D, GetClassNameW());
+    const vfILBbox2l target = TargetBox(GetROI(), GetOutputOffset());
+    if (!((target & output.Box()) == target)) return Fail(0x1000A, GetClassNameW());
+
+    const int type = m_type; // any number may have been set
+    if (type < VFIL_RAMP_LINEAR || type > VFIL_RAMP_SQUARE) return Fail(0x1003E, GetClassNameW());
+    const auto reaches = [this](std::int64_t length) {
+        return std::abs(std::int64_t{m_dx}) >= length || std::abs(std::int64_t{m_dy}) >= length;
+    };
+    if ((type == VFIL_RAMP_LINEAR && !reaches(1)) || (type == VFIL_RAMP_RADIAL && !reaches(2)))
+        return Fail(0x1003F, GetClassNameW());
+    if (!(m_ratio > 0)) return Fail(0x10045, GetClassNameW());
+    if (m_invertFlag > 1) return Fail(0x10047, GetClassNameW());
+    if (m_colorLL.Verify() != 1) return Fail(0x10041, GetClassNameW());
+    if (m_colorLR.Verify() != 1) return Fail(0x10042, GetClassNameW());
+    if (m_colorUR.Verify() != 1) return Fail(0x10043, GetClassNameW());
+    if (m_colorUL.Verify() != 1) return Fail(0x10040, GetClassNameW());
+    for (long weight = 0; weight < kWeights; ++weight)
+        if (m_isStop[weight] && m_stops[weight].Verify() != 1) return Fail(0x10044, GetClassNameW());
+    return VFIL_SUCCESS;
+}
+
+vfILStatus vfILColorGradeImg::PrepareData()
+{
+    const ImageView output(GetOutputImg());
+    m_targetBox = TargetBox(GetROI(), GetOutputOffset());
+    if (output.image == nullptr) return Fail(0x10002, GetClassNameW());
+    if (!output.HasPixels()) return Fail(0x10003, GetClassNameW());
+    if (!Covers(output.Box(), m_targetBox)) return Fail(0x1000A, GetClassNameW());
+    m_output = output;
+    m_firstRowEven = (m_targetBox.GetOffsetY() & 1) == 0 ? 1 : 0;
+    return VFIL_SUCCESS;
+}
+
+vfILStatus vfILColorGradeImg::ProcessData()
+{
+    if (m_targetBox.IsNull() != 0) return VFIL_SUCCESS;
+    if (m_type == VFIL_RAMP_SQUARE) return RenderSquare();
+    if (std::count(std::begin(m_isStop), std::end(m_isStop), true) < 2) {
+        vfILColor color = GetColor(std::find(std::begin(m_isStop), std::end(m_isStop), true) - m_isStop);
+        return RenderConstant(color);
+    }
+    if (!MakeTable()) return Fail(0x10001, GetClassNameW());
+    return m_type == VFIL_RAMP_RADIAL ? RenderRadial() : RenderLinear();
+}
+
+vfILStatus vfILColorGradeImg::CleanData()
+{
+    m_table.Free();
+    m_entries = nullptr;
+    m_output = {};
+    return VFIL_SUCCESS;
+}
+
+/// The vector as the region's first pixel sees it, and the last colour's number.
+struct vfILColorGradeImg::Way {
+    double x, y, dx, dy, ratio, last;
+
+    double Length() const { return std::sqrt(dx * dx + dy * dy); }
+    /// Of the pixels from (left, row) on.
+    LinearPlaces Linear(double left, double row) const
+    {
+        const double length = Length();
+        return {(left - x) * dx + (row - y) * dy, dx, length, 1 / length, last};
+    }
+    RadialPlaces Radial(double left, double row) const
+    {
+        const double height = row == y ? 0.0 : (row - y) * ratio; // the ratio may be infinite
+        return {left - x, height * height, last};
+    }
+};
+
+vfILColorGradeImg::Way vfILColorGradeImg::WayOf() const
+{
+    const auto left = static_cast<double>(GetROI().GetOffsetX());
+    const auto bottom = static_cast<double>(GetROI().GetOffsetY());
+    return {m_x - left, m_y - bottom, static_cast<double>(m_dx), static_cast<double>(m_dy),
+            m_ratio,    m_lastEntry};
+}
+
+/// False when memory is short.
+bool vfILColorGradeImg::MakeTable()
+{
+    RampStop stops[kWeights];
+    std::size_t count = 0;
+    for (long weight = 0; weight < kWeights; ++weight) {
+        const long at = m_invertFlag != 0 ? kWeights - 1 - weight : weight;
+        if (m_isStop[at]) stops[count++] = {weight, RampColour(m_stops[at])};
+    }
+    constexpr double kMostEntries = 1 << 26; // nobody sees a colour of so long a ramp change
+    const double length = std::ceil(WayOf().Length());
+    if (length > kMostEntries) return false;
+    const std::size_t entries = std::max(static_cast<std::size_t>(length), std::size_t{1});
+    const auto entryBytes = static_cast<std::size_t>(m_output.pixelBytes);
+    unsigned char* const table = m_table.Allocate((entries + kLookUpPad) * entryBytes);
+    if (table == nullptr) return false;
+    std::memset(table + entries * entryBytes, 0, kLookUpPad * entryBytes);
+    PointFormats::Visit(m_output.format->id, [&](auto format) {
+        using Format = decltype(format);
+        auto* const samples = reinterpret_cast<typename Format::Sample*>(table);
+        const RampStores stores{m_simdAvailable != 0};
+        if constexpr (Format::kChannels == 4) {
+            FillMultiColorsRGBA(stops, count, entries, stores, samples);
+        } else {
+            FillMultiColorsMONO(stops, count, entries, stores, samples);
+        }
+    });
+    m_entries = table;
+    m_lastEntry = static_cast<double>(entries - 1);
+    return true;
+}
+
+namespace {
+
+RampGround GroundOf(const vfILPictureView& output, const vfILBbox2l& box, int useVectors)
+{
+    return {output, box, useVectors != 0};
+}
+
+/// The number of one pixel's colour.
+template <class Places>
+std::int32_t EntryOf(PlaceRow<Places> place, const Places& places)
+{
+    std::int32_t entry = 0;
+    place(places, &entry, 1);
+    return entry;
+}
+
+} // namespace
+
+/// 0 when all pixels have one colour: those of the corners are the extremes.
+int vfILColorGradeImg::ViewIntersectsGrade() const
+{
+    const auto entry = [way = WayOf()](long x, long y) {
+        return EntryOf(FindLinearRow(false), way.Linear(static_cast<double>(x), static_cast<double>(y)));
+    };
+    const long right = m_targetBox.GetSizeX() - 1;
+    const long top = m_targetBox.GetSizeY() - 1;
+    const std::int32_t first = entry(0, 0);
+    return entry(right, 0) == first && entry(0, top) == first && entry(right, top) == first ? 0 : 1;
+}
+
+/// 0 when all pixels have the last colour: that of the nearest to the centre is the first one.
+int vfILColorGradeImg::ViewIntersectsCircle() const
+{
+    const Way way = WayOf();
+    const double x = std::clamp(way.x, 0.0, static_cast<double>(m_targetBox.GetSizeX() - 1));
+    const double y = std::clamp(way.y, 0.0, static_cast<double>(m_targetBox.GetSizeY() - 1));
+    return EntryOf(FindRadialRow(false), way.Radial(x, y)) < m_lastEntry ? 1 : 0;
+}
+
+vfILStatus vfILColorGradeImg::RenderLinear()
+{
+    const RampGround ground = GroundOf(m_output, m_targetBox, m_simdAvailable);
+    const Way way = WayOf();
+    if (ViewIntersectsGrade() == 0) {
+        PaintPixel(*this, ground,
+                   m_entries + EntryOf(FindLinearRow(false), way.Linear(0, 0)) * m_output.pixelBytes);
+        return VFIL_SUCCESS;
+    }
+    const bool isPainted = PaintPlaces(*this, ground, m_entries, FindLinearRow(ground.useVectors),
+                                       [&](long row) { return way.Linear(0, static_cast<double>(row)); });
+    return isPainted ? VFIL_SUCCESS : Fail(0x10001, GetClassNameW());
+}
+
+vfILStatus vfILColorGradeImg::RenderRadial()
+{
+    const RampGround ground = GroundOf(m_output, m_targetBox, m_simdAvailable);
+    if (ViewIntersectsCircle() == 0) {
+        PaintPixel(*this, ground, m_entries + static_cast<long>(m_lastEntry) * m_output.pixelBytes);
+        return VFIL_SUCCESS;
+    }
+    const bool isPainted =
+        PaintPlaces(*this, ground, m_entries, FindRadialRow(ground.useVectors),
+                    [way = WayOf()](long row) { return way.Radial(0, static_cast<double>(row)); });
+    return isPainted ? VFIL_SUCCESS : Fail(0x10001, GetClassNameW());
+}
+
+vfILStatus vfILColorGradeImg::RenderSquare()
+{
+    const RampGround ground = GroundOf(m_output, m_targetBox, m_simdAvailable);
+    const RampColour lowerLeft(m_colorLL), lowerRight(m_colorLR), upperRight(m_colorUR), upperLeft(m_colorUL);
+    const auto width = static_cast<std::size_t>(ground.Width());
+    const long top = m_targetBox.GetSizeY() - 1;
+    const RampStores stores{ground.useVectors, ground.IsStreaming()};
+    PointFormats::Visit(m_output.format->id, [&](auto format) {
+        using Format = decltype(format);
+        ForEachRampRow(*this, ground, [&](long row, unsigned char* out) {
+            const RampColour left = Between(lowerLeft, upperLeft, row, top);
+            const RampColour right = Between(lowerRight, upperRight, row, top);
+            auto* const samples = reinterpret_cast<typename Format::Sample*>(out);
+            if constexpr (Format::kChannels == 4) {
+                Fill2ColorsRGBA(left, right, width, stores, samples);
+            } else {
+                Fill2ColorsMONO(left, right, width, stores, samples);
+            }
+        });
+    });
+    if (stores.streaming) FinishStreaming();
+    return VFIL_SUCCESS;
+}
+
+vfILStatus vfILColorGradeImg::RenderConstant(vfILColor& color)
+{
+    ColourPixel pixel;
+    if (pixel.Set(*m_output.format, color))
+        PaintPixel(*this, GroundOf(m_output, m_targetBox, m_simdAvailable), pixel.bytes);
+    return VFIL_SUCCESS;
+}

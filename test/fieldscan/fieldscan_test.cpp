@@ -130,7 +130,7 @@ TEST(FieldScan, TellsWhereTheOrderChanges)
     EXPECT_EQ(finding.stretches[0].order, Order::Bottom);
     EXPECT_EQ(finding.stretches[1].order, Order::Progressive);
     EXPECT_EQ(finding.stretches[0].first, 0);
-    EXPECT_NEAR(static_cast<double>(finding.stretches[1].first), kFrames / 2, 1);
+    EXPECT_NEAR(static_cast<double>(finding.stretches[1].first), kFrames / 2.0, 1);
     EXPECT_EQ(finding.stretches[0].end, finding.stretches[1].first);
     EXPECT_EQ(finding.stretches[1].end, kFrames);
 }
@@ -138,13 +138,14 @@ TEST(FieldScan, TellsWhereTheOrderChanges)
 TEST(FieldScan, SamplesOfAllFormatsTellTheSame)
 {
     const FieldScene pan{.right = 2};
+    const double combs = Scan(Moving(pan, kBottom)).combs.nextTop;
     for (const vfILGuid& format :
          {PXFormat_RGBA32, PXFormat_RGBA64, PXFormat_Mono16, PXFormat_YUV422_601, PXFormat_YCC422_709,
           PXFormat_YCCA422_601, PXFormat_YCCA32, PXFormat_YCCA64}) {
         const Finding finding = Scan(Moving(pan, kBottom), format);
         EXPECT_EQ(finding.order, Order::Bottom) << vfILFindFormat(format)->name;
         // Combs are in levels of luma, whatever the sample's size.
-        EXPECT_NEAR(finding.combs.nextTop, Scan(Moving(pan, kBottom)).combs.nextTop, 0.01);
+        EXPECT_NEAR(finding.combs.nextTop, combs, 0.01);
     }
 }
 

@@ -4,6 +4,7 @@
 /// best peer and to the best limit loop. It is the time of the whole process: others at work on the machine
 /// stretch that least, nothing here waits, and the peer that hands its work to a thread (libvips) waits for
 /// it.
+#include "deinterlace.h"
 #include "filters.h"
 
 #include <vfil/host/picturefactory.h>
@@ -122,8 +123,10 @@ private:
         std::printf("\n");
     }
 
-    static const char* LimitOf(const std::string& operation)
+    static std::string LimitOf(const std::string& operation)
     {
+        if (operation.starts_with(kDeinterlace))
+            return kLimitSplit + operation.substr(operation.find(", ") + 2);
         const bool isOfOne = operation.starts_with(kFieldSwap) || operation.starts_with(kFieldMerge);
         if (isOfOne || operation.starts_with(kWeave)) {
             if (operation.ends_with(kFields422)) return isOfOne ? kLimitOneVideo : kLimitInTurnVideo;
@@ -132,9 +135,10 @@ private:
         }
         if (operation == "invert" || operation == "copy" || operation == kSwap) return kLimitOne;
         if (IsFilter(operation) || operation.ends_with(kMicroseconds)) return "";
-        if (operation.starts_with("correct,")) return kLimitOne;
-        if (operation.starts_with("correct")) return ""; // no loop of so many bytes
-        if (IsConversion(operation)) return "";          // bytes in and out differ from those of the loops
+        if (operation.starts_with(kCorrect422)) return kLimitOneVideo;
+        if (operation.starts_with(kCorrect16)) return kLimitOne16;
+        if (operation.starts_with(kCorrect)) return kLimitOne;
+        if (IsConversion(operation)) return ""; // bytes in and out differ from those of the loops
         if (operation.ends_with("16 bits")) return kLimitTwo16;
         return operation.ends_with(kInPlace) ? kLimitInPlace : kLimitTwo;
     }

@@ -16,10 +16,11 @@ using Correct = vfILColorCorrectionImg;
 std::array<std::int16_t, 1024> MakeLut()
 {
     std::array<std::int16_t, 1024> lut{};
-    for (int i = 0; i < 256; ++i) {
-        lut[static_cast<std::size_t>(4 * i)] = static_cast<std::int16_t>((128 - i) / 4);
-        lut[static_cast<std::size_t>(4 * i + 1)] = static_cast<std::int16_t>((i - 128) / 16);
-        lut[static_cast<std::size_t>(4 * i + 2)] = static_cast<std::int16_t>((128 - i) / 16);
+    for (std::size_t i = 0; i < 256; ++i) {
+        const int fromMiddle = static_cast<int>(i) - 128;
+        lut[4 * i] = static_cast<std::int16_t>(-fromMiddle / 4);
+        lut[4 * i + 1] = static_cast<std::int16_t>(fromMiddle / 16);
+        lut[4 * i + 2] = static_cast<std::int16_t>(-fromMiddle / 16);
     }
     return lut;
 }
@@ -28,10 +29,10 @@ std::array<std::int16_t, 1024> MakeLut()
 std::array<std::uint8_t, 1024> MakeTables()
 {
     std::array<std::uint8_t, 1024> tables{};
-    for (int i = 0; i < 1024; ++i) {
-        const int v = i % 256;
-        tables[static_cast<std::size_t>(i)] =
-            static_cast<std::uint8_t>((v * v / 255 * (i / 256) + v * 3) / (3 + i / 256));
+    for (std::size_t i = 0; i < tables.size(); ++i) {
+        const std::size_t v = i % 256;
+        const std::size_t bend = i / 256;
+        tables[i] = static_cast<std::uint8_t>((v * v / 255 * bend + v * 3) / (3 + bend));
     }
     return tables;
 }

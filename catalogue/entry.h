@@ -111,6 +111,7 @@ enum class ParameterRole {
     ChromaFilter,      ///< of a conversion that halves or doubles chroma
     Dither,            ///< of a conversion
     KeyColour,         ///< the colour that a key removes from its first input
+    MissingRows,       ///< how the rows are made that a field lacks: a vfILInterpolationType
     ColourModel,       ///< the weights of luma; where nobody says, those of the first input
 };
 
@@ -179,6 +180,16 @@ struct Alternatives {
     bool required = false; ///< the processor does not run without either
 };
 
+/// What a processor does to frames of two fields.
+enum class FieldUse {
+    None,
+    Splits, ///< makes two pictures of a frame, of its even rows and of its odd ones; inputs behind the first
+            ///< are frames to compare it with, one for each result
+    Weaves, ///< makes a frame of two pictures: its even rows are those of the first
+    Swaps,  ///< brings the rows of each field to the other one
+    Merges, ///< mixes both fields in each row alike
+};
+
 /// The spatial reach of a processor whose every output pixel depends on all of the input.
 inline constexpr int kWholePicture = std::numeric_limits<int>::max();
 
@@ -203,17 +214,18 @@ struct Entry {
     bool multiplied = false; ///< weighs colour by alpha, as it is when colour is multiplied by it; so is the
                              ///< result's
     bool whole = false;      ///< works on whole pictures: region, offset and single fields are refused
-    bool movesRows = false;  ///< mixes rows of a picture, so that frames of two fields come to harm
-    bool places = false;     ///< moves its input over a canvas of any size: the operator has a Placement, and
-                             ///< region and offset of the output are not the user's
-    bool copies = false;     ///< its result is its input, pixel by pixel
-    bool legality = false;   ///< makes 4:2:2 video legal: it works on the samples of a clip as they are, and
-                             ///< what it takes and makes can be judged
-    int spatialReach = 0;    ///< input pixels that an output pixel depends on, in each direction, or
-                             ///< kWholePicture
-    int radiusReach = 0;     ///< how many times its radius, or half its kernel, it depends on beside these
-    int temporalReach = 0;   ///< frames, before and after
-    bool bands = true;       ///< rows may be processed in bands, in any order
+    FieldUse fields = FieldUse::None;
+    bool movesRows = false; ///< mixes rows of a picture, so that frames of two fields come to harm
+    bool places = false;    ///< moves its input over a canvas of any size: the operator has a Placement, and
+                            ///< region and offset of the output are not the user's
+    bool copies = false;    ///< its result is its input, pixel by pixel
+    bool legality = false;  ///< makes 4:2:2 video legal: it works on the samples of a clip as they are, and
+                            ///< what it takes and makes can be judged
+    int spatialReach = 0;   ///< input pixels that an output pixel depends on, in each direction, or
+                            ///< kWholePicture
+    int radiusReach = 0;    ///< how many times its radius, or half its kernel, it depends on beside these
+    int temporalReach = 0;  ///< frames, before and after
+    bool bands = true;      ///< rows may be processed in bands, in any order
     std::unique_ptr<Operator> (*make)(bool simd) = nullptr;
     /// What is wrong with parameters that Verify takes, if anything; null when nothing can be.
     std::optional<Objection> (*object)(const vfILProcessor& processor) = nullptr;

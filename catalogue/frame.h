@@ -55,6 +55,7 @@ Entry SpatialEntry(const char* className, const char* family, const char* summar
     entry.formats = {PXFormat_RGBA32, PXFormat_RGBA64, PXFormat_Mono8, PXFormat_Mono16};
     entry.parameters = std::move(parameters);
     entry.radiusReach = 1;
+    entry.movesRows = true;
     return entry;
 }
 

@@ -70,7 +70,12 @@ public:
 
     void SetInput(std::size_t index, IPXImage* image) override
     {
-        if constexpr (requires(P p) { p.SetInputImg(image); })
+        if constexpr (requires(P p) { p.SetCompImgA(image); }) {
+            if (index == 0)
+                m_processor.SetInputImg(image);
+            else
+                index == 1 ? m_processor.SetCompImgA(image) : m_processor.SetCompImgB(image);
+        } else if constexpr (requires(P p) { p.SetInputImg(image); })
             m_processor.SetInputImg(image);
         else if constexpr (requires(P p) { p.SetInputImgA(image); })
             index == 0 ? m_processor.SetInputImgA(image) : m_processor.SetInputImgB(image);

@@ -5,6 +5,7 @@
 #include "engine/failure.h"
 #include "engine/planning.h"
 #include "engine/text.h"
+#include "engine/timing.h"
 
 #include <algorithm>
 #include <set>
@@ -155,6 +156,7 @@ CheckedJob CheckJob(Job job)
         const std::string name = sink.result;
         At(where, name, [&] { PlanSink(*plan, std::move(sink)); });
     }
+    PlanTimes(*plan);
     const bool part = plan->settings.endFrame || plan->settings.firstFrame > 0;
     if (part && !plan->clip) throw RequestError(OfRun("frames") + " needs a clip to choose from");
     return CheckedJob(std::move(plan));

@@ -35,52 +35,118 @@ host::PicturePtr ReadStill(const SourcePlan& source, volatile long* interrupt)
 
 } // namespace
 
-std::vector<host::PicturePtr> Feed::Pictures() const
+std::vector<Frames> Feed::Pictures() const
 {
-    std::vector<host::PicturePtr> pictures;
-    for (const SourcePlan& source : m_plan.sources)
-        pictures.push_back(source.IsClip() ? host::PicturePtr()
-                                           : ReadStill(source, m_plan.settings.interrupt));
+    std::vector<Frames> pictures;
+    for (const SourcePlan& source : m_plan.sources) {
+        pictures.emplace_back();
+        if (!source.IsClip()) pictures.back() = {ReadStill(source, m_plan.settings.interrupt)};
+    }
     return pictures;
 }
 
 void Feed::SkipToFirst()
 {
     m_started = true;
-    for (m_next = 0; m_next < m_plan.settings.firstFrame; ++m_next) {
-        for (const SourcePlan& source : m_plan.sources) {
-            if (!source.IsClip() || source.reader->Skip()) continue;
-            RefuseRange(source, m_next);
+    m_next = m_plan.settings.firstFrame;
+    for (std::size_t i = 0; i < m_reels.size(); ++i) {
+        const SourcePlan& source = m_plan.sources[i];
+        if (!source.IsClip()) continue;
+        Reel& reel = m_reels[i];
+        for (const long first = std::max(0L, m_next + SignalOf(i).first); reel.first < first; ++reel.first) {
+            if (!source.reader->Skip()) RefuseRange(source, reel.first);
+            StopIfInterrupted(m_plan.settings.interrupt);
         }
-        StopIfInterrupted(m_plan.settings.interrupt);
     }
 }
 
-std::vector<host::PicturePtr> Feed::Frames()
+// What lies before the range is looked at, but not shown.
+void Feed::ReadUntil(std::size_t source, long end)
+{
+    Reel& reel = m_reels[source];
+    host::VideoReader& reader = *m_plan.sources[source].reader;
+    while (!reel.ended && reel.End() < end) {
+        StopIfInterrupted(m_plan.settings.interrupt);
+        const bool shown = reel.End() >= m_plan.settings.firstFrame;
+        host::PicturePtr frame = shown ? reader.Read() : reader.ReadBefore();
+        reel.ended = !frame;
+        if (frame) reel.frames.push_back(std::move(frame));
+    }
+}
+
+// How many frames all clips have at this time.
+long Feed::Available()
+{
+    long count = m_plan.sourceFrames;
+    if (m_plan.settings.endFrame) count = std::min(count, *m_plan.settings.endFrame - m_next);
+    for (std::size_t i = 0; i < m_reels.size(); ++i) {
+        if (!m_plan.sources[i].IsClip()) continue;
+        ReadUntil(i, m_next + count);
+        count = std::min(count, m_reels[i].End() - m_next);
+    }
+    return std::max(0L, count);
+}
+
+Frames Feed::Window(std::size_t source) const
+{
+    Frames frames;
+    const Reel& reel = m_reels[source];
+    const Signal& signal = SignalOf(source);
+    for (long i = m_next + signal.first; i < m_next + signal.end; ++i) {
+        const bool there = i >= reel.first && i < reel.End();
+        frames.push_back(there ? reel.frames[static_cast<std::size_t>(i - reel.first)] : host::PicturePtr());
+    }
+    return frames;
+}
+
+std::vector<Frames> Feed::Next()
 {
     if (!m_returned.empty()) return std::exchange(m_returned, {});
     if (!m_started) SkipToFirst();
-    if (m_plan.settings.endFrame && m_next >= *m_plan.settings.endFrame) return {};
-    std::vector<host::PicturePtr> frames;
-    bool ended = false;
-    for (const SourcePlan& source : m_plan.sources) {
-        frames.push_back(source.IsClip() ? source.reader->Read() : host::PicturePtr());
-        ended = ended || (source.IsClip() && !frames.back());
+    const bool ended = m_plan.settings.endFrame && m_next >= *m_plan.settings.endFrame;
+    const long count = ended ? 0 : Available();
+    if (count < m_plan.sourceFrames) {
+        if (!ended && count == 0) CompareLengths();
+        if (count > 0) RefuseRest(count);
+        return {};
     }
-    if (!ended) {
-        ++m_next;
-        return frames;
+    std::vector<Frames> all;
+    for (std::size_t i = 0; i < m_reels.size(); ++i) {
+        all.emplace_back();
+        if (!m_plan.sources[i].IsClip()) continue;
+        Reel& reel = m_reels[i];
+        ReadUntil(i, m_next + SignalOf(i).end);
+        all.back() = Window(i);
+        for (; !reel.frames.empty() && reel.first < m_next + count + SignalOf(i).first; ++reel.first)
+            reel.frames.pop_front();
     }
-    CompareLengths(frames);
-    return {};
+    m_next += count;
+    return all;
 }
 
-void Feed::CompareLengths(const std::vector<host::PicturePtr>& frames)
+// Frames at the end that make no whole one.
+void Feed::RefuseRest(long count) const
+{
+    const long frames = m_next + count - m_plan.settings.firstFrame;
+    std::string clip;
+    for (std::size_t i = 0; clip.empty() && i < m_reels.size(); ++i)
+        if (m_plan.sources[i].IsClip() && m_reels[i].End() <= m_next + count)
+            clip = m_plan.sources[i].source.path;
+    const bool chosen = m_plan.settings.endFrame || m_plan.settings.firstFrame > 0;
+    throw RequestError(clip + " has " + std::to_string(frames) + " frames" + (chosen ? " in the range" : "") +
+                       ", and " + std::to_string(m_plan.sourceFrames) +
+                       " become one; choose an even count with " + OfRun("frames") + ", such as " +
+                       std::to_string(m_plan.settings.firstFrame) + ":" + std::to_string(m_next));
+}
+
+void Feed::CompareLengths()
 {
     const SourcePlan* shorter = nullptr;
     const SourcePlan* longer = nullptr;
-    for (std::size_t i = 0; i < frames.size(); ++i) {
-        if (m_plan.sources[i].IsClip()) (frames[i] ? longer : shorter) = &m_plan.sources[i];
+    for (std::size_t i = 0; i < m_reels.size(); ++i) {
+        if (!m_plan.sources[i].IsClip()) continue;
+        ReadUntil(i, m_next + 1);
+        (m_reels[i].End() > m_next ? longer : shorter) = &m_plan.sources[i];
     }
     if (m_next == m_plan.settings.firstFrame) {
         RefuseRange(*shorter, m_next);
@@ -100,7 +166,8 @@ std::optional<long> Feed::Count() const
         count = std::min(count.value_or(*frames), *frames);
     }
     if (count && m_plan.settings.endFrame) count = std::min(*count, *m_plan.settings.endFrame);
-    return count ? std::optional(std::max(0L, *count - m_plan.settings.firstFrame)) : std::nullopt;
+    if (!count) return std::nullopt;
+    return std::max(0L, *count - m_plan.settings.firstFrame) / m_plan.sourceFrames;
 }
 
 } // namespace vfil::engine

@@ -68,9 +68,11 @@ struct Step {
     std::optional<vfILVector2l> outputSize;
     CanvasSize canvas;
     std::optional<StepMask> mask;
-    unsigned long mode = 0;      ///< bits of vfILProcessingMode
-    bool usualChannels = true;   ///< nobody chose those in the mode
-    bool fieldsTogether = false; ///< frames of two fields are taken as they are
+    unsigned long mode = 0;                     ///< bits of vfILProcessingMode
+    bool usualChannels = true;                  ///< nobody chose those in the mode
+    bool fieldsTogether = false;                ///< frames of two fields are taken as they are
+    bool sameRate = false;                      ///< of the two fields of a frame only the first becomes one
+    std::optional<host::FieldOrder> fieldOrder; ///< of the frames that it weaves; absent: top first
     vfILColor defaultColor{0, 0, 0, 0};
     std::optional<GUID> to;  ///< format of the results, for an operator with conversions or without inputs
     std::string report;      ///< the file that tells how legal its frames are; empty for none

@@ -4,6 +4,7 @@
 
 #include "engine/conversion.h"
 #include "engine/job.h"
+#include "engine/message.h"
 
 #include <cstddef>
 
@@ -16,13 +17,17 @@ struct Signal {
     GUID format{};
     long width = 0;
     long height = 0;
-    bool clip = false;       ///< changes from frame to frame
-    bool interlaced = false; ///< has two fields, as far as anybody says
-    bool alpha = false;      ///< its first input had an alpha channel that counts
-    bool mayClear = false;   ///< an operator may have made pixels clear that have no alpha otherwise
-    bool ofCanvas = false;   ///< its size is that of a canvas
-    GUID home{};             ///< the format in which it is written, as far as the file takes it
+    bool clip = false;                                           ///< changes from frame to frame
+    host::FieldOrder fieldOrder = host::FieldOrder::Progressive; ///< as far as anybody says
+    bool alpha = false;    ///< its first input had an alpha channel that counts
+    bool mayClear = false; ///< an operator may have made pixels clear that have no alpha otherwise
+    bool ofCanvas = false; ///< its size is that of a canvas
+    GUID home{};           ///< the format in which it is written, as far as the file takes it
     std::optional<std::size_t> clipRoot; ///< the first source behind it that is a clip
+    int doublings = 0;                   ///< how often its rate is twice that of the sources; negative: half
+    long count = 1; ///< of its frames belong together at a time: they are the frames 0 .. count - 1
+    long first = 0; ///< of those that are looked at then, also before and behind; none where a clip ends
+    long end = 1;
 };
 
 /// A source with what its file says.
@@ -41,6 +46,19 @@ struct StepInput {
     std::optional<std::size_t> signal; ///< none for an optional input that is missing
     Conversion conversion;
     bool isFirst = false; ///< is the first input again, and prepared with it
+    // A run takes frame run * stride + offset.
+    long stride = 1;
+    long offset = 0;
+    std::optional<long> otherwise = {}; ///< the offset where there is no such frame; without any there the
+                                        ///< step does without this input
+};
+
+/// A result of a step. Several may be frames of one signal.
+struct StepOutput {
+    std::optional<std::size_t> signal = {}; ///< none for what is not wanted
+    // A run makes frame run * stride + offset.
+    long stride = 1;
+    long offset = 0;
 };
 
 /// The mask of a step.
@@ -54,7 +72,7 @@ struct MaskPlan {
 struct StepPlan {
     Step step;
     std::vector<StepInput> inputs;
-    std::vector<std::optional<std::size_t>> outputs; ///< signals; none for what is not wanted
+    std::vector<StepOutput> outputs;
     GUID resultFormat{};
     GUID format{};            ///< of the inputs, converted
     std::size_t dominant = 0; ///< index of the input that shows where two do not overlap
@@ -63,6 +81,12 @@ struct StepPlan {
     vfILVector2l outputOffset;
     vfILVector2l outputSize;
     std::optional<MaskPlan> mask;
+    host::FieldOrder fieldOrder = host::FieldOrder::Progressive; ///< of the results
+    int doubles = 0;                                             ///< 1 makes two frames of one, -1 one of two
+    long firstRun = 0; ///< of the runs at a time: those that its results are needed of
+    long endRun = 1;
+    /// In place of what is given or usual, where an input that has an `otherwise` finds nothing.
+    std::optional<std::pair<const catalogue::Parameter*, catalogue::Value>> alone;
     bool clip = false;     ///< runs once a frame
     bool multiply = false; ///< straight inputs are multiplied by their alpha first
     long padding = 0;      ///< pixels around the input that repeat its edges
@@ -94,9 +118,11 @@ struct JobPlan {
     std::vector<SinkPlan> sinks;
     std::vector<Signal> signals;
     std::vector<InsertedConversion> insertions;
-    std::vector<std::string> remarks; ///< what the user should know before the run, a line each
-    bool clip = false;                ///< anything changes from frame to frame
-    bool loses16Bits = false;         ///< somewhere; said once
+    std::vector<Message> remarks; ///< what the user should know before the run, a line each
+    long sourceFrames = 1;        ///< that each clip gives at a time
+    bool clip = false;            ///< anything changes from frame to frame
+    bool loses16Bits = false;     ///< somewhere; said once
+    bool mixesFields = false;     ///< likewise
 };
 
 } // namespace vfil::engine

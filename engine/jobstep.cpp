@@ -217,6 +217,12 @@ Step MakeStep(const Entry& entry, const Values& values)
         step.to = Format(values, kFormatSetting);
     }
     if (entry.legality) TakeReport(values, step);
+    if (entry.fields == catalogue::FieldUse::Splits) step.sameRate = values.Flag(Named(kSameRateSetting));
+    if (entry.fields == catalogue::FieldUse::Weaves) {
+        step.fieldOrder = OneOf<host::FieldOrder>(
+            values, Named(kFieldOrderSetting),
+            {{"top", host::FieldOrder::TopFirst}, {"bottom", host::FieldOrder::BottomFirst}});
+    }
     return step;
 }
 

@@ -47,6 +47,12 @@ void TakeColourModel(StepPlan& planned, const Signal& first);
 /// Checks the file of a report on a step, and says when there is nothing to make legal.
 void PlanLegality(JobPlan& plan, const StepPlan& planned, const Signal& input);
 
+/// Settles which frames a step takes and makes that works on fields, and what order they have then; says once
+/// that a step mixes the fields of a frame.
+///
+/// \param input The first one that is a clip, else the first one.
+void PlanFields(JobPlan& plan, StepPlan& planned, const Signal& input);
+
 /// Chooses the output of a step that moves its input: its region lies on the plane of the result.
 ///
 /// \throws RequestError for parameters by which the input cannot be placed, and for frames of two fields

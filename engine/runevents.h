@@ -22,7 +22,7 @@ public:
     virtual ~RunEvents() = default;
 
     /// Something that the user should know, as a line.
-    virtual void OnRemark(const std::string& text) = 0;
+    virtual void OnRemark(const Message& text) = 0;
     /// A conversion that was inserted. All of them are told before the first frame.
     virtual void OnConversion(const InsertedConversion& conversion) = 0;
     /// A colour was taken from the first picture of a step.

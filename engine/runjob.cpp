@@ -46,23 +46,27 @@ void CheckOpaque(const JobPlan& plan, const SinkPlan& sink, const host::Picture&
 }
 
 // What goes into the files of all sinks whose pictures a stage makes.
-std::vector<host::PicturePtr> SinkPictures(const JobPlan& plan, Stage& stage, Stopwatch& watch)
+std::vector<Frames> SinkPictures(const JobPlan& plan, Stage& stage, Stopwatch& watch)
 {
-    std::vector<host::PicturePtr> pictures(plan.sinks.size());
+    std::vector<Frames> pictures(plan.sinks.size());
     for (std::size_t i = 0; i < pictures.size(); ++i) {
-        const host::PicturePtr& signal = stage.Signal(plan.sinks[i].signal);
-        if (!signal) continue;
-        CheckOpaque(plan, plan.sinks[i], *signal);
-        pictures[i] = stage.ForSink(i, watch);
+        const std::size_t signal = plan.sinks[i].signal;
+        for (long frame = 0; frame < plan.signals[signal].count; ++frame) {
+            const host::PicturePtr& picture = stage.Signal(signal, frame);
+            if (!picture) continue;
+            CheckOpaque(plan, plan.sinks[i], *picture);
+            pictures[i].push_back(stage.ForSink(i, frame, watch));
+        }
     }
     return pictures;
 }
 
-void Write(const std::vector<host::PicturePtr>& pictures, Outputs& outputs, Stopwatch& watch)
+void Write(const std::vector<Frames>& pictures, Outputs& outputs, Stopwatch& watch)
 {
     watch.Start();
     for (std::size_t i = 0; i < pictures.size(); ++i) {
-        if (pictures[i]) outputs.Write(i, pictures[i]);
+        for (const host::PicturePtr& picture : pictures[i])
+            outputs.Write(i, picture);
     }
     watch.Lap(Phase::Write);
 }
@@ -80,7 +84,7 @@ public:
     {
         StopIfInterrupted(m_plan.settings.interrupt);
         m_watch.Start();
-        m_frames = m_feed.Frames();
+        m_frames = m_feed.Next();
         m_watch.Lap(Phase::Read);
         return !m_frames.empty();
     }
@@ -95,7 +99,7 @@ public:
     {
         Write(m_made, m_outputs, m_watch);
         if (m_probe) m_stage.Tell(*m_probe);
-        ++m_delivered;
+        m_delivered += m_plan.sourceFrames;
         m_events.OnFrame();
     }
 
@@ -111,8 +115,8 @@ private:
     Probe* m_probe;
     Stopwatch m_watch;
     long m_delivered = 0;
-    std::vector<host::PicturePtr> m_frames;
-    std::vector<host::PicturePtr> m_made;
+    std::vector<engine::Frames> m_frames;
+    std::vector<engine::Frames> m_made;
 };
 
 unsigned WorkerCount(const RunSettings& settings)
@@ -125,7 +129,7 @@ unsigned WorkerCount(const RunSettings& settings)
 void TakeColours(const JobPlan& plan, KeyColours& colours, const Stage& pictures, Feed& feed)
 {
     if (!colours.NeedFrame()) return;
-    const std::vector<host::PicturePtr> first = feed.Frames();
+    const std::vector<Frames> first = feed.Next();
     if (first.empty()) return;
     Stopwatch unused;
     Stage(plan, colours, &pictures, nullptr).Run(first, unused);
@@ -165,7 +169,7 @@ void RunFrames(const JobPlan& plan, KeyColours& colours, const Stage& pictures, 
 
 void Announce(const JobPlan& plan, RunEvents& events)
 {
-    for (const std::string& remark : plan.remarks)
+    for (const Message& remark : plan.remarks)
         events.OnRemark(remark);
     for (const InsertedConversion& inserted : plan.insertions)
         events.OnConversion(inserted);
@@ -181,7 +185,7 @@ RunResult RunJob(const CheckedJob& job, RunEvents& events, Probe* probe)
     RunResult result;
     Stopwatch& watch = result.watch;
     watch.Start();
-    const std::vector<host::PicturePtr> sources = Feed(plan).Pictures();
+    const std::vector<Frames> sources = Feed(plan).Pictures();
     watch.Lap(Phase::Read);
     KeyColours colours(plan, events);
     Stage pictures(plan, colours, probe);

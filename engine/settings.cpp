@@ -143,6 +143,9 @@ std::vector<Setting> ParameterSettings(const catalogue::Entry& entry)
             settings.push_back({PlaceSettingOf(parameter), "X,Y[,RADIUS]"});
     }
     if (entry.places) settings.push_back({kCanvasSetting, kCanvasForm});
+    if (entry.fields == catalogue::FieldUse::Splits) settings.push_back({kSameRateSetting, ""});
+    if (entry.fields == catalogue::FieldUse::Weaves)
+        settings.push_back({kFieldOrderSetting, "top|bottom", {"top", "bottom"}});
     if (catalogue::IsGenerator(entry)) {
         settings.push_back({kCanvasSetting, kSizeForm});
         settings.push_back(SettingNamed(SourceSettings(), kFormatSetting));

@@ -31,6 +31,10 @@ inline constexpr const char* kStopsForm = "WEIGHT:COLOUR...";
 
 /// The setting of an operator that moves its picture, or makes one of nothing, for the size of what it makes.
 inline constexpr const char* kCanvasSetting = "size";
+/// The setting of an operator that splits frames into their fields: a clip keeps its rate.
+inline constexpr const char* kSameRateSetting = "same-rate";
+/// Of one that weaves them: which field is the earlier one. Elsewhere it is a source's.
+inline constexpr const char* kFieldOrderSetting = "field-order";
 /// The setting of an operator that makes a picture of nothing, for the format.
 inline constexpr const char* kFormatSetting = "format";
 /// Settings of an operator that makes video legal: the file that tells of it, and by which chroma.

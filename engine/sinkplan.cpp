@@ -3,6 +3,7 @@
 #include "catalogue/names.h"
 #include "engine/failure.h"
 #include "engine/planning.h"
+#include "engine/settings.h"
 #include "engine/text.h"
 #include "engine/words.h"
 #include "host/pixelrows.h"
@@ -93,17 +94,26 @@ host::Matrix MatrixOf(const GUID& format, host::Matrix fallback)
     return info.model == PXColorModel_YCC709 ? host::Matrix::Bt709 : host::Matrix::Bt601;
 }
 
+host::Ratio RateOf(host::Ratio rate, int doublings)
+{
+    for (; doublings > 0; --doublings)
+        (rate.denominator % 2 == 0 ? rate.denominator /= 2 : rate.numerator *= 2);
+    for (; doublings < 0; ++doublings)
+        (rate.numerator % 2 == 0 ? rate.numerator /= 2 : rate.denominator *= 2);
+    return rate;
+}
+
 host::VideoSettings SettingsLike(const SinkPlan& sink, const Signal& signal, const host::VideoReader& like)
 {
     const host::VideoInfo& info = like.Info();
     host::VideoSettings settings;
     settings.width = signal.width;
     settings.height = signal.height;
-    settings.rate = info.rate;
+    settings.rate = RateOf(info.rate, signal.doublings);
     settings.aspect = info.aspect;
     settings.matrix = info.matrix.value;
     settings.range = info.range.value;
-    settings.fieldOrder = info.fieldOrder.value;
+    settings.fieldOrder = signal.fieldOrder;
     settings.codec = sink.sink.codec;
     settings.container = sink.sink.container;
     settings.codecOptions = sink.sink.codecOptions;
@@ -170,9 +180,19 @@ void PlanPicture(const JobPlan& plan, const SinkPlan& sink, const Signal& signal
 {
     const RunSettings& settings = plan.settings;
     if (!signal.clip) return;
-    if (settings.endFrame && *settings.endFrame == settings.firstFrame + 1) return;
-    throw RequestError(sink.sink.path + " is one picture, and " + plan.sources[*signal.clipRoot].source.path +
-                       " a clip; choose a frame, such as " + OfRun("frames") + " 10:11, or write a clip");
+    const bool halved = signal.doublings < 0;
+    const long frames = settings.endFrame.value_or(0) - settings.firstFrame;
+    if (settings.endFrame && (halved ? frames == 1L << -signal.doublings : frames << signal.doublings == 1))
+        return;
+    const std::string start = sink.sink.path + " is one picture, and ";
+    if (signal.doublings > 0) {
+        throw RequestError(start + signal.label + " has two frames for each of " +
+                           plan.sources[*signal.clipRoot].source.path + "; write a clip, or add " +
+                           Named(kSameRateSetting));
+    }
+    throw RequestError(start + plan.sources[*signal.clipRoot].source.path + " a clip; choose " +
+                       (halved ? "two frames" : "a frame") + ", such as " + OfRun("frames") +
+                       (halved ? " 10:12" : " 10:11") + ", or write a clip");
 }
 
 } // namespace

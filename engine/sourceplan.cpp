@@ -26,13 +26,6 @@ GUID FormatAsRead(const Source& source, const host::PictureInfo& info)
     return *source.format;
 }
 
-constexpr host::FieldOrder kProgressive = host::FieldOrder::Progressive;
-
-bool HasFields(host::FieldOrder order)
-{
-    return order != kProgressive;
-}
-
 void OpenPicture(SourcePlan& source, Signal& signal)
 {
     const std::string& path = source.source.path;
@@ -45,7 +38,7 @@ void OpenPicture(SourcePlan& source, Signal& signal)
     signal.format = FormatAsRead(source.source, source.picture);
     signal.width = source.picture.width;
     signal.height = source.picture.height;
-    signal.interlaced = HasFields(source.source.overrides.fieldOrder.value_or(kProgressive));
+    signal.fieldOrder = source.source.overrides.fieldOrder.value_or(host::FieldOrder::Progressive);
     signal.alpha = source.picture.alpha != host::AlphaState::None;
 }
 
@@ -57,7 +50,7 @@ void OpenClip(JobPlan& plan, SourcePlan& source, Signal& signal)
     signal.width = info.width;
     signal.height = info.height;
     signal.clip = true;
-    signal.interlaced = HasFields(info.fieldOrder.value);
+    signal.fieldOrder = info.fieldOrder.value;
     signal.alpha = info.alpha.value != host::AlphaState::None;
     signal.clipRoot = plan.sources.size();
     for (const std::string& remark : info.remarks)

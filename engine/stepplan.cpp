@@ -39,6 +39,34 @@ const Signal& DominantOf(const JobPlan& plan, const StepPlan& planned)
     return planned.dominant == 0 ? FirstOf(plan, planned) : SignalOf(plan, planned.inputs[planned.dominant]);
 }
 
+// All signals that flow into a step.
+Signals TakenBy(const JobPlan& plan, const StepPlan& planned)
+{
+    Signals taken;
+    for (const StepInput& input : planned.inputs)
+        if (input.signal) taken.push_back(&SignalOf(plan, input));
+    if (planned.mask) taken.push_back(&SignalOf(plan, planned.mask->input));
+    return taken;
+}
+
+// The input that the result has its rate and its fields from: the first clip, if there is one.
+const Signal& TimedOf(const JobPlan& plan, const StepPlan& planned)
+{
+    const Signals taken = TakenBy(plan, planned);
+    const auto clip = std::find_if(taken.begin(), taken.end(), [](const Signal* s) { return s->clip; });
+    return clip == taken.end() ? *taken.front() : **clip;
+}
+
+void CheckRates(const JobPlan& plan, const StepPlan& planned)
+{
+    const Signal& timed = TimedOf(plan, planned);
+    for (const Signal* other : TakenBy(plan, planned)) {
+        if (!other->clip || other->doublings == timed.doublings) continue;
+        throw RequestError(planned.step.entry->name + " takes clips frame by frame, and " + timed.label +
+                           " and " + other->label + " differ in their rate");
+    }
+}
+
 // Whether an input is the first one again, and lies where that does.
 bool IsFirstAgain(const Step& step, std::size_t index)
 {
@@ -139,19 +167,6 @@ PXImageChannel MaskChannel(const StepMask& mask, const Signal& signal)
     if (mono == (*mask.channel == PXImageChannel_MONO)) return *mask.channel;
     throw RequestError(Named("mask") + " " + signal.label + " is a " + (mono ? "grey" : "colour") +
                        " picture: its channel is " + (mono ? "mono" : "red, green, blue or alpha"));
-}
-
-void CheckFieldOrder(const JobPlan& plan, const StepPlan& planned)
-{
-    const Step& step = planned.step;
-    const Signal& input = FirstOf(plan, planned);
-    const bool chosen = step.fieldsTogether || (step.mode & kFieldBits) != 0;
-    if (!step.entry->movesRows || !input.interlaced || chosen) return;
-    throw RequestError(input.label + " is interlaced, and " + step.entry->name +
-                       " would mix the two fields of a frame: deinterlace it first, or take its frames as "
-                       "they are with " +
-                       Named("fields") + " both, or, when it is not interlaced at all, add " +
-                       Named("field-order") + " progressive");
 }
 
 void CheckVectors(const JobPlan& plan, const StepPlan& planned)
@@ -278,6 +293,8 @@ Signal ResultSignal(const JobPlan& plan, const StepPlan& planned)
     result.width = planned.outputSize[0];
     result.height = planned.outputSize[1];
     result.clip = planned.clip;
+    result.fieldOrder = planned.fieldOrder;
+    result.doublings = TimedOf(plan, planned).doublings + planned.doubles;
     const Step& step = planned.step;
     const bool whole = planned.outputSize == planned.dominantBox.GetSize() && !step.roi;
     const bool copies = catalogue::IsConverter(*step.entry) || step.entry->copies;
@@ -307,12 +324,15 @@ void CheckOutputSize(const GUID& format, const vfILVector2l& size, const Message
 
 void AddResults(JobPlan& plan, StepPlan& planned, Signal result)
 {
-    for (const std::string& name : planned.step.results) {
-        planned.outputs.emplace_back();
-        if (name.empty()) continue;
-        planned.outputs.back() = plan.signals.size();
-        result.name = name;
-        result.label = name;
+    const std::vector<std::string>& names = planned.step.results;
+    planned.outputs.resize(names.size());
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        if (names[i].empty()) continue;
+        const bool again = i > 0 && names[i] == names[0];
+        planned.outputs[i].signal = again ? *planned.outputs[0].signal : plan.signals.size();
+        if (again) continue;
+        result.name = names[i];
+        result.label = names[i];
         plan.signals.push_back(result);
     }
 }
@@ -328,11 +348,12 @@ void PlanStep(JobPlan& plan, Step step)
     PlanLegality(plan, planned, FirstOf(plan, planned));
     LeaveFullAlpha(plan, planned);
     PlanDominant(plan, planned);
-    CheckFieldOrder(plan, planned);
     CheckVectors(plan, planned);
     PlanRegions(plan, planned);
     CheckKeyColour(plan, planned);
     PlanMask(plan, planned);
+    CheckRates(plan, planned);
+    PlanFields(plan, planned, TimedOf(plan, planned));
     planned.multiply = WorksMultiplied(planned);
     planned.resultFormat = ResultFormat(plan, planned);
     AddResults(plan, planned, ResultSignal(plan, planned));

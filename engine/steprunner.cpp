@@ -47,13 +47,15 @@ StepRunner::StepRunner(const JobPlan& plan, const StepPlan& step, KeyColours& co
 }
 
 // Whether the picture has no clear pixel for sure, so that its colour is the same multiplied. Those that do
-// not change are shared among the threads of a clip, and multiplied once like any other.
+// not change, and frames that are looked at from beside, are shared among the threads of a clip, and
+// multiplied like any other.
 bool StepRunner::IsOpaqueFrame(std::size_t input) const
 {
     const StepInput& plan = m_step.inputs[input];
     if (!plan.signal) return false;
     const Signal& signal = m_plan.signals[*plan.signal];
-    return (signal.clip || !m_plan.clip) && !signal.alpha && !signal.mayClear;
+    const bool shared = signal.end - signal.first > signal.count;
+    return (signal.clip || !m_plan.clip) && !shared && !signal.alpha && !signal.mayClear;
 }
 
 // What output pixels without a source take.
@@ -129,6 +131,14 @@ host::PicturePtr StepRunner::PrepareMask(const host::PicturePtr& picture, Stopwa
     return prepared;
 }
 
+// Whether a frame is missing that the step looks at beside its own.
+bool StepRunner::IsAlone(const std::vector<host::PicturePtr>& inputs) const
+{
+    for (std::size_t i = 0; i < inputs.size(); ++i)
+        if (m_step.inputs[i].otherwise && !inputs[i]) return true;
+    return false;
+}
+
 void StepRunner::Connect(const std::vector<host::PicturePtr>& inputs, const host::PicturePtr& mask)
 {
     for (std::size_t i = 0; i < inputs.size(); ++i)
@@ -144,6 +154,7 @@ void StepRunner::Connect(const std::vector<host::PicturePtr>& inputs, const host
     m_op->Processor().SetProcessingMode(m_step.step.mode);
     for (const auto& [parameter, value] : m_step.step.parameters)
         parameter->apply(m_op->Processor(), value);
+    if (m_step.alone && IsAlone(inputs)) m_step.alone->first->apply(m_op->Processor(), m_step.alone->second);
     const std::optional<ColourPlace>& place = m_step.step.keyColour;
     if (place) place->parameter->apply(m_op->Processor(), m_colours.Of(m_step, inputs.front()));
 }
@@ -181,7 +192,7 @@ void StepRunner::ShowOtherField(const host::PicturePtr& dominant)
 
 host::PicturePtr StepRunner::Output(std::size_t index)
 {
-    if (!m_step.outputs[index]) return {};
+    if (!m_step.outputs[index].signal) return {};
     const vfILVector2l& size = m_step.outputSize;
     try {
         return m_outputs[index].Get(m_step.resultFormat, size[0], size[1]);

@@ -37,6 +37,7 @@ private:
     bool IsOpaqueFrame(std::size_t input) const;
     vfILColor FillColor() const;
     bool Covers() const;
+    bool IsAlone(const std::vector<host::PicturePtr>& inputs) const;
     void Multiply(std::size_t index, host::PicturePtr& picture);
     void Pad(std::size_t index, host::PicturePtr& picture);
     void Connect(const std::vector<host::PicturePtr>& inputs, const host::PicturePtr& mask);

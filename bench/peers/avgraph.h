@@ -78,6 +78,15 @@ public:
         Take();
     }
 
+    /// For a filter whose results come later, or several at a time: takes all there are.
+    void RunLate(const AvPicture& picture)
+    {
+        Put(m_input, picture, true);
+        ++m_count;
+        while (av_buffersink_get_frame(m_sink, m_out) >= 0)
+            av_frame_unref(m_out);
+    }
+
 private:
     struct Input {
         AVFilterContext* source = nullptr;

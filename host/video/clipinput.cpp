@@ -285,15 +285,26 @@ FramePtr ClipInput::NextFrame()
     return frame;
 }
 
+PicturePtr ClipInput::PictureOf(const AVFrame& frame)
+{
+    PicturePtr picture = (*m_copy)(frame);
+    picture->SetPremultiplied(m_info.alpha.value == AlphaState::Premultiplied);
+    return picture;
+}
+
 PicturePtr ClipInput::Read()
 {
     const FramePtr frame = NextFrame();
     if (!frame) return {};
     if (!m_anyRead) m_firstReadTime = SecondsOf(*frame);
     m_anyRead = true;
-    PicturePtr picture = (*m_copy)(*frame);
-    picture->SetPremultiplied(m_info.alpha.value == AlphaState::Premultiplied);
-    return picture;
+    return PictureOf(*frame);
+}
+
+PicturePtr ClipInput::ReadBefore()
+{
+    const FramePtr frame = NextFrame();
+    return frame ? PictureOf(*frame) : PicturePtr();
 }
 
 bool ClipInput::Skip()

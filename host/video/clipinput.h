@@ -13,6 +13,7 @@ public:
     ClipInput(const std::filesystem::path& path, const VideoOverrides& overrides);
 
     PicturePtr Read();
+    PicturePtr ReadBefore();
     bool Skip();
 
     const VideoInfo& Info() const { return m_info; }
@@ -30,6 +31,7 @@ private:
     void Settle(const Statement& header, const VideoOverrides& overrides);
     FramePtr Decode();
     FramePtr NextFrame();
+    PicturePtr PictureOf(const AVFrame& frame);
     void FeedDecoder();
     double StatedSeconds() const;
     void CheckComplete();

@@ -113,6 +113,8 @@ void SettleFields(const Statement& stream, const Statement& frame, const std::op
     const Said<FieldOrder> said{FieldsOf(stream.fields), FieldsOf(frame.fields), user,
                                 FieldOrder::Progressive};
     info.fieldOrder = Choose(said, "field order", option, info.remarks);
+    info.streamFieldOrder = said.stream;
+    info.frameFieldOrder = said.frame;
     const bool mixed = stream.fields == AV_FIELD_TB || stream.fields == AV_FIELD_BT;
     if (mixed && info.fieldOrder.origin == Origin::Stream && !said.frame) {
         info.remarks.push_back(std::string("which field is shown first is written ambiguously: taken as ") +

@@ -27,6 +27,11 @@ PicturePtr VideoReader::Read()
     return WithMemory(m_input->Path(), [this] { return m_input->Read(); });
 }
 
+PicturePtr VideoReader::ReadBefore()
+{
+    return WithMemory(m_input->Path(), [this] { return m_input->ReadBefore(); });
+}
+
 bool VideoReader::Skip()
 {
     return WithMemory(m_input->Path(), [this] { return m_input->Skip(); });

@@ -250,6 +250,11 @@ inline U16 ShiftRight(U16 v)
     return {VFIL_MM(srli_epi16)(v.bits, count)};
 }
 
+inline U16 ShiftRight(U16 v, int count)
+{
+    return {VFIL_MM(srl_epi16)(v.bits, _mm_cvtsi32_si128(count))};
+}
+
 template <int count>
 inline U16 ShiftLeft(U16 v)
 {

@@ -46,22 +46,22 @@ inline S32 PackFullBeside(S32 low, S32 high)
     return {Shuffle16(fours.bits, 0x0B0A'0302'0908'0100, 0x0F0E'0706'0D0C'0504)};
 }
 
-/// The entry of 64 bits at each index of a table: its lower and its upper halves.
-inline SplitLanes LookUp64(const void* table, S32 indices)
+/// The entry of 64 bits at each of kLanes32 indices of a table: its lower and its upper halves. Who has
+/// stored the indices well before does not wait for them here.
+inline SplitLanes LookUp64(const void* table, const std::uint32_t* indices)
 {
 #if defined(__AVX512BW__)
     const __m512i order = _mm512_setr_epi32(0, 1, 4, 5, 8, 9, 12, 13, 2, 3, 6, 7, 10, 11, 14, 15);
-    const __m512i at = _mm512_permutexvar_epi32(order, indices.bits);
+    const __m512i at = _mm512_permutexvar_epi32(order, LoadLanes(indices).bits);
     return Split({_mm512_i32gather_epi64(_mm512_castsi512_si256(at), table, 8)},
                  {_mm512_i32gather_epi64(_mm512_extracti64x4_epi64(at, 1), table, 8)});
 #else
     // Loads of their own beat the gathers of most machines of this level.
-    alignas(kBytes) std::uint32_t at[kLanes32];
-    StoreLanes(at, indices);
     const auto* entries = static_cast<const std::uint8_t*>(table);
+    const auto entry = [&](std::size_t i) { return entries + 8 * std::size_t{indices[i]}; };
     const auto two = [&](std::size_t i) {
-        const __m128i first = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(entries + 8 * at[i]));
-        const auto* second = reinterpret_cast<const __m64*>(entries + 8 * at[i + 1]);
+        const __m128i first = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(entry(i)));
+        const auto* second = reinterpret_cast<const __m64*>(entry(i + 1));
         return _mm_castps_si128(_mm_loadh_pi(_mm_castsi128_ps(first), second));
     };
     return Split({_mm256_set_m128i(two(4), two(0))}, {_mm256_set_m128i(two(6), two(2))});

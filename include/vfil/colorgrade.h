@@ -52,8 +52,7 @@ public:
     /// \return 1 when there is a stop of this weight; else 0
     int IsWeightOccupied(long weight) const;
     /// (x, y) is where the ramp begins, or its centre; (dx, dy) its direction and length, which is the radius
-    /// of a radial one. All 0 by default.
-    /// Numbers beyond 32 bits saturate.
+    /// of a radial one. All 0 by default. Numbers beyond 32 bits saturate.
     void SetVector(long x, long y, long dx, long dy);
     /// A null pointer skips that one.
     void GetVector(long* x, long* y, long* dx, long* dy) const;

@@ -128,10 +128,9 @@ public:
     void SetLuminanceAdjustFactor(double factor);
     int GetStrictPairs() const;
     /// \param strict Non-zero has modes 1 to 4 judge both pixels of a pair by the chroma that they share,
-    /// store
-    ///               what is legal with both, and see to what rounding leaves: by its own samples no pixel of
-    ///               the output is outside of RGB by more than one code of 0 .. 255. 0, the default, does as
-    ///               told above, and leaves up to 2 codes even in flat pictures.
+    ///               store what is legal with both, and see to what rounding leaves: by its own samples no
+    ///               pixel of the output is outside of RGB by more than one code of 0 .. 255. 0, the default,
+    ///               does as told above, and leaves up to 2 codes even in flat pictures.
     void SetStrictPairs(int strict);
 
 protected:

@@ -190,7 +190,9 @@ TEST(EachEntry, RolesAreThoseOfTheNames)
                                        : is("do-dithering") ? ParameterRole::Dither
                                        : is("key-color")    ? ParameterRole::KeyColour
                                        : is("color-model") && !parameter.fallback ? ParameterRole::ColourModel
-                                                                                  : ParameterRole::None;
+                                       : is("type") && entry.fields == catalogue::FieldUse::Splits
+                                           ? ParameterRole::MissingRows
+                                           : ParameterRole::None;
             EXPECT_EQ(parameter.role, role) << entry.name << " " << parameter.name;
         }
         EXPECT_EQ(entry.copies, entry.name == "copy");
@@ -295,6 +297,40 @@ TEST(EachEntry, ParametersReadBackAndHaveTheirDefaults)
                     << entry.name << " " << parameter.name << " after " << changed.name;
             }
         }
+    }
+}
+
+// Whether the upper row of a result goes by the lower row of an input.
+bool MixesRows(const Entry& entry, const Parameter* changed)
+{
+    const Bench bench(entry);
+    if (changed) changed->apply(bench.op->Processor(), OtherThanDefault(*changed));
+    std::vector<long> sums;
+    for (const int value : {40, 200}) {
+        for (const host::PicturePtr& input : bench.inputs) {
+            std::memset(input->Row(1), 120, input->RowBytes());
+            std::memset(input->Row(0), value, input->RowBytes());
+        }
+        if (bench.op->Processor().Execute() != VFIL_SUCCESS) return false;
+        const bool over = !entry.conversions.empty() && entry.conversions.front().turnsOver;
+        for (const host::PicturePtr& output : bench.outputs)
+            sums.push_back(RowSum(*output, over ? 0 : 1));
+    }
+    const auto half = sums.begin() + static_cast<std::ptrdiff_t>(bench.outputs.size());
+    return !std::equal(sums.begin(), half, half);
+}
+
+// Who forgets the flag lets people mix the fields of their clips without a word.
+TEST(EachEntry, MixesRowsWhereItSaysSo)
+{
+    for (const Entry& entry : catalogue::Entries()) {
+        bool mixes = MixesRows(entry, nullptr);
+        for (const Parameter& parameter : entry.parameters)
+            mixes = mixes || MixesRows(entry, &parameter);
+        const bool onPurpose =
+            entry.fields != catalogue::FieldUse::None && entry.fields != catalogue::FieldUse::Weaves;
+        EXPECT_TRUE(!mixes || entry.movesRows || onPurpose) << entry.name;
+        EXPECT_TRUE(!entry.movesRows || entry.spatialReach > 0 || entry.radiusReach > 0) << entry.name;
     }
 }
 

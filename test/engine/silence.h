@@ -13,7 +13,7 @@ namespace vfil::engine {
 /// Says nothing.
 class Silence final : public RunEvents {
 public:
-    void OnRemark(const std::string& text) override { remarks.push_back(text); }
+    void OnRemark(const Message& text) override { remarks.push_back(text.Plain()); }
     void OnConversion(const InsertedConversion& conversion) override
     {
         converted.push_back(conversion.label);

@@ -122,6 +122,14 @@ public:
         };
         return {encode(left, 0), encode(left, 1), encode(right, 0), encode(left, 2)};
     }
+    int Mixed(long mask, long corrected, long old) const
+    {
+        const auto rounded = [this](long product) {
+            return static_cast<int>((product + m_full / 2) / m_full);
+        };
+        if (m_full == 255) return rounded(mask * corrected) + rounded((m_full - mask) * old);
+        return rounded(mask * corrected + (m_full - mask) * old);
+    }
     int AlphaOfPlane(int in) const { return Replaced(3, Alpha(in)); }
 
 private:
@@ -219,70 +227,49 @@ std::vector<Pixel> PixelsOf(const GuardedImage& image)
     return pixels;
 }
 
-/// What a run must leave in a pixel.
-class Expectation {
-public:
-    Expectation(const Settings& settings, const GuardedImage& in, const GuardedImage* mask,
-                unsigned long mode)
-        : m_model(settings, in.Format()), m_in(in), m_mask(mask), m_mode(mode)
-    {}
-    Pixel At(long x, long y) const
-    {
-        const Pixel old = m_in.Get(x, y);
-        if (m_in.Format().IsSubsampled()) return InVideo(x, y, old);
-        const Pixel corrected = m_model.Rgba(old);
-        Pixel result = old;
+/// What a run must leave in a pixel that it treats.
+Pixel Expected(const Model& model, const GuardedImage& in, const GuardedImage* mask, unsigned long mode,
+               long x, long y)
+{
+    const Pixel old = in.Get(x, y);
+    Pixel result = old;
+    if (!in.Format().IsSubsampled()) {
+        const Pixel corrected = model.Rgba(old);
         for (std::size_t c = 0; c < 4; ++c)
-            if ((m_mode >> c & 1U) != 0) result[c] = Mixed(x, y, corrected[c], old[c]);
+            if ((mode >> c & 1U) != 0)
+                result[c] =
+                    mask == nullptr ? corrected[c] : model.Mixed(mask->Get(x, y)[0], corrected[c], old[c]);
         return result;
     }
+    const std::size_t luma = in.Format().Is('C') ? 1 : 0;
+    const std::size_t chroma = 1 - luma;
+    const Pixel left = in.Get(x & ~1L, y);
+    Pixel right = left;
+    right[chroma] = 128;
+    if ((x | 1) < in.Width()) right = in.Get(x | 1, y);
+    const Pixel pair = model.Pair({left[luma], left[chroma], right[luma], right[chroma]});
+    result[luma] = pair[(x & 1) != 0 ? 2 : 0];
+    result[chroma] = pair[(x & 1) != 0 ? 3 : 1];
+    if (in.Format().Is('P') && (mode & 8U) != 0) result[2] = model.AlphaOfPlane(old[2]);
+    return result;
+}
 
-private:
-    Pixel InVideo(long x, long y, const Pixel& old) const
-    {
-        const std::size_t luma = m_in.Format().Is('C') ? 1 : 0;
-        const Pixel left = m_in.Get(x & ~1L, y);
-        Pixel right{};
-        right[luma] = left[luma];
-        right[1 - luma] = 128;
-        if ((x | 1) < m_in.Width()) right = m_in.Get(x | 1, y);
-        const Pixel pair = m_model.Pair({left[luma], left[1 - luma], right[luma], right[1 - luma]});
-        const std::size_t at = (x & 1) != 0 ? 2 : 0;
-        Pixel result = old;
-        result[luma] = pair[at];
-        result[1 - luma] = pair[at + 1];
-        if (m_in.Format().Is('P') && (m_mode & 8U) != 0) result[2] = m_model.AlphaOfPlane(old[2]);
-        return result;
-    }
-    int Mixed(long x, long y, int corrected, int old) const
-    {
-        if (m_mask == nullptr) return corrected;
-        const long full = m_in.Format().Full();
-        const long m = m_mask->Get(x, y)[0];
-        const auto rounded = [full](long product) { return (product + full / 2) / full; };
-        if (full == 255) return static_cast<int>(rounded(m * corrected) + rounded((full - m) * old));
-        return static_cast<int>(rounded(m * corrected + (full - m) * old));
-    }
-
-    Model m_model;
-    const GuardedImage& m_in;
-    const GuardedImage* m_mask;
-    unsigned long m_mode;
-};
+bool IsRgba(const FormatCase& format)
+{
+    return format.id == PXFormat_RGBA32 || format.id == PXFormat_RGBA64;
+}
 
 TEST(ColorCorrection, IsTheModel)
 {
     std::mt19937 random(1);
     std::vector<const FormatCase*> formats;
-    for (const FormatCase& format : kFormats) {
-        if (format.IsSubsampled()) formats.push_back(&format);
-        if (format.id == PXFormat_RGBA32 || format.id == PXFormat_RGBA64)
-            formats.insert(formats.end(), 6, &format);
-    }
+    for (const FormatCase& format : kFormats)
+        if (IsRgba(format) || format.IsSubsampled())
+            formats.insert(formats.end(), IsRgba(format) ? 6 : 1, &format);
     for (int i = 0; i < 1500; ++i) {
         const FormatCase& format = *formats[random() % formats.size()];
         Settings settings = RandomSettings(random);
-        if (!format.IsSubsampled() && settings.model == 0) settings.model = 64;
+        if (IsRgba(format) && settings.model == 0) settings.model = 64;
         Correct correct(random() % 4 != 0);
         const Tables tables(settings, correct);
 
@@ -290,98 +277,86 @@ TEST(ColorCorrection, IsTheModel)
         GuardedImage in(format.id, width, 3), original(format.id, width, 3), other(format.id, width, 3);
         in.Randomise(random);
         other.Randomise(random);
-        for (long y = 0; y < 3; ++y)
-            for (long x = 0; x < width; ++x)
-                original.Set(x, y, in.Get(x, y));
+        for (long x = 0; x < 3 * width; ++x)
+            original.Set(x % width, x / width, in.Get(x % width, x / width));
         GuardedImage& out = random() % 3 == 0 ? in : other;
         const std::vector<Pixel> before = PixelsOf(out);
         correct.SetInputImg(&in);
         correct.SetOutputImg(&out);
 
-        GuardedImage mask(format.Full() == 255 ? PXFormat_Mono8 : PXFormat_Mono16, width, 3);
+        GuardedImage mask(format.Full() == 255 ? PXFormat_RGBA32 : PXFormat_Mono16, width, 3);
         mask.Randomise(random);
-        const bool masked = !format.IsSubsampled() && random() % 2 == 0;
-        if (masked) correct.SetMask({0, 0, width, 3}, &mask, PXImageChannel_MONO);
-        const unsigned long channels = format.IsSubsampled() ? 7 + random() % 2 * 8 : random() % 16;
-        const unsigned long mode = channels | RandomFieldBits(random);
+        const bool masked = IsRgba(format) && random() % 2 == 0;
+        if (masked)
+            correct.SetMask({0, 0, width, 3}, &mask,
+                            format.Full() == 255 ? PXImageChannel_RED : PXImageChannel_MONO);
+        const unsigned long mode =
+            (IsRgba(format) ? random() % 16 : 7 + random() % 2 * 8) | RandomFieldBits(random);
         correct.SetProcessingMode(mode);
         ASSERT_EQ(correct.Verify(), VFIL_SUCCESS);
         ASSERT_EQ(correct.Execute(), VFIL_SUCCESS);
 
-        const Expectation expected(settings, original, masked ? &mask : nullptr, mode);
-        for (long y = 0; y < 3; ++y) {
-            const bool kept = (mode & (y % 2 != 0 ? VFIL_MODE_EVEN_ROWS : VFIL_MODE_ODD_ROWS)) != 0;
-            for (long x = 0; x < width; ++x)
-                ASSERT_EQ(out.Get(x, y),
-                          kept ? before[static_cast<std::size_t>(y * width + x)] : expected.At(x, y))
-                    << format.name << ", case " << i << ", " << x << ", " << y << ", mode " << mode;
+        const Model model(settings, format);
+        std::vector<Pixel> expected = before;
+        for (long x = 0; x < 3 * width; ++x) {
+            const long y = x / width;
+            if ((mode & (y % 2 != 0 ? VFIL_MODE_EVEN_ROWS : VFIL_MODE_ODD_ROWS)) != 0) continue;
+            expected[static_cast<std::size_t>(x)] =
+                Expected(model, original, masked ? &mask : nullptr, mode, x % width, y);
         }
+        ASSERT_EQ(PixelsOf(out), expected) << format.name << ", case " << i << ", mode " << mode;
         ASSERT_TRUE(out.AreGuardsIntact());
     }
 }
 
-/// Runs over one pixel; alpha is selected.
-Pixel Corrected(const GUID& format, const Pixel& pixel, void (*setUp)(Correct&), bool simd)
-{
-    GuardedImage image(format, 2, 1);
-    image.Set(0, 0, pixel);
-    image.Set(1, 0, pixel);
-    Correct correct(simd);
-    correct.SetInputImg(&image);
-    correct.SetOutputImg(&image);
-    correct.SetProcessingMode(VFIL_MODE_RGBA);
-    setUp(correct);
-    EXPECT_EQ(correct.Verify(), VFIL_SUCCESS);
-    EXPECT_EQ(correct.Execute(), VFIL_SUCCESS);
-    return image.Get(0, 0);
-}
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 struct Case {
     const char* name;
-    void (*setUp)(Correct&);
     GUID format;
     Pixel in, out;
+    double hue = 0, saturation = 100, gain = 100, offset = 0;
 };
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-using C = Correct;
 
 const Case kCases[] = {
-    {"offset 100", [](C& c) { c.SetOffset(100); }, PXFormat_RGBA32, {10, 20, 30, 5}, {255, 255, 255, 255}},
-    {"offset -10", [](C& c) { c.SetOffset(-10); }, PXFormat_RGBA32, {10, 20, 30, 40}, {0, 0, 4, 14}},
-    {"gain after rotation",
-     [](C& c) { c.SetGain(50); },
-     PXFormat_RGBA64,
-     {1000, 2000, 60000, 7},
-     {500, 1000, 30000, 3}},
-    {"a quarter turn takes Cr to minus Cb", [](C& c) { c.SetHue(90); }, PXFormat_YCC422_601, {80, 144}, {80, 112}},
-    {"saturation 200 moves the middle",
-     [](C& c) { c.SetSaturation(200); },
-     PXFormat_YCC422_601,
-     {80, 128},
-     {80, 127}},
-    {"hue no number", [](C& c) { c.SetHue(kNaN); }, PXFormat_RGBA32, {10, 20, 30, 40}, {0, 0, 0, 40}},
-    {"gain 1e300", [](C& c) { c.SetGain(1e300); }, PXFormat_YCC422_601, {80, 200}, {255, 255}},
-    {"gain -1e300", [](C& c) { c.SetGain(-1e300); }, PXFormat_RGBA64, {900, 900, 900, 900}, {0, 0, 0, 0}},
-    {"offset 1e300",
-     [](C& c) { c.SetOffset(1e300); },
-     PXFormat_RGBA64,
-     {1, 2, 3, 4},
-     {65535, 65535, 65535, 65535}},
+    {"offset 100", PXFormat_RGBA32, {10, 20, 30, 5}, {255, 255, 255, 255}, 0, 100, 100, 100},
+    {"offset -10", PXFormat_RGBA32, {10, 20, 30, 40}, {0, 0, 4, 14}, 0, 100, 100, -10},
+    {"half", PXFormat_RGBA64, {1000, 2000, 60000, 7}, {500, 1000, 30000, 3}, 0, 100, 50},
+    {"Cr to minus Cb", PXFormat_YCC422_601, {80, 144}, {80, 112}, 90},
+    {"the middle moves", PXFormat_YCC422_601, {80, 128}, {80, 127}, 0, 200},
+    {"hue no number", PXFormat_RGBA32, {10, 20, 30, 40}, {0, 0, 0, 40}, kNaN},
+    {"gain 1e300", PXFormat_YCC422_601, {80, 200}, {255, 255}, 0, 100, 1e300},
+    {"gain -1e300", PXFormat_RGBA64, {900, 900, 900, 900}, {0, 0, 0, 0}, 0, 100, -1e300},
+    {"offset 1e300", PXFormat_RGBA64, {1, 2, 3, 4}, {65535, 65535, 65535, 65535}, 0, 100, 100, 1e300},
 };
 
 TEST(ColorCorrection, GivesWhatWasWorkedOutByHand)
 {
-    for (const Case& c : kCases)
-        for (const bool simd : {false, true})
-            EXPECT_EQ(Corrected(c.format, c.in, c.setUp, simd), c.out) << c.name << (simd ? ", vectors" : "");
+    for (const Case& c : kCases) {
+        for (const bool simd : {false, true}) {
+            GuardedImage image(c.format, 2, 1);
+            image.Set(0, 0, c.in);
+            image.Set(1, 0, c.in);
+            Correct correct(simd);
+            correct.SetInputImg(&image);
+            correct.SetOutputImg(&image);
+            correct.SetProcessingMode(VFIL_MODE_RGBA);
+            correct.SetHue(c.hue);
+            correct.SetSaturation(c.saturation);
+            correct.SetGain(c.gain);
+            correct.SetOffset(c.offset);
+            EXPECT_EQ(correct.Verify(), VFIL_SUCCESS);
+            EXPECT_EQ(correct.Execute(), VFIL_SUCCESS);
+            EXPECT_EQ(image.Get(0, 0), c.out) << c.name << (simd ? ", vectors" : "");
+        }
+    }
 }
 
 TEST(ColorCorrection, DefaultsChangeNothingAndNoSaturationIsGrey)
 {
     std::mt19937 random(2);
     for (const FormatCase& format : kFormats) {
-        const bool rgba = format.id == PXFormat_RGBA32 || format.id == PXFormat_RGBA64;
-        if (!rgba && !format.IsSubsampled()) continue;
+        if (!IsRgba(format) && !format.IsSubsampled()) continue;
         GuardedImage in(format.id, 51, 20), out(format.id, 51, 20);
         in.Randomise(random);
         Correct correct(true);
@@ -395,7 +370,7 @@ TEST(ColorCorrection, DefaultsChangeNothingAndNoSaturationIsGrey)
             EXPECT_EQ(out.Bytes(), in.Bytes()) << format.name;
             correct.SetSaturation(0);
             ASSERT_EQ(correct.Execute(), VFIL_SUCCESS);
-            if (!rgba) continue;
+            if (!IsRgba(format)) continue;
             for (const Pixel& p : PixelsOf(out))
                 ASSERT_TRUE(p[0] == p[1] && p[1] == p[2]) << format.name;
         }
@@ -413,10 +388,9 @@ TEST(ColorCorrection, RefusesFormatsAndModels)
         return correct.Verify() == VFIL_SUCCESS ? 0 : correct.GetLastError().GetErrorCode();
     };
     for (const FormatCase& format : kFormats) {
-        const bool rgba = format.id == PXFormat_RGBA32 || format.id == PXFormat_RGBA64;
-        const bool taken = rgba || format.IsSubsampled();
+        const bool taken = IsRgba(format) || format.IsSubsampled();
         for (const int model : {0, 1, 64, 512, 576}) {
-            const bool allowed = !rgba || model == 64 || model == 512;
+            const bool allowed = !IsRgba(format) || model == 64 || model == 512;
             EXPECT_EQ(codeOf(format.id, model), !taken    ? 0x1000DUL
                                                 : allowed ? 0
                                                           : 0x1006AUL)

@@ -30,7 +30,8 @@ void RunChains(const Arguments& arguments)
     if (arguments.words.empty()) throw RequestError("takes the name of a chain file");
     const engine::ChainFiles inputs = FilesOf(arguments, "input");
     const engine::ChainFiles outputs = FilesOf(arguments, "output");
-    const ReportSettings reports = MakeReportSettings(arguments);
+    ReportSettings reports = MakeReportSettings(arguments);
+    reports.wording = Wording::Entries;
     for (const std::string& path : arguments.words)
         RunAndReport(engine::CheckChain(path, inputs, outputs, MakeSettings(arguments)), reports);
 }

@@ -20,6 +20,11 @@ int RunInfo(const Arguments& arguments);
 /// Compares a matte with the true one.
 void RunScore(const Arguments& arguments);
 
+/// Measures how the fields of a clip follow each other in time, beside what the clip says.
+///
+/// \return the exit status: kRunFailed when a check is asked for and the two differ
+int RunFields(const Arguments& arguments);
+
 /// Finds keyer and parameters for a plate, and runs them where a result is asked for.
 void RunKeyAuto(const Arguments& arguments);
 

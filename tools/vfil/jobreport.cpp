@@ -153,9 +153,9 @@ class Terminal final : public engine::RunEvents {
 public:
     explicit Terminal(const ReportSettings& settings) : m_settings(settings) {}
 
-    void OnRemark(const std::string& text) override
+    void OnRemark(const engine::Message& text) override
     {
-        if (!m_settings.quiet) std::cerr << "vfil: " << text << '\n';
+        if (!m_settings.quiet) std::cerr << "vfil: " << LineOf(text, m_settings.wording) << '\n';
     }
     void OnConversion(const engine::InsertedConversion& inserted) override
     {

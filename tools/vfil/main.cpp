@@ -46,6 +46,10 @@ int RunCommand(const Command& command, const std::vector<std::string>& words)
         CatchInterrupts();
         RunScore(arguments);
     }
+    if (command.name == "fields") {
+        CatchInterrupts();
+        return RunFields(arguments);
+    }
     if (command.name == "key-auto") {
         CatchInterrupts();
         RunKeyAuto(arguments);

@@ -120,6 +120,10 @@ std::vector<Option> ParameterOptions(const Entry& entry)
     summaries[engine::kReportChromaSetting] =
         "by which chroma reports judge the right pixel of a pair: its own, as it is stored, or the mean with "
         "that of the next pair (default own)";
+    summaries[engine::kSameRateSetting] =
+        "of each frame of a clip make only the field that is first, so that the clip keeps its rate";
+    summaries[engine::kFieldOrderSetting] = "which field of the frames is the earlier one (default top); of "
+                                            "clips that are read: --in-field-order";
     summaries[engine::kCanvasSetting] =
         "size of the output in pixels, around the middle of the picture, or from 0,0 where the options say "
         "where the picture goes on it; same: that of the picture; fit: just large enough for all of it, for "
@@ -242,8 +246,8 @@ std::vector<Option> OutputOptions(const Entry& entry)
 
 std::string SourceOptionOf(const Entry& entry, const std::string& setting)
 {
-    const auto& own = entry.parameters;
-    const auto isSame = [&](const Parameter& parameter) { return parameter.name == setting; };
+    const auto own = engine::ParameterSettings(entry);
+    const auto isSame = [&](const engine::Setting& other) { return other.name == setting; };
     return (std::any_of(own.begin(), own.end(), isSame) ? "in-" : "") + setting;
 }
 
@@ -305,6 +309,20 @@ std::vector<Option> ScoreOptions()
     return options;
 }
 
+std::vector<Option> FieldsOptions()
+{
+    std::vector<Option> options = {
+        {"frames", "", "N|A:B",
+         "look at so many frames, or at those from A, counted from 0, up to B, which is left out (default "
+         "600)"},
+        {"check", "", "", "exit with status 1 when what is measured is not what the clip says"},
+        {"json", "", "", "write a record, with the figures, to standard output"}};
+    for (const Option& option : SourceOptions())
+        if (option.name == "field-order") options.push_back(option);
+    options.back().summary = "what to take for the clip's word, instead of its own";
+    return options;
+}
+
 // The keyers work on RGBA of 8 bits, whatever the plate has.
 std::vector<Option> KeyAutoOptions()
 {
@@ -342,6 +360,9 @@ const std::vector<Command>& Commands()
          "run chains of operators that stand in files, on pictures or clips", ChainOptions()},
         {"info", "FILE... [--json]", "show what pictures and clips hold, and who says so",
          Combine({{{"json", "", "", "write a JSON array"}}, SourceOptions()})},
+        {"fields", "CLIP [--json] [--check] [--frames N|A:B]",
+         "measure how the fields of a clip follow each other in time, beside what the clip says",
+         FieldsOptions()},
         {"score", "MATTE TRUTH [--json] [--diff FILE]",
          "tell how near a matte is to the true one: pictures or clips", ScoreOptions()},
         {"key-auto", "PLATE [-o FILE] [--keyer NAME] [--truth MATTE] [--json]",

@@ -26,38 +26,10 @@ const char* RangeName(host::Range range)
     return range == host::Range::Full ? "full" : "studio";
 }
 
-const char* FieldOrderName(host::FieldOrder order)
-{
-    switch (order) {
-    case host::FieldOrder::Progressive:
-        return "progressive";
-    case host::FieldOrder::TopFirst:
-        return "top";
-    case host::FieldOrder::BottomFirst:
-        return "bottom";
-    }
-    return "";
-}
-
 std::string FieldOrderText(host::FieldOrder order)
 {
     const std::string name = FieldOrderName(order);
     return order == host::FieldOrder::Progressive ? name : "interlaced, " + name + " field first";
-}
-
-const char* OriginName(host::Origin origin)
-{
-    switch (origin) {
-    case host::Origin::Stream:
-        return "stream";
-    case host::Origin::Frame:
-        return "frame";
-    case host::Origin::Override:
-        return "override";
-    case host::Origin::Default:
-        return "default";
-    }
-    return "";
 }
 
 template <class T, class Name>
@@ -80,6 +52,34 @@ std::string RatioText(const host::Ratio& ratio)
 }
 
 } // namespace
+
+const char* FieldOrderName(host::FieldOrder order)
+{
+    switch (order) {
+    case host::FieldOrder::Progressive:
+        return "progressive";
+    case host::FieldOrder::TopFirst:
+        return "top";
+    case host::FieldOrder::BottomFirst:
+        return "bottom";
+    }
+    return "";
+}
+
+const char* OriginName(host::Origin origin)
+{
+    switch (origin) {
+    case host::Origin::Stream:
+        return "stream";
+    case host::Origin::Frame:
+        return "frame";
+    case host::Origin::Override:
+        return "override";
+    case host::Origin::Default:
+        return "default";
+    }
+    return "";
+}
 
 const char* AlphaName(host::AlphaState alpha)
 {

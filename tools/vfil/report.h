@@ -14,6 +14,10 @@
 
 namespace vfil::tool {
 
+/// "progressive", "top" or "bottom"
+const char* FieldOrderName(host::FieldOrder order);
+/// "stream", "frame", "override" or "default"
+const char* OriginName(host::Origin origin);
 /// "none", "straight" or "premultiplied"
 const char* AlphaName(host::AlphaState alpha);
 

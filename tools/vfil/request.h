@@ -4,6 +4,7 @@
 
 #include "engine/job.h"
 #include "tools/vfil/arguments.h"
+#include "tools/vfil/wording.h"
 
 namespace vfil::tool {
 
@@ -15,6 +16,7 @@ struct ReportSettings {
     bool json = false;
     bool quiet = false;
     bool verbose = false;
+    Wording wording = Wording::Options;
 };
 
 /// The job of an operator's command line.

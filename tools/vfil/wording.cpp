@@ -27,12 +27,17 @@ struct Words {
 
 } // namespace
 
-std::string LineOf(const engine::Fault& fault, Wording wording)
+std::string LineOf(const engine::Message& message, Wording wording)
 {
-    std::string line = fault.where;
-    for (const engine::Message::Part& part : fault.text.Parts())
+    std::string line;
+    for (const engine::Message::Part& part : message.Parts())
         line += std::visit(Words{wording}, part);
     return line;
+}
+
+std::string LineOf(const engine::Fault& fault, Wording wording)
+{
+    return fault.where + LineOf(fault.text, wording);
 }
 
 } // namespace vfil::tool

@@ -14,6 +14,8 @@ enum class Wording {
     Entries, ///< in a chain file, as far as it is not of the run as a whole: roi
 };
 
+/// A message as a line.
+std::string LineOf(const engine::Message& message, Wording wording);
 /// A fault as a line.
 std::string LineOf(const engine::Fault& fault, Wording wording);
 

@@ -8,6 +8,9 @@
 #include "il/loops/frame/rowloop.h"
 
 #include "il/rows/field/deinterlacerows.h"
+#include "il/rows/pixel/pointrows.h"
+
+#include <algorithm>
 
 namespace vfil {
 
@@ -19,8 +22,10 @@ template <class Sample>
 class FieldRows {
 public:
     FieldRows(const vfILDeinterlaceRun& run, const DeinterlaceRule& rule)
-        : m_run(run), m_type(rule.type), m_useVectors(rule.useVectors),
-          m_samples(run.rowBytes / sizeof(Sample)),
+        : m_run(run), m_type(rule.type),
+          m_isAdaptive(rule.type != VFIL_DEINTERLACE_DUPLICATE && rule.type != VFIL_DEINTERLACE_INTERPOLATE),
+          m_useVectors(rule.useVectors), m_samples(run.rowBytes / sizeof(Sample)),
+          m_copy(PointRowsAt(rule.useVectors ? BestLevel() : Level::Plain).copy[run.streaming]),
           m_mean(FindMeanRow<Sample>(rule.useVectors, run.streaming)),
           m_adaptive(FindAdaptiveRow<Sample>(rule.useVectors, run.streaming)),
           m_ramp(MotionRampOf<Sample>(rule.minThreshold, rule.maxThreshold))
@@ -34,7 +39,7 @@ public:
     {
         const unsigned char* const from = RowAt(m_run.input, row);
         unsigned char* const to = RowAt(m_run.outputs[output], row);
-        if (from != to) MoveRow(m_useVectors, from, to, m_run.rowBytes, m_run.streaming);
+        if (from != to) Copy(from, to);
     }
 
     /// \param kept  Where the rows beside it are: they belong to the other field.
@@ -45,7 +50,7 @@ public:
         unsigned char* const out = RowAt(m_run.outputs[output], row);
         switch (m_type) {
         case VFIL_DEINTERLACE_DUPLICATE:
-            return MoveRow(m_useVectors, output == 0 ? above : below, out, m_run.rowBytes, m_run.streaming);
+            return Copy(output == 0 ? above : below, out);
         case VFIL_DEINTERLACE_INTERPOLATE:
             return m_mean(Samples(above), Samples(below), reinterpret_cast<Sample*>(out), m_samples);
         default:
@@ -56,13 +61,28 @@ public:
         }
     }
 
+    /// What a row is compared with; null where nothing is.
+    const unsigned char* Compared(int output, long row) const
+    {
+        return m_isAdaptive && row < m_run.rows ? RowAt(m_run.comparisons[output], row) : nullptr;
+    }
+
 private:
+    void Copy(const unsigned char* from, unsigned char* to) const
+    {
+        if (m_run.apart)
+            m_copy(from, to, m_run.rowBytes);
+        else
+            MoveRow(m_useVectors, from, to, m_run.rowBytes);
+    }
     static const Sample* Samples(const unsigned char* row) { return reinterpret_cast<const Sample*>(row); }
 
     const vfILDeinterlaceRun& m_run;
     vfILInterpolationType m_type;
+    bool m_isAdaptive;
     bool m_useVectors;
     std::size_t m_samples;
+    CopyKernel m_copy;
     MeanRow<Sample> m_mean;
     AdaptiveRow<Sample> m_adaptive;
     MotionRamp m_ramp;
@@ -72,9 +92,20 @@ private:
 template <class Sample>
 void RunAtOnce(const vfILProcessor& processor, const vfILDeinterlaceRun& run, const FieldRows<Sample>& rows)
 {
+    constexpr std::size_t kLine = 64;
+    const std::size_t ahead = std::min(run.rowBytes, 16 * kLine);
     ForEachRow(processor, run.rows, [&](long row) {
         const int keeper = rows.KeeperOf(row);
-        if (rows.Has(keeper)) rows.Keep(keeper, row);
+        if (rows.Has(keeper)) {
+            // The start of what the next row is compared with, which no row before leads up to: 0.76 to 0.66
+            // ns a pixel of 4:2:2. Not in a function: one that does nothing else is taken for one that does
+            // nothing.
+            if (const unsigned char* const next = rows.Compared(keeper, row + 1); next != nullptr) {
+                for (std::size_t at = 0; at < ahead; at += kLine)
+                    __builtin_prefetch(next + at);
+            }
+            rows.Keep(keeper, row);
+        }
         if (rows.Has(1 - keeper)) rows.Fill(1 - keeper, row, run.input);
     });
 }

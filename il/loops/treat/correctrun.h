@@ -4,6 +4,7 @@
 
 #include "il/loops/frame/rowcopy.h"
 #include "il/loops/frame/rowloop.h"
+#include "il/rows/treat/correctpairrows.h"
 #include "il/rows/treat/correctrows.h"
 
 #include <type_traits>
@@ -19,18 +20,15 @@ struct CorrectionRun {
     bool vectors;
 
     std::size_t Width() const { return static_cast<std::size_t>(run.processBox.GetSizeX()); }
-    /// The kernels that have room for the correction.
-    const CorrectRows& Rows(std::int32_t most) const
-    {
-        return FindCorrectRows(vectors && FitsVectors(correction, most));
-    }
+    /// Whether vectors may be used, and have room for the correction of samples up to so much.
+    bool FitsVectorsTo(std::int32_t most) const { return vectors && FitsVectors(correction, most); }
 };
 
 /// The kernel of a run over RGBA.
 template <class Sample>
 CorrectRow<Sample> FindCorrectRow(const CorrectionRun& of, bool streaming)
 {
-    const CorrectRows& rows = of.Rows(Arith<Sample>::kFull);
+    const CorrectRows& rows = FindCorrectRows(of.FitsVectorsTo(Arith<Sample>::kFull));
     if constexpr (std::is_same_v<Sample, std::uint8_t>) {
         return rows.correct8[of.correction.hasLut][of.correction.hasTables][streaming];
     } else {
@@ -80,10 +78,14 @@ void CorrectUnderMask(const CorrectionRun& of)
         const MaskRow<Sample> mask(of.run, row);
         for (std::size_t x = 0; x < of.Width(); x += kPiece) {
             const std::size_t pixels = std::min(kPiece, of.Width() - x);
-            for (std::size_t i = 0; i < pixels; ++i)
-                masks[i] = mask[static_cast<long>(x + i)];
+            const Sample* together = mask.samples + x;
+            if (mask.step != 1) {
+                for (std::size_t i = 0; i < pixels; ++i)
+                    masks[i] = mask[static_cast<long>(x + i)];
+                together = masks;
+            }
             correct(in + 4 * x, corrected, pixels, of.correction, VFIL_MODE_RGBA);
-            mix(in + 4 * x, corrected, masks, out + 4 * x, pixels, channels);
+            mix(in + 4 * x, corrected, together, out + 4 * x, pixels, channels);
         }
     });
 }
@@ -127,7 +129,7 @@ inline void CorrectVideoRow(CorrectPairRow correct, const CorrectionRun& of, con
 class ColorCorrectionAlpha8 {
 public:
     explicit ColorCorrectionAlpha8(const CorrectionRun& of)
-        : m_of(of), m_replace(FindCorrectRows(of.vectors).replace[of.run.streaming])
+        : m_of(of), m_replace(FindCorrectPairRows(of.vectors).replace[of.run.streaming])
     {
         MakeAlphaTable(of.correction, m_table);
     }
@@ -155,7 +157,8 @@ private:
 inline void ColorCorrectionYCC422(const CorrectionRun& of, const EncodeTable& back)
 {
     const bool chromaFirst = of.run.picture.format->chromaFirst;
-    const auto& cases = of.Rows(255).pairs[chromaFirst][of.correction.hasLut][of.correction.hasTables];
+    const CorrectPairRows& rows = FindCorrectPairRows(of.FitsVectorsTo(255));
+    const auto& cases = rows.pairs[chromaFirst][of.correction.hasLut][of.correction.hasTables];
     const CorrectPairRow correct = cases[of.run.streaming];
     const ColorCorrectionAlpha8 correctAlpha(of);
     ForEachRow(of.processor, of.run.rows, [&](long row) {

@@ -43,6 +43,30 @@ inline int WidthOf(const MotionRamp& ramp)
     return ramp.moving > ramp.still ? ramp.moving - ramp.still : 1;
 }
 
+/// Unsigned lanes divided by 1 .. 65535. The product with 2^(16 + shift) / divisor, rounded up, is exact
+/// below 2^16 where the rounding adds at most 2^shift / divisor; else the one with that number rounded down
+/// is, of lanes that are 1 larger.
+class Divisor {
+public:
+    explicit Divisor(int divisor)
+    {
+        const auto d = static_cast<std::uint32_t>(divisor);
+        const int shift = 31 - __builtin_clz(d);
+        const std::uint64_t power = std::uint64_t{65536} << shift;
+        const std::uint64_t down = (power - 1) / d; // of a power of two, too, it has 16 bits
+        const bool roundsUp = (d & (d - 1)) != 0 && (down + 1) * d - power <= std::uint64_t{1} << shift;
+        m_factor = Splat(static_cast<int>(roundsUp ? down + 1 : down));
+        m_more = Splat(roundsUp ? 0 : 1);
+        m_shift = shift;
+    }
+    /// Of lanes below 65535.
+    U16 Of(U16 v) const { return ShiftRight(MulHigh(v + m_more, m_factor), m_shift); }
+
+private:
+    U16 m_factor, m_more;
+    int m_shift;
+};
+
 /// The mix of bytes in whole numbers: (space * step + time * (width - step)) / width, whose numerator fits 16
 /// bits. Doubles that are rounded as they come give the same unless the quotient is half a number, which they
 /// may miss by their last bit: such bytes, if there are any, are made anew.
@@ -51,8 +75,8 @@ public:
     explicit ByteMix(const MotionRamp& ramp)
         : m_still(SplatU32(0x01010101U * static_cast<std::uint32_t>(ramp.still))),
           m_most(SplatU32(0x01010101U * static_cast<std::uint32_t>(WidthOf(ramp)))),
-          m_width(Splat(WidthOf(ramp))), m_half(Splat(WidthOf(ramp) / 2)),
-          m_inverse(Splat(WidthOf(ramp) == 1 ? 65535 : 65536 / WidthOf(ramp))), m_reciprocal(ramp.reciprocal)
+          m_width(Splat(WidthOf(ramp))), m_half(Splat(WidthOf(ramp) / 2)), m_divisor(WidthOf(ramp)),
+          m_reciprocal(ramp.reciprocal), m_middle(SplatU32(0x01010101U * ExactMiddle(ramp)))
     {}
 
     /// Whether a quotient may be half a number and not exact in doubles.
@@ -73,7 +97,8 @@ public:
         const Quotient high = Divided(s.hi * w.hi + t.hi * (m_width - w.hi) + m_half);
         const U8 mixed = Narrow({low.whole, high.whole});
         if constexpr (!mayMissHalves) return mixed;
-        const std::uint64_t halves = BitsOf(Equal(Narrow({low.rest, high.rest}), U8{}));
+        const std::uint64_t halves =
+            BitsOf(Equal(Narrow({low.rest, high.rest}), U8{})) & ~BitsOf(Equal(step, m_middle));
         return halves == 0 ? mixed : Settled(mixed, halves, space, time, step);
     }
 
@@ -82,13 +107,18 @@ private:
         U16 whole, rest;
     };
 
-    /// By the width: the product with 65536 / width, rounded down, is at most 1 too small.
+    /// The step whose share is one half, where every other result lies in the middle, if doubles have it
+    /// exactly so; else none.
+    static std::uint32_t ExactMiddle(const MotionRamp& ramp)
+    {
+        const int middle = WidthOf(ramp) / 2;
+        return middle * ramp.reciprocal == 0.5 ? static_cast<std::uint32_t>(middle) : 0xFF;
+    }
+
     Quotient Divided(U16 v) const
     {
-        const U16 whole = MulHigh(v, m_inverse);
-        const U16 excess = v - whole * m_width - m_width;
-        const U16 isRest = SignMask(excess);
-        return {whole + Splat(1) + isRest, excess + (isRest & m_width)};
+        const U16 whole = m_divisor.Of(v);
+        return {whole, v - whole * m_width};
     }
 
     U8 Settled(U8 mixed, std::uint64_t halves, U8 space, U8 time, U8 step) const
@@ -110,8 +140,10 @@ private:
     }
 
     U8 m_still, m_most;
-    U16 m_width, m_half, m_inverse;
+    U16 m_width, m_half;
+    Divisor m_divisor;
     double m_reciprocal;
+    U8 m_middle;
 };
 
 template <bool streaming, bool mayMissHalves>

@@ -53,14 +53,18 @@ template <class Sample>
 using MixCorrectedRow = void (*)(const Sample* in, const Sample* corrected, const Sample* mask, Sample* out,
                                  std::size_t pixels, unsigned channels);
 
-/// The kernels of one level.
+/// The kernels of one level for RGBA.
 struct CorrectRows {
     CorrectRow<std::uint8_t> correct8[2][2][2]; ///< [with lut][with tables][streaming]
     CorrectRow<std::uint16_t> correct16[2][2][2];
-    CorrectPairRow pairs[2][2][2][2]; ///< [chroma first][with lut][with tables][streaming]
-    ReplaceBytes replace[2];          ///< [streaming], as are the next
-    MixCorrectedRow<std::uint8_t> mix8[2];
+    MixCorrectedRow<std::uint8_t> mix8[2]; ///< [streaming]
     MixCorrectedRow<std::uint16_t> mix16[2];
+};
+
+/// The kernels of one level for 4:2:2.
+struct CorrectPairRows {
+    CorrectPairRow pairs[2][2][2][2]; ///< [chroma first][with lut][with tables][streaming]
+    ReplaceBytes replace[2];          ///< [streaming]
 };
 
 } // namespace vfil

@@ -1,11 +1,10 @@
 /// \file
-/// The plain forms of the kernels of colour correction, and the table of their levels.
+/// The plain forms of the kernels of colour correction in RGBA, and the table of their levels.
 #include "il/rows/treat/correctrows.h"
 
-#include "il/rows/pixarith.h"
+#include "il/rows/treat/correctsums.h"
 
 #include <algorithm>
-#include <array>
 #include <limits>
 
 namespace vfil {
@@ -13,31 +12,6 @@ namespace vfil {
 namespace {
 
 using Byte = std::uint8_t;
-
-/// Three components, as they are between the steps: of any size.
-using Colour = std::array<std::int64_t, 3>;
-
-Colour Through(const CorrectionMatrix& matrix, const Colour& in)
-{
-    Colour out;
-    for (std::size_t k = 0; k < 3; ++k) {
-        out[k] =
-            (in[0] * matrix.at[0][k] + in[1] * matrix.at[1][k] + in[2] * matrix.at[2][k] + matrix.at[3][k]) >>
-            8;
-    }
-    return out;
-}
-
-std::int64_t AlphaThrough(const CorrectionMatrix& matrix, std::int64_t alpha)
-{
-    return (alpha * matrix.at[0][3] + matrix.at[3][3]) >> 8;
-}
-
-template <class Sample>
-Sample Clamp(std::int64_t v)
-{
-    return static_cast<Sample>(std::clamp<std::int64_t>(v, 0, Arith<Sample>::kFull));
-}
 
 /// A byte as a sample: the upper byte of one is the index of tables, and their numbers fill both.
 template <class Sample>
@@ -54,79 +28,23 @@ void PlainCorrect(const Sample* in, Sample* out, std::size_t pixels, const Corre
                   unsigned channels)
 {
     for (; pixels != 0; --pixels, in += 4, out += 4) {
-        Colour colour = Through(correction.matrix, {in[0], in[1], in[2]});
-        std::int64_t alpha = AlphaThrough(correction.matrix, in[3]);
+        CorrectedColour colour = ThroughMatrix(correction.matrix, {in[0], in[1], in[2]});
+        std::int64_t alpha = AlphaThroughMatrix(correction.matrix, in[3]);
         if constexpr (lut) {
-            const LumaIncrements& more = correction.lut[UpperByte(Clamp<Sample>(colour[0]))];
-            colour = Through(correction.behindLut,
-                             {colour[0] + kUnit<Sample> * more.y, colour[1] + kUnit<Sample> * more.cb,
-                              colour[2] + kUnit<Sample> * more.cr});
+            const LumaIncrements& more = correction.lut[UpperByte(ClampToSample<Sample>(colour[0]))];
+            colour = ThroughMatrix(correction.behindLut,
+                                   {colour[0] + kUnit<Sample> * more.y, colour[1] + kUnit<Sample> * more.cb,
+                                    colour[2] + kUnit<Sample> * more.cr});
             alpha += kUnit<Sample> * more.alpha;
         }
         const std::int64_t corrected[] = {colour[0], colour[1], colour[2], alpha};
         for (int c = 0; c < 4; ++c) {
-            auto result = Clamp<Sample>(corrected[c]);
+            auto result = ClampToSample<Sample>(corrected[c]);
             if constexpr (tables)
                 result = static_cast<Sample>(kUnit<Sample> * correction.tables[c][UpperByte(result)]);
             out[c] = (channels >> c & 1U) != 0 ? result : in[c];
         }
     }
-}
-
-struct Bytes3 {
-    Byte red, green, blue;
-};
-
-Bytes3 ThroughTables(const Correction& correction, const Colour& colour)
-{
-    const auto replaced = [&](std::size_t c) { return correction.tables[c][Clamp<Byte>(colour[c])]; };
-    return {replaced(0), replaced(1), replaced(2)};
-}
-
-/// \param middle  The sample that stands for none.
-Byte Encode(const Bytes3& rgb, const EncodeWeights& weights, int middle)
-{
-    const int sum = weights.red * rgb.red + weights.green * rgb.green + weights.blue * rgb.blue;
-    return static_cast<Byte>(((sum + 128) >> 8) + middle);
-}
-
-template <bool chromaFirst, bool lut, bool tables>
-void PlainCorrectPairs(const Byte* in, Byte* out, std::size_t macropixels, const Correction& correction,
-                       const EncodeTable& back)
-{
-    constexpr int luma = chromaFirst ? 1 : 0;
-    constexpr int chroma = 1 - luma;
-    const CorrectionMatrix& last = lut ? correction.behindLut : correction.matrix;
-    for (; macropixels != 0; --macropixels, in += 4, out += 4) {
-        Colour left{in[luma], in[chroma], in[chroma + 2]};
-        std::int64_t rightLuma = in[luma + 2];
-        if constexpr (lut) {
-            rightLuma = Through(correction.matrix, {rightLuma, left[1], left[2]})[0];
-            rightLuma += correction.lut[Clamp<Byte>(rightLuma)].y;
-            left = Through(correction.matrix, left);
-            const LumaIncrements& more = correction.lut[Clamp<Byte>(left[0])];
-            left = {left[0] + more.y, left[1] + more.cb, left[2] + more.cr};
-        }
-        const Colour right = Through(last, {rightLuma, left[1], left[2]});
-        left = Through(last, left);
-        if constexpr (tables) {
-            const Bytes3 rgb = ThroughTables(correction, left);
-            out[luma] = Encode(rgb, back.y, 16);
-            out[luma + 2] = Encode(ThroughTables(correction, right), back.y, 16);
-            out[chroma] = Encode(rgb, back.cb, 128);
-            out[chroma + 2] = Encode(rgb, back.cr, 128);
-        } else {
-            out[luma] = Clamp<Byte>(left[0]);
-            out[luma + 2] = Clamp<Byte>(right[0]);
-            out[chroma] = Clamp<Byte>(left[1]);
-            out[chroma + 2] = Clamp<Byte>(left[2]);
-        }
-    }
-}
-
-void PlainReplace(const Byte* in, Byte* out, std::size_t bytes, const Byte* table)
-{
-    std::transform(in, in + bytes, out, [table](Byte v) { return table[v]; });
 }
 
 template <class Sample>
@@ -151,8 +69,6 @@ void PlainCases(CorrectRows& rows)
 {
     PlainCase<Byte, lut, tables>(rows.correct8);
     PlainCase<std::uint16_t, lut, tables>(rows.correct16);
-    std::fill_n(rows.pairs[false][lut][tables], 2, PlainCorrectPairs<false, lut, tables>);
-    std::fill_n(rows.pairs[true][lut][tables], 2, PlainCorrectPairs<true, lut, tables>);
 }
 
 const LevelTables<CorrectRows>& Tables()
@@ -164,7 +80,6 @@ const LevelTables<CorrectRows>& Tables()
             PlainCases<false, true>(rows);
             PlainCases<true, false>(rows);
             PlainCases<true, true>(rows);
-            std::fill_n(rows.replace, 2, PlainReplace);
             std::fill_n(rows.mix8, 2, PlainMix<Byte>);
             std::fill_n(rows.mix16, 2, PlainMix<std::uint16_t>);
             return rows;
@@ -190,7 +105,7 @@ bool HasWideFactors(const CorrectionMatrix& matrix)
 }
 
 /// The largest size of a sum, before its shift.
-std::int64_t LargestSum(const CorrectionMatrix& matrix, std::size_t column, const Colour& most)
+std::int64_t LargestSum(const CorrectionMatrix& matrix, std::size_t column, const CorrectedColour& most)
 {
     std::int64_t sum = Size(matrix.at[3][column]);
     for (std::size_t i = 0; i < 3; ++i)
@@ -226,14 +141,6 @@ bool FitsVectors(const Correction& correction, std::int32_t most)
         if (LargestSum(correction.behindLut, k, {sums[0], sums[1], sums[2]}) > kMost32) return false;
     }
     return true;
-}
-
-void MakeAlphaTable(const Correction& correction, std::uint8_t (&table)[256])
-{
-    for (int alpha = 0; alpha < 256; ++alpha) {
-        const auto corrected = Clamp<Byte>(AlphaThrough(correction.matrix, alpha));
-        table[alpha] = correction.hasTables ? correction.tables[3][corrected] : corrected;
-    }
 }
 
 const CorrectRows& CorrectRowsAt(Level level)

@@ -1,5 +1,5 @@
 /// \file
-/// Row kernels of colour correction. As in comprows.h a run finds its kernel once.
+/// Row kernels of colour correction in RGBA. As in comprows.h a run finds its kernel once.
 #pragma once
 
 #include "il/rows/levels.h"
@@ -19,8 +19,5 @@ const CorrectRows& FindCorrectRows(bool useVectors);
 ///
 /// \param most  The highest sample.
 bool FitsVectors(const Correction& correction, std::int32_t most);
-
-/// Alpha by the first and the last element of the fourth column, and by the table: as 256 bytes.
-void MakeAlphaTable(const Correction& correction, std::uint8_t (&table)[256]);
 
 } // namespace vfil

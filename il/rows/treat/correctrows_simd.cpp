@@ -1,16 +1,12 @@
 /// \file
-/// The vector forms of the kernels of colour correction, for the level VFIL_LEVEL. They hold what FitsVectors
-/// lets through.
-#include "il/rows/treat/correctparams.h"
-#include "il/rows/vecpairs.h"
-#include "il/rows/vecplanes.h"
+/// The vector forms of the kernels of colour correction in RGBA, for the level VFIL_LEVEL.
+#include "il/rows/treat/correctlanes.h"
 
 namespace vfil {
 namespace {
 
 #if defined(__AVX2__)
 
-using Byte = std::uint8_t;
 using Word = std::uint16_t;
 
 /// kLanes32 pixels by their components: red, green, blue, or luma, Cb, Cr; and alpha.
@@ -67,13 +63,19 @@ public:
         m_high[3] = SplatPair16(0, m[0][3]);
         m_added[3] = Splat32(words ? WithMiddle(m[3][3], m[0][3]) : m[3][3]);
     }
-    Components operator()(SamplePairs in) const
+    template <bool keepAlpha>
+    Components Apply(SamplePairs in) const
     {
-        return {{Component<0>(in), Component<1>(in), Component<2>(in)},
-                ShiftDown<8>(DotPairs(in.high, m_high[3]) + m_added[3])};
+        const S32 alpha =
+            keepAlpha ? OldAlpha(in.high) : ShiftDown<8>(DotPairs(in.high, m_high[3]) + m_added[3]);
+        return {{Component<0>(in), Component<1>(in), Component<2>(in)}, alpha};
     }
 
 private:
+    static S32 OldAlpha(S32 high)
+    {
+        return sizeof(Sample) == 1 ? ShiftDownBits<16>(high) : ShiftDown<16>(high) + Splat32(0x8000);
+    }
     template <int k>
     S32 Component(SamplePairs in) const
     {
@@ -83,19 +85,18 @@ private:
     S32 m_low[3], m_high[4], m_added[4];
 };
 
-/// The entries of components that are limited by a byte.
-SplitLanes Entries(const LumaIncrements* lut, S32 luma)
-{
-    return LookUp64(lut, Min(Max(luma, Splat32(0)), Splat32(255)));
-}
-
-/// The increments and the second matrix.
+/// The increments and the second matrix, in two steps: what a lookup waits for is so long done before it.
 template <class Sample>
 class LutStep;
 
 template <>
 class LutStep<Byte> {
 public:
+    struct Held {
+        U16 chroma, luma; ///< beside alpha
+        Indices indices;
+    };
+
     explicit LutStep(const Correction& correction) : m_lut(correction.lut)
     {
         const auto& m = correction.behindLut.at;
@@ -105,11 +106,17 @@ public:
             m_added[k] = Splat32(m[3][k]);
         }
     }
-    Components operator()(Components in) const
+    static void Hold(Held& held, const Components& in)
     {
-        const SplitLanes more = Entries(m_lut, in.v[0]);
-        const S32 chroma{(PackBeside(in.v[1], in.v[2]) + U16{more.even.bits}).bits};
-        const S32 luma{(PackBeside(in.v[0], in.alpha) + U16{more.odd.bits}).bits};
+        StoreIndices(held.indices, in.v[0]);
+        held.chroma = PackBeside(in.v[1], in.v[2]);
+        held.luma = PackBeside(in.v[0], in.alpha);
+    }
+    Components Finish(const Held& held) const
+    {
+        const SplitLanes more = LookUp64(m_lut, held.indices.at);
+        const S32 chroma{(held.chroma + U16{more.even.bits}).bits};
+        const S32 luma{(held.luma + U16{more.odd.bits}).bits};
         const auto component = [&](int k) {
             return ShiftDown<8>(DotPairs(luma, m_luma[k]) + DotPairs(chroma, m_chroma[k]) + m_added[k]);
         };
@@ -124,15 +131,26 @@ private:
 template <>
 class LutStep<Word> {
 public:
+    struct Held {
+        Components components;
+        Indices indices;
+    };
+
     explicit LutStep(const Correction& correction) : m_lut(correction.lut)
     {
         for (int i = 0; i < 4; ++i)
             for (int k = 0; k < 3; ++k)
                 m_matrix[i][k] = Splat32(correction.behindLut.at[i][k]);
     }
-    Components operator()(Components in) const
+    static void Hold(Held& held, const Components& in)
     {
-        const SplitLanes more = Entries(m_lut, ShiftDown<8>(in.v[0]));
+        StoreIndices(held.indices, ShiftDown<8>(in.v[0]));
+        held.components = in;
+    }
+    Components Finish(const Held& held) const
+    {
+        const SplitLanes more = LookUp64(m_lut, held.indices.at);
+        const Components& in = held.components;
         const S32 first = SplatPair16(257, 0);
         const S32 second = SplatPair16(0, 257);
         const S32 y = in.v[0] + DotPairs(more.odd, first);
@@ -150,13 +168,24 @@ private:
     S32 m_matrix[4][3];
 };
 
-/// As bytes, limited; of 16 bits the upper ones.
+/// Components of samples limited to bytes, turned over; of 16 bits the upper ones.
 template <class Sample>
-U8 ToBytes(const Components& c)
+U8 ToTurned(const Components& c)
 {
-    if constexpr (sizeof(Sample) == 1) return JoinLimited(c.v[0], c.v[1], c.v[2], c.alpha);
-    return JoinLimited(ShiftDown<8>(c.v[0]), ShiftDown<8>(c.v[1]), ShiftDown<8>(c.v[2]),
-                       ShiftDown<8>(c.alpha));
+    if constexpr (sizeof(Sample) == 1) return ToTurned(c.v[0], c.v[1], c.v[2], c.alpha);
+    return ToTurned(ShiftDown<8>(c.v[0]), ShiftDown<8>(c.v[1]), ShiftDown<8>(c.v[2]), ShiftDown<8>(c.alpha));
+}
+
+/// Bytes as samples: a vector of them at 8 bits, two at 16, whose samples have them in both bytes.
+template <class Sample>
+void FromBytes(U8 bytes, U8* vectors)
+{
+    if constexpr (sizeof(Sample) == 1) {
+        vectors[0] = bytes;
+    } else {
+        vectors[0] = InterleaveLow(bytes, bytes);
+        vectors[1] = InterleaveHigh(bytes, bytes);
+    }
 }
 
 /// Limited to samples: a vector of them at 8 bits, two at 16.
@@ -164,53 +193,13 @@ template <class Sample>
 void ToSamples(const Components& c, U8* vectors)
 {
     if constexpr (sizeof(Sample) == 1) {
-        vectors[0] = ToBytes<Sample>(c);
+        vectors[0] = TurnBytes(ToTurned<Sample>(c));
     } else {
         const U8Pair words = Merge({PackFullBeside(c.v[0], c.v[1]), PackFullBeside(c.v[2], c.alpha)});
         vectors[0] = words.lo;
         vectors[1] = words.hi;
     }
 }
-
-/// Tables of the channels of pixels of four bytes.
-class ChannelTables {
-public:
-    explicit ChannelTables(const std::uint8_t (&tables)[4][256])
-        : m_red(tables[0]), m_green(tables[1]), m_blue(tables[2]), m_alpha(tables[3])
-    {}
-    /// \param alpha  False leaves the fourth bytes.
-    Block operator()(const Block& pixels, bool alpha) const
-    {
-        Block planes = ToPlanes(pixels);
-        planes.v[0] = Lookup(m_red, planes.v[0]);
-        planes.v[1] = Lookup(m_green, planes.v[1]);
-        planes.v[2] = Lookup(m_blue, planes.v[2]);
-        if (alpha) planes.v[3] = Lookup(m_alpha, planes.v[3]);
-        return FromPlanes(planes);
-    }
-
-private:
-    ByteTable<16> m_red, m_green, m_blue, m_alpha;
-};
-
-/// What a kernel is without.
-struct Nothing {
-    template <class Params>
-    explicit Nothing(const Params&)
-    {}
-    Components operator()(const Components& in) const { return in; }
-};
-
-template <bool has, class Step>
-struct Optional {
-    using Type = Nothing;
-};
-template <class Step>
-struct Optional<true, Step> {
-    using Type = Step;
-};
-template <bool has, class Step>
-using StepIf = typename Optional<has, Step>::Type;
 
 /// All bits of the channels of pixels.
 template <class Sample>
@@ -230,215 +219,63 @@ U8 Choose(U8 select, U8 first, U8 second)
     return ((first ^ second) & select) ^ second;
 }
 
+/// Which channels change.
+enum class Selection { All, Colour, Some };
+
+template <class Sample, bool lut, bool tables, Selection selection, bool streaming>
+void CorrectSelected(const Sample* in, Sample* out, std::size_t pixels, const Correction& correction,
+                     unsigned channels)
+{
+    constexpr std::size_t vectorsOf = sizeof(Sample); // those of kLanes32 pixels
+    const SampleMatrix<Sample> matrix(correction.matrix);
+    const StepIf<lut, LutStep<Sample>> addLut(correction);
+    const StepIf<tables, ChannelTables> tablesOf(correction.tables);
+    const U8 select = SelectBits<Sample>(channels);
+    ConvertRow<streaming, 4 * vectorsOf, 4 * vectorsOf>(in, out, pixels, [&](const Byte* from, U8* vectors) {
+        Block bytes;
+        const auto applyMatrix = [&](std::size_t i) {
+            return matrix.template Apply<selection == Selection::Colour>(
+                LoadPairs(reinterpret_cast<const Sample*>(from + i * vectorsOf * kBytes)));
+        };
+        const auto put = [&](std::size_t i, const Components& corrected) {
+            if constexpr (tables) {
+                bytes.v[i] = ToTurned<Sample>(corrected);
+            } else {
+                ToSamples<Sample>(corrected, vectors + i * vectorsOf);
+            }
+        };
+        if constexpr (lut) {
+            typename LutStep<Sample>::Held held[4];
+            for (std::size_t i = 0; i < 4; ++i)
+                addLut.Hold(held[i], applyMatrix(i));
+            for (std::size_t i = 0; i < 4; ++i)
+                put(i, addLut.Finish(held[i]));
+        } else {
+            for (std::size_t i = 0; i < 4; ++i)
+                put(i, applyMatrix(i));
+        }
+        if constexpr (tables) {
+            tablesOf.Replace(bytes, (channels & 8U) != 0);
+            for (std::size_t i = 0; i < 4; ++i)
+                FromBytes<Sample>(bytes.v[i], vectors + i * vectorsOf);
+        }
+        if constexpr (selection == Selection::Some) {
+            for (std::size_t i = 0; i < 4 * vectorsOf; ++i)
+                vectors[i] = Choose(select, vectors[i], Load(from + i * kBytes));
+        }
+    });
+}
+
 template <class Sample, bool lut, bool tables, bool streaming>
 void Correct(const Sample* in, Sample* out, std::size_t pixels, const Correction& correction,
              unsigned channels)
 {
-    const SampleMatrix<Sample> matrix(correction.matrix);
-    const StepIf<lut, LutStep<Sample>> addLut(correction);
-    const StepIf<tables, ChannelTables> replace(correction.tables);
-    const U8 select = SelectBits<Sample>(channels);
-    const bool alpha = (channels & 8U) != 0;
-    constexpr std::size_t vectorsOf = sizeof(Sample); // those of kLanes32 pixels
-    ConvertRow<streaming, 4 * vectorsOf, 4 * vectorsOf>(in, out, pixels, [&](const Byte* from, U8* vectors) {
-        Block bytes;
-        for (std::size_t i = 0; i < 4; ++i) {
-            const auto* samples = reinterpret_cast<const Sample*>(from + i * vectorsOf * kBytes);
-            const Components corrected = addLut(matrix(LoadPairs(samples)));
-            if constexpr (tables) {
-                bytes.v[i] = ToBytes<Sample>(corrected);
-            } else {
-                ToSamples<Sample>(corrected, vectors + i * vectorsOf);
-            }
-        }
-        if constexpr (tables) {
-            bytes = replace(bytes, alpha);
-            for (std::size_t i = 0; i < 4; ++i) {
-                if constexpr (vectorsOf == 1) {
-                    vectors[i] = bytes.v[i];
-                } else {
-                    vectors[2 * i] = InterleaveLow(bytes.v[i], bytes.v[i]);
-                    vectors[2 * i + 1] = InterleaveHigh(bytes.v[i], bytes.v[i]);
-                }
-            }
-        }
-        for (std::size_t i = 0; i < 4 * vectorsOf; ++i)
-            vectors[i] = Choose(select, vectors[i], Load(from + i * kBytes));
-    });
-}
-
-/// kLanes32 macropixels: (Y0, Y1) and (Cb, Cr) as the 16-bit lanes of each 32 bits.
-struct Macropixels {
-    S32 luma, chroma;
-};
-
-template <bool chromaFirst>
-Macropixels TakeApart(U8 v)
-{
-    const S32 lanes{v.bits};
-    const S32 even = lanes & Splat32(0x00FF00FF);
-    const S32 odd = ShiftDownBits<8>(lanes) & Splat32(0x00FF00FF);
-    return chromaFirst ? Macropixels{odd, even} : Macropixels{even, odd};
-}
-
-/// Of lanes of bytes.
-template <bool chromaFirst>
-U8 PutTogether(Macropixels m)
-{
-    return {(chromaFirst ? m.chroma | ShiftUp<8>(m.luma) : m.luma | ShiftUp<8>(m.chroma)).bits};
-}
-
-/// The matrix on macropixels. Its sums' parts are made once for both lumas.
-class PairMatrix {
-public:
-    explicit PairMatrix(const CorrectionMatrix& matrix)
-    {
-        const auto& m = matrix.at;
-        for (int k = 0; k < 3; ++k) {
-            m_left[k] = SplatPair16(m[0][k], 0);
-            m_right[k] = SplatPair16(0, m[0][k]);
-            m_chroma[k] = SplatPair16(m[1][k], m[2][k]);
-            m_added[k] = Splat32(m[3][k]);
-        }
+    auto correct = CorrectSelected<Sample, lut, tables, Selection::Some, streaming>;
+    if constexpr (!lut && !tables) {
+        if (channels == 15) correct = CorrectSelected<Sample, lut, tables, Selection::All, streaming>;
+        if (channels == 7) correct = CorrectSelected<Sample, lut, tables, Selection::Colour, streaming>;
     }
-    /// A component, by both lumas.
-    struct Both {
-        S32 left, right;
-    };
-    template <int k>
-    Both Component(Macropixels in) const
-    {
-        const S32 chroma = Chroma<k>(in);
-        return {ShiftDown<8>(DotPairs(in.luma, m_left[k]) + chroma),
-                ShiftDown<8>(DotPairs(in.luma, m_right[k]) + chroma)};
-    }
-    template <int k>
-    S32 LeftComponent(Macropixels in) const
-    {
-        return ShiftDown<8>(DotPairs(in.luma, m_left[k]) + Chroma<k>(in));
-    }
-
-private:
-    template <int k>
-    S32 Chroma(Macropixels in) const
-    {
-        return DotPairs(in.chroma, m_chroma[k]) + m_added[k];
-    }
-
-    S32 m_left[3], m_right[3], m_chroma[3], m_added[3];
-};
-
-/// The first matrix and the increments.
-class PairLutStep {
-public:
-    explicit PairLutStep(const Correction& correction) : m_matrix(correction.matrix), m_lut(correction.lut) {}
-    Macropixels operator()(Macropixels in) const
-    {
-        const PairMatrix::Both y = m_matrix.Component<0>(in);
-        const SplitLanes left = Entries(m_lut, y.left);
-        const SplitLanes right = Entries(m_lut, y.right);
-        const U16 lumas = PackBeside(y.left, y.right);
-        const U16 chromas = PackBeside(m_matrix.LeftComponent<1>(in), m_matrix.LeftComponent<2>(in));
-        const S32 more = (left.odd & Splat32(0xFFFF)) | ShiftUp<16>(right.odd);
-        return {{(lumas + U16{more.bits}).bits}, {(chromas + U16{left.even.bits}).bits}};
-    }
-
-private:
-    PairMatrix m_matrix;
-    const LumaIncrements* m_lut;
-};
-
-/// From RGB to YCC by weights of 256ths.
-class Encoder {
-public:
-    explicit Encoder(const EncodeTable& table) : m_y(table.y, 16), m_cb(table.cb, 128), m_cr(table.cr, 128) {}
-    /// Pixels of red, green, blue and anything, as bytes.
-    Macropixels operator()(U8 left, U8 right) const
-    {
-        const Pairs l = PairsOf(left);
-        const Pairs r = PairsOf(right);
-        return {m_y(l) | ShiftUp<16>(m_y(r)), m_cb(l) | ShiftUp<16>(m_cr(l))};
-    }
-
-private:
-    struct Pairs {
-        S32 redBlue, green; ///< green beside 128
-    };
-    static Pairs PairsOf(U8 v)
-    {
-        const S32 pixels{v.bits};
-        return {pixels & Splat32(0x00FF00FF),
-                (ShiftDownBits<8>(pixels) & Splat32(0xFF)) | Splat32(128 << 16)};
-    }
-    struct Weights {
-        /// \param middle  256 of it and the 128 that round are a product with 128.
-        Weights(const EncodeWeights& w, int middle)
-            : redBlue(SplatPair16(w.red, w.blue)), green(SplatPair16(w.green, 2 * middle + 1))
-        {}
-        S32 operator()(Pairs in) const
-        {
-            return ShiftDown<8>(DotPairs(in.redBlue, redBlue) + DotPairs(in.green, green));
-        }
-        S32 redBlue, green;
-    };
-
-    Weights m_y, m_cb, m_cr;
-};
-
-U16 ClampToByte(U16 v)
-{
-    return MinSigned(MaxSigned(v, Splat(0)), Splat(255));
-}
-
-template <bool chromaFirst, bool lut, bool streaming>
-void CorrectPairs(const Byte* in, Byte* out, std::size_t macropixels, const Correction& correction,
-                  const EncodeTable& /*back*/)
-{
-    const PairMatrix matrix(lut ? correction.behindLut : correction.matrix);
-    const StepIf<lut, PairLutStep> addLut(correction);
-    MapRow<streaming, 4>(in, in, out, 4 * macropixels, [&](U8 v, U8, Part) {
-        Macropixels pixels = TakeApart<chromaFirst>(v);
-        if constexpr (lut) pixels = addLut(pixels);
-        const PairMatrix::Both y = matrix.Component<0>(pixels);
-        const U16 luma = ClampToByte(PackBeside(y.left, y.right));
-        const U16 chroma =
-            ClampToByte(PackBeside(matrix.LeftComponent<1>(pixels), matrix.LeftComponent<2>(pixels)));
-        return PutTogether<chromaFirst>({{luma.bits}, {chroma.bits}});
-    });
-}
-
-template <bool chromaFirst, bool lut>
-void CorrectPairsByTables(const Byte* in, Byte* out, std::size_t macropixels, const Correction& correction,
-                          const EncodeTable& back)
-{
-    const PairMatrix matrix(lut ? correction.behindLut : correction.matrix);
-    const StepIf<lut, PairLutStep> addLut(correction);
-    const ChannelTables replace(correction.tables);
-    const Encoder encode(back);
-    ConvertRow<false, 4, 4>(in, out, macropixels, [&](const Byte* from, U8* vectors) {
-        for (std::size_t i = 0; i < 4; i += 2) {
-            Block pixels; // left and right ones in turn
-            for (std::size_t j = 0; j < 2; ++j) {
-                Macropixels m = TakeApart<chromaFirst>(Load(from + (i + j) * kBytes));
-                if constexpr (lut) m = addLut(m);
-                const PairMatrix::Both r = matrix.Component<0>(m);
-                const PairMatrix::Both g = matrix.Component<1>(m);
-                const PairMatrix::Both b = matrix.Component<2>(m);
-                pixels.v[2 * j] = JoinLimited(r.left, g.left, b.left, b.left);
-                pixels.v[2 * j + 1] = JoinLimited(r.right, g.right, b.right, b.right);
-            }
-            const Block replaced = replace(pixels, false);
-            vectors[i] = PutTogether<chromaFirst>(encode(replaced.v[0], replaced.v[1]));
-            vectors[i + 1] = PutTogether<chromaFirst>(encode(replaced.v[2], replaced.v[3]));
-        }
-    });
-}
-
-template <bool streaming>
-void Replace(const Byte* in, Byte* out, std::size_t bytes, const Byte* table)
-{
-    const ByteTable<16> replaced(table);
-    MapRow<streaming, 1>(in, in, out, bytes, [&](U8 v, U8, Part) { return Lookup(replaced, v); });
+    correct(in, out, pixels, correction, channels);
 }
 
 /// Each pixel's mask in all of its channels; of a part, no more are read than there are.
@@ -483,28 +320,18 @@ void Mix16(const Word* in, const Word* corrected, const Word* mask, Word* out, s
 
 // Where so much is computed as behind a table, stores around the cache gain nothing.
 
-template <class Sample>
-void FillSamples(CorrectRow<Sample> (&rows)[2][2][2])
+template <class Sample, bool lut, bool tables>
+void FillCase(CorrectRow<Sample> (&rows)[2])
 {
-    rows[false][false][0] = Correct<Sample, false, false, false>;
-    rows[false][false][1] = Correct<Sample, false, false, true>;
-    for (int streaming = 0; streaming < 2; ++streaming) {
-        rows[true][false][streaming] = Correct<Sample, true, false, false>;
-        rows[false][true][streaming] = Correct<Sample, false, true, false>;
-        rows[true][true][streaming] = Correct<Sample, true, true, false>;
-    }
+    rows[0] = Correct<Sample, lut, tables, false>;
+    rows[1] = Correct < Sample, lut, tables, !lut && !tables > ;
 }
 
-template <bool chromaFirst>
-void FillPairs(CorrectPairRow (&rows)[2][2][2])
+template <bool lut, bool tables>
+void FillSteps(CorrectRows& rows)
 {
-    rows[false][false][0] = CorrectPairs<chromaFirst, false, false>;
-    rows[false][false][1] = CorrectPairs<chromaFirst, false, true>;
-    for (int streaming = 0; streaming < 2; ++streaming) {
-        rows[true][false][streaming] = CorrectPairs<chromaFirst, true, false>;
-        rows[false][true][streaming] = CorrectPairsByTables<chromaFirst, false>;
-        rows[true][true][streaming] = CorrectPairsByTables<chromaFirst, true>;
-    }
+    FillCase<Byte, lut, tables>(rows.correct8[lut][tables]);
+    FillCase<Word, lut, tables>(rows.correct16[lut][tables]);
 }
 
 #endif
@@ -513,16 +340,14 @@ void FillPairs(CorrectPairRow (&rows)[2][2][2])
 
 namespace VFIL_LEVEL {
 
-// Spreading and replacing bytes takes a byte shuffle, which the lowest level lacks.
+// Replacing bytes takes a byte shuffle, which the lowest level lacks.
 void Fill([[maybe_unused]] CorrectRows& rows)
 {
 #if defined(__AVX2__)
-    FillSamples(rows.correct8);
-    FillSamples(rows.correct16);
-    FillPairs<false>(rows.pairs[false]);
-    FillPairs<true>(rows.pairs[true]);
-    rows.replace[0] = Replace<false>;
-    rows.replace[1] = Replace<true>;
+    FillSteps<false, false>(rows);
+    FillSteps<false, true>(rows);
+    FillSteps<true, false>(rows);
+    FillSteps<true, true>(rows);
     rows.mix8[0] = Mix8<false>;
     rows.mix8[1] = Mix8<true>;
     rows.mix16[0] = Mix16<false>;

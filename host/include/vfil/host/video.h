@@ -71,6 +71,8 @@ struct VideoInfo {
     Stated<Matrix> matrix;      ///< of RGB and grey clips: what a conversion to YCC would take
     Stated<Range> range;
     Stated<FieldOrder> fieldOrder;
+    std::optional<FieldOrder> streamFieldOrder; ///< what the header of the stream says of it by itself
+    std::optional<FieldOrder> frameFieldOrder;  ///< what the first frame says
     Stated<AlphaState> alpha;
     vfILGuid format{};                     ///< of the frames that VideoReader::Read gives
     std::vector<std::string> otherStreams; ///< "audio aac 48000 Hz stereo"
@@ -96,6 +98,9 @@ public:
     /// The next frame; null behind the last. Its state 2 says whether it is premultiplied.
     /// \throws FileError  The clip is damaged or cut short, or its frames change their size.
     PicturePtr Read();
+    /// The next frame, as one before those that a clip made of them begins with: other streams are copied
+    /// from the first one on that Read gives. Otherwise as Read.
+    PicturePtr ReadBefore();
     /// Passes over one frame without converting it. False behind the last. Throws as Read does.
     bool Skip();
 

@@ -22,7 +22,7 @@ raw=(--in-format yuv422-709 --in-size 640x360)
 # The card, as Cb Y Cr Y of BT.709, from the top: bars of 75 and of 100 per cent; those of 100 per cent with chroma of
 # 140; luma from 0 to 255; all hues, then pairs of opposite hues in turn.
 LC_ALL=C awk '
-    function put(number) { printf "%c", number < 0 ? 0 : number > 255 ? 255 : int(number + 0.5) }
+    function put(number) { printf("%c", number < 0 ? 0 : number > 255 ? 255 : int(number + 0.5)) }
     BEGIN {
         split("1 1 0 0 1 1 0 0", red); split("1 1 1 1 0 0 0 0", green); split("1 0 1 0 1 0 1 0", blue)
         for (y = 0; y < 360; ++y) for (x = 0; x < 640; x += 2) {
@@ -154,10 +154,10 @@ card legal-illegal shown.raw
     while IFS='|' read -r name options; do
         read -ra words <<<"$options"
         "$vfil" legalize rich.mkv -o "$name" "${words[@]}" --quiet
-        "$vfil" legalize "$name" --json |
-            awk '/"total"/ { inside = 1 } inside && /"beyondOneCode"/ { beyond = 1 } inside && beyond && /"share"/ {
-                    share = $2; beyond = 0 } inside && /"codes"/ { codes = $2; exit } /"after"/ && inside { exit }
-                END { printf "%.2f %%, %.1f\n", share * 100, codes }' >line
+        "$vfil" legalize "$name" --json >record
+        awk '/"total"/ { inside = 1 } /"after"/ && inside { exit } inside && /"beyondOneCode"/ { beyond = 1 }
+            inside && beyond && /"share"/ { share = $2; beyond = 0 } inside && /"codes"/ { codes = $2 }
+            END { printf "%.2f %%, %.1f\n", share * 100, codes }' record >line
         echo "| \`-o $name $options\` | $(cat line) |"
     done <<'LINES'
 legal.mkv|--codec ffv1

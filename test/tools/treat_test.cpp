@@ -222,7 +222,7 @@ TEST_F(TreatTool, PaintsRampsOfNothing)
         {"--size 1x3 --vector 0,0,0,2 " + stops, 0, "255, 255, 0"},
         {"--size 3x1 --stops 7:0.5,1,0,0.25", 3, "64 64 64"},
         {"--size 5x3 --type radial --vector 2,1,2,0 --stops '0:1,1,1 50:0,0,0'", 0,
-         "255 0 0 0 255, 255 0 255 0 255, 255 0 0 0 255"},
+         "0 0 0 0 0, 0 0 255 0 0, 0 0 0 0 0"},
         {"--size 2x2 --type square --color-ll '#010000' --color-lr '#020000' --color-ur '#030000' --color-ul "
          "'#040000'",
          0, "4 3, 1 2"},

@@ -2,7 +2,7 @@
 /// Pairs of pixels, and the walk of a row by them, for the plain forms of the legalizer's kernels.
 #pragma once
 
-#include "il/rows/treat/legalrows.h"
+#include "il/rows/treat/legalparams.h"
 
 #include <algorithm>
 

@@ -1,5 +1,7 @@
 /// \file
 /// The plain forms of the legalizer's kernels that work on RGB, and the table of the levels.
+#include "il/rows/treat/legalrows.h"
+
 #include "il/rows/treat/legalpairs.h"
 
 namespace vfil {

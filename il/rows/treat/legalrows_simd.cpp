@@ -211,8 +211,8 @@ void CorrectRow(const Byte* in, Byte* out, std::size_t pairs, const LegalParams&
     MapPairs<streaming>(in, out, pairs, [matrices](U8 block, U8 next) -> U8 {
         const Pairs own = Split<chromaFirst>(block);
         const Pairs mean = Split<chromaFirst>(Average(block, next));
-        const Rgb left = matrices.ToRgb(own.y0, {own.cb, own.cr});
-        const Rgb right = matrices.ToRgb(own.y1, {mean.cb, mean.cr});
+        const Rgb left = matrices.ToRgb(own.y0, Chroma{own.cb, own.cr});
+        const Rgb right = matrices.ToRgb(own.y1, Chroma{mean.cb, mean.cr});
         // What is not corrected comes back as it was.
         if (AreInRange(left, right)) return block;
         return Join<chromaFirst>(matrices.ToPairs(Correct()(left), Correct()(right)));
@@ -270,10 +270,10 @@ void ShowRow(const Byte* in, Byte* out, std::size_t pairs, const LegalParams& pa
         const Pairs mean = Split<chromaFirst>(means);
         const Pairs ownMiss = Split<chromaFirst>(block ^ InRange<chromaFirst>(block));
         const Pairs meanMiss = Split<chromaFirst>(means ^ InRange<chromaFirst>(means));
-        const Rgb left =
-            Shown(own.y0, matrices.ToRgb(own.y0, {own.cb, own.cr}), ownMiss.y0 | ownMiss.cb | ownMiss.cr);
-        const Rgb right =
-            Shown(own.y1, matrices.ToRgb(own.y1, {mean.cb, mean.cr}), ownMiss.y1 | meanMiss.cb | meanMiss.cr);
+        const Rgb left = Shown(own.y0, matrices.ToRgb(own.y0, Chroma{own.cb, own.cr}),
+                               ownMiss.y0 | ownMiss.cb | ownMiss.cr);
+        const Rgb right = Shown(own.y1, matrices.ToRgb(own.y1, Chroma{mean.cb, mean.cr}),
+                                ownMiss.y1 | meanMiss.cb | meanMiss.cr);
         return Join<chromaFirst>(matrices.ToPairs(left, right));
     });
 }

@@ -1,5 +1,6 @@
 /// \file
 /// The plain forms of the legalizer's kernels of saturation.
+#include "il/rows/pixarith.h"
 #include "il/rows/treat/legalpairs.h"
 
 namespace vfil {
@@ -42,12 +43,6 @@ void Limit(Differences& c, double y, const LegalParams& params)
     c.r *= share;
 }
 
-/// Of what is not negative.
-int Rounded(double v)
-{
-    return static_cast<int>(v + 0.5);
-}
-
 double Normalised(int y)
 {
     return (y - 16) / 219.0;
@@ -62,7 +57,7 @@ Chroma LimitedChroma(Differences c, double y0, double y1, const LegalParams& par
 {
     Limit(c, y0, params);
     Limit(c, y1, params);
-    return {Rounded(c.b * 224 + 128), Rounded(c.r * 224 + 128)};
+    return {RoundHalfAway(c.b * 224 + 128), RoundHalfAway(c.r * 224 + 128)};
 }
 
 /// The pair with Cb moved by one where blue is outside by more than a code, which the rounding of chroma
@@ -112,8 +107,8 @@ void ProcessYCC422_AdjustLuminanceSaturation_Line(const Byte* in, Byte* out, std
         const Differences c{Difference(ClampChroma(pair.cb)), Difference(ClampChroma(pair.cr))};
         const double moved0 = MovedLuma(Normalised(ClampLuma(pair.y0)), c, params);
         const double moved1 = MovedLuma(Normalised(ClampLuma(pair.y1)), c, params);
-        const int y0 = Rounded(moved0 * 219 + 16);
-        const int y1 = Rounded(moved1 * 219 + 16);
+        const int y0 = RoundHalfAway(moved0 * 219 + 16);
+        const int y1 = RoundHalfAway(moved1 * 219 + 16);
         // Strictly it is the luma that is stored that limits chroma.
         const Chroma chroma = strict ? LimitedChroma(c, Normalised(y0), Normalised(y1), params)
                                      : LimitedChroma(c, moved0, moved1, params);

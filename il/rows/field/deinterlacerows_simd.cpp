@@ -115,7 +115,8 @@ private:
         for (; halves != 0; halves &= halves - 1) {
             const int i = __builtin_ctzll(halves);
             const double w = steps[i] * m_reciprocal;
-            results[i] = static_cast<std::uint8_t>(w * spaces[i] + (1.0 - w) * times[i] + 0.5);
+            const double raised = w * spaces[i] + (1.0 - w) * times[i] + 0.5;
+            results[i] = static_cast<std::uint8_t>(raised);
         }
         return Load(results);
     }

@@ -140,10 +140,11 @@ public:
             p.y1 = Rounded<219, 16>(low.y1, high.y1);
             if constexpr (strict) halves = HalvesOf(p);
         }
-        for (HalfPairs& half : halves.of) {
+        // In two loops, for the divisions of both halves to overlap: a tenth of all of noise's time.
+        for (HalfPairs& half : halves.of)
             LimitTo(half.c, half.y0);
+        for (HalfPairs& half : halves.of)
             LimitTo(half.c, half.y1);
-        }
         p.cb = Rounded<224, 128>(low.c.b, high.c.b);
         p.cr = Rounded<224, 128>(low.c.r, high.c.r);
     }

@@ -171,7 +171,6 @@ TEST_F(TransformTool, RefusesWhatCannotBePlaced)
                     {affine + "--size 65535x65535", {"too large; see --size"}},
                     {affine + "--size big", {"same or fit"}},
                     {affine + "--scale 1e9 --size fit", {"--size fit asks for"}},
-                    {affine + "--rotate 5 --field-order top", {"grey.png is interlaced", "--fields both"}},
                     {affine + "--fields odd --size 4x4", {"takes --size same"}},
                     {zoom + "--fit 5x5 --fill 5x5", {"takes --fit or --fill, not both"}},
                     {zoom + "--border-size 1 --interpolation area", {"--border-size", "two-pass alone"}},

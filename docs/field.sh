@@ -35,6 +35,7 @@ top=tinterlace=interleave_top bottom=tinterlace=interleave_bottom
 mpeg2=(-c:v mpeg2video -pix_fmt yuv422p -q:v 3 -flags +ildct+ilme)
 mpeg2top=("${mpeg2[@]}" -top 1) mpeg2bottom=("${mpeg2[@]}" -top 0)
 x264=(-c:v libx264 -preset veryfast -pix_fmt yuv420p -crf 20)
+x264top=("${x264[@]}" -flags +ildct -top 1) x264bottom=("${x264[@]}" -flags +ildct -top 0)
 
 # clip TRUTH CLAIM FILE RATE FRAMES FILTER ENCODING...: a clip whose fields are TRUTH and that says CLAIM.
 table=()
@@ -49,12 +50,12 @@ clip() {
 clip top top pal-top.mpg 25 40 "$(pan $cat 720x576 '4*n' '10+n'),$top" "${mpeg2top[@]}"
 clip bottom bottom pal-bottom.mpg 25 40 "$(pan $tulips 720x576 '400-3*n' 50),$bottom" "${mpeg2bottom[@]}"
 clip bottom bottom ntsc.dv 30000/1001 40 "$(pan $room 720x480 '5*n' 100),$bottom" -c:v dvvideo -pix_fmt yuv411p
-clip top top ntsc-top.mp4 30000/1001 40 "$(pan $cup 720x480 '3*n' n),$top" "${x264[@]}" -x264opts tff=1
-clip top top hd-top.mp4 25 25 "$(pan $cat 1920x1080 '8*n' '2*n'),$top" "${x264[@]}" -x264opts tff=1
+clip top top ntsc-top.mp4 30000/1001 40 "$(pan $cup 720x480 '3*n' n),$top" "${x264top[@]}"
+clip top top hd-top.mp4 25 25 "$(pan $cat 1920x1080 '8*n' '2*n'),$top" "${x264top[@]}"
 clip progressive progressive pal-progressive.mp4 25 40 "$(pan $cat 720x576 '4*n' '10+n')" "${x264[@]}"
 clip progressive top progressive-as-top.mpg 25 40 "$(pan $tulips 720x576 '400-6*n' 50)" "${mpeg2top[@]}"
 clip top bottom top-as-bottom.mpg 25 40 "$(pan $room 720x576 '200+2*n' 50),$top" "${mpeg2bottom[@]}"
-clip bottom top bottom-as-top.mp4 25 40 "$(pan $cat 720x576 '200+2*n' 10),$bottom" "${x264[@]}" -x264opts tff=1
+clip bottom top bottom-as-top.mp4 25 40 "$(pan $cat 720x576 '200+2*n' 10),$bottom" "${x264top[@]}"
 clip top progressive top-as-progressive.mp4 25 40 "$(pan $tulips 720x576 '50+6*n' '200-n'),$top" "${x264[@]}"
 clip unknown top still.mpg 25 40 "$(pan $cat 720x576 200 50)" "${mpeg2top[@]}"
 clip unknown bottom still-noise.mpg 25 40 "$(pan $room 720x576 200 50),noise=alls=20:allf=t,$bottom" "${mpeg2bottom[@]}"
@@ -82,7 +83,7 @@ clip mixed top telecine.mpg 30000/1001 60 "$(pan $cat 720x480 '6*n' 50),telecine
 half() { echo "$(pan $cat 720x576 "$1" 10)$2,trim=end_frame=30,setpts=N/TB/25"; }
 clip mixed top half.mpg 25 60 "$(half '3*n' ,$top)[a];$(half '6*n' '')[b];[a][b]concat" "${mpeg2top[@]}"
 clip mixed top spliced.mpg 25 60 "$(half '3*n' ,$top)[a];$(half '3*n' ,$bottom)[b];[a][b]concat" "${mpeg2top[@]}"
-clip bottom bottom dog-bottom.mp4 15000/1001 6 "movie=$media/dog-480x270p30.mp4,crop=480:256,$bottom" "${x264[@]}" -x264opts bff=1
+clip bottom bottom dog-bottom.mp4 15000/1001 6 "movie=$media/dog-480x270p30.mp4,crop=480:256,$bottom" "${x264bottom[@]}"
 table+=("top top $media/dog-352x288i25-tff-422.mpg" "progressive progressive $media/dog-480x270p30.mp4")
 
 wrong=0

@@ -9,10 +9,13 @@ namespace vfil::fieldscan {
 
 namespace {
 
-// Of the lesser excess of combs to the greater: 1 for progressive frames, 0 for the others, but that codecs
-// take from the combs of a frame and bring it to 0.5 at low rates.
-constexpr double kMostInterlaced = 0.6;
-constexpr double kLeastProgressive = 0.7;
+// Of the lesser excess of combs to the greater: 1 for progressive frames, 0 for the others. But codecs take
+// from the combs of a frame, and bring it to 0.5 at low rates, or to 0.8 where little moves.
+constexpr double kMostInterlaced = 0.52;
+constexpr double kLeastProgressive = 0.85;
+// Between the two an order shows in that nearly all pairs lean to one side.
+constexpr double kLeaning = 0.9;
+constexpr long kLeaningPairs = 4;
 
 // A scene changes where the picture changes by so much more than before and behind, and by so many levels.
 constexpr double kCutTimes = 3;
@@ -119,23 +122,55 @@ Combs& operator+=(Combs& sum, const Combs& combs)
     return sum;
 }
 
-// What each pair says that moves, with the figures.
-std::vector<Said> Count(const std::vector<Pair>& pairs, Finding& finding)
+Combs Divided(const Combs& sum, double divisor)
 {
-    std::vector<Said> said;
-    double moving = 0;
+    return {sum.own / divisor, sum.nextTop / divisor, sum.nextBottom / divisor};
+}
+
+// Pairs that tell something of the order.
+std::vector<bool> Telling(const std::vector<Pair>& pairs, Finding& finding)
+{
+    std::vector<bool> telling;
     for (std::size_t i = 0; i < pairs.size(); ++i) {
         const bool cut = IsCut(pairs, i);
         finding.cuts += cut ? 1 : 0;
-        if (cut || !pairs[i].moves) continue;
-        const Order order = OrderOf(pairs[i].combs);
+        telling.push_back(pairs[i].moves && !cut);
+    }
+    return telling;
+}
+
+// What a telling pair says. Where each frame was made of one field, the one pair seems to have the top field
+// first and the next pair the bottom field: those that disagree so, or do not know, say it together.
+Order OrderAt(const std::vector<Pair>& pairs, const std::vector<bool>& telling, std::size_t index)
+{
+    const Order alone = OrderOf(pairs[index].combs);
+    if (alone == Order::Progressive) return alone;
+    for (const std::size_t other : {index + 1, index - 1}) {
+        if (other >= pairs.size() || !telling[other]) continue;
+        const Order beside = OrderOf(pairs[other].combs);
+        if (beside == alone && alone != Order::Unknown) return alone;
+        if (beside == Order::Progressive) continue;
+        Combs both = pairs[index].combs;
+        return OrderOf(both += pairs[other].combs);
+    }
+    return alone;
+}
+
+// What the telling pairs say, with the figures.
+std::vector<Said> Count(const std::vector<Pair>& pairs, Finding& finding)
+{
+    const std::vector<bool> telling = Telling(pairs, finding);
+    std::vector<Said> said;
+    double count = 0;
+    for (std::size_t i = 0; i < pairs.size(); ++i) {
+        if (!telling[i]) continue;
+        const Order order = OrderAt(pairs, telling, i);
         ++CountOf(finding, order);
         if (order != Order::Unknown) said.push_back({static_cast<long>(i), order});
         finding.combs += pairs[i].combs;
-        ++moving;
+        ++count;
     }
-    for (double* sum : {&finding.combs.own, &finding.combs.nextTop, &finding.combs.nextBottom})
-        *sum /= std::max(1.0, moving);
+    finding.combs = Divided(finding.combs, std::max(1.0, count));
     return said;
 }
 
@@ -162,6 +197,26 @@ Order OrderOf(const Combs& combs)
     return lesser > kLeastProgressive * greater ? Order::Progressive : Order::Unknown;
 }
 
+namespace {
+
+// The order where most pairs lie between two.
+Order VagueOrder(const std::vector<Pair>& pairs, const Finding& finding)
+{
+    const Order order = OrderOf(finding.combs);
+    if (order != Order::Unknown) return order;
+    double moving = 0;
+    double toTop = 0;
+    for (const Pair& pair : pairs) {
+        moving += pair.moves ? 1 : 0;
+        toTop += pair.moves && pair.combs.nextTop < pair.combs.nextBottom ? 1 : 0;
+    }
+    if (moving < kLeaningPairs) return Order::Unknown;
+    if (toTop >= kLeaning * moving) return Order::Top;
+    return toTop <= (1 - kLeaning) * moving ? Order::Bottom : Order::Unknown;
+}
+
+} // namespace
+
 Finding Judge(const std::vector<Pair>& pairs, const std::optional<Combs>& faint)
 {
     Finding finding;
@@ -169,7 +224,9 @@ Finding Judge(const std::vector<Pair>& pairs, const std::optional<Combs>& faint)
     const std::vector<Said> said = Count(pairs, finding);
     const std::vector<Run> runs = RunsOf(said);
     const std::vector<Order> present = OrdersIn(said, runs);
-    if (present.size() > 1) {
+    if (finding.undecided > static_cast<long>(said.size())) {
+        finding.order = VagueOrder(pairs, finding);
+    } else if (present.size() > 1) {
         finding.order = Order::Mixed;
         finding.stretches = StretchesOf(said, runs, finding.pairs);
     } else if (present.size() == 1) {

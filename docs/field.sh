@@ -86,7 +86,6 @@ clip mixed top spliced.mpg 25 60 "$(half '3*n' ,$top)[a];$(half '3*n' ,$bottom)[
 clip bottom bottom dog-bottom.mp4 15000/1001 6 "movie=$media/dog-480x270p30.mp4,crop=480:256,$bottom" "${x264bottom[@]}"
 table+=("top top $media/dog-352x288i25-tff-422.mpg" "progressive progressive $media/dog-480x270p30.mp4")
 
-wrong=0
 {
     echo '| clip | true | says | measured | pairs: progressive, top, bottom, between |'
     echo '|---|---|---|---|---|'

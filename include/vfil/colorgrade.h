@@ -109,6 +109,7 @@ private:
     vfILBbox2l m_targetBox;
     vfILRunBuffer m_table;
     const unsigned char* m_entries = nullptr; ///< of the table, a pixel each
+    unsigned char* m_twinRow = nullptr;       ///< memory of one row
     double m_lastEntry = 0;
     static const wchar_t* const m_ClassName;
     const wchar_t* GetClassNameW() const;

@@ -159,7 +159,7 @@ void ClipInput::Settle(const Statement& header, const VideoOverrides& overrides)
     m_info.depth = m_kind.palette ? 8 : m_kind.depth;
     m_info.rate = ToRatio(av_guess_frame_rate(m_input.get(), m_stream, m_peeked.get()));
     m_info.aspect = ToRatio(av_guess_sample_aspect_ratio(m_input.get(), m_stream, m_peeked.get()));
-    host::Settle(header, StatementOf(frame, m_decoder->codec_id), m_kind, overrides, m_info);
+    host::Settle(header, StatementOf(frame, *m_decoder), m_kind, overrides, m_info);
 
     const vfILFormatInfo& picture =
         FormatFor(m_kind, m_info.matrix.value, overrides.subsampled, m_info.remarks);

@@ -142,11 +142,13 @@ Statement StatementOf(const AVCodecParameters& stream)
     return {stream.color_space, stream.color_range, stream.field_order, std::nullopt};
 }
 
-Statement StatementOf(const AVFrame& frame, AVCodecID codec)
+Statement StatementOf(const AVFrame& frame, const AVCodecContext& decoder)
 {
     const FieldOrder order = FieldOrderOf(frame);
+    // FFV1 has a header of its own from the version on that says it.
+    const bool early = decoder.codec_id == AV_CODEC_ID_FFV1 && decoder.extradata_size == 0;
     // Where the codec doesn't know, the flags repeat the container's words, or say progressive for silence.
-    const bool says = CodecKnowsFields(codec);
+    const bool says = CodecKnowsFields(decoder.codec_id) && !early;
     return {frame.colorspace, frame.color_range, says ? ToLibav(order) : AV_FIELD_UNKNOWN, std::nullopt};
 }
 

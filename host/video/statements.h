@@ -17,7 +17,7 @@ struct Statement {
 
 Statement StatementOf(const AVCodecParameters& stream);
 /// A frame of a codec that knows no fields says nothing of them.
-Statement StatementOf(const AVFrame& frame, AVCodecID codec);
+Statement StatementOf(const AVFrame& frame, const AVCodecContext& decoder);
 
 /// Whether frames of a codec say which of their rows belong to which field.
 bool CodecKnowsFields(AVCodecID codec);

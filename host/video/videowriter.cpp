@@ -246,6 +246,9 @@ void VideoWriter::Impl::OpenEncoder()
     encoder.sample_aspect_ratio = ToRational(m_settings.aspect);
     encoder.field_order = ToLibav(m_settings.fieldOrder);
     encoder.thread_count = 0;
+    // Earlier versions do not say which field is first.
+    if (encoder.codec_id == AV_CODEC_ID_FFV1 && m_settings.fieldOrder != FieldOrder::Progressive)
+        encoder.level = 3;
     SetColour();
     if (m_settings.fieldOrder != FieldOrder::Progressive && CodesFieldsApart(encoder.codec_id))
         encoder.flags |= AV_CODEC_FLAG_INTERLACED_DCT | AV_CODEC_FLAG_INTERLACED_ME;

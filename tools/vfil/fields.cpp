@@ -2,6 +2,7 @@
 /// vfil fields.
 #include "engine/interrupt.h"
 #include "engine/jobparts.h"
+#include "engine/values.h"
 #include "fieldscan/fieldscan.h"
 #include "tools/vfil/commands.h"
 #include "tools/vfil/interrupt.h"
@@ -43,7 +44,11 @@ struct Measurement {
 engine::RunSettings RangeOf(Arguments arguments)
 {
     const std::string text = arguments.options.Get("frames").value_or(kUsualFrames);
-    if (text.find(':') == std::string::npos) arguments.options.given["frames"] = {":" + text};
+    if (text.find(':') != std::string::npos) return MakeSettings(arguments);
+    const auto count = ParseIntegers(text, ',', 1);
+    if (!count || count->front() < 1)
+        engine::RefuseValue(engine::OfRun("frames"), text, "a count of at least 1, or a range A:B of frames");
+    arguments.options.given["frames"] = {":" + text};
     return MakeSettings(arguments);
 }
 

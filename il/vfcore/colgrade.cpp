@@ -77,6 +77,7 @@ int vfILColorGradeImg::IsWeightOccupied(long weight) const
     return weight >= 0 && weight < kWeights && m_isStop[weight] ? 1 : 0;
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): hosts call it so
 void vfILColorGradeImg::SetColor(vfILColor color, long weight)
 {
     if (weight < 0 || weight >= kWeights) return;
@@ -194,6 +195,7 @@ vfILStatus vfILColorGradeImg::Execute()
 
 vfILStatus vfILColorGradeImg::Verify()
 {
+    // NOLINTNEXTLINE(bugprone-parent-virtual-call): the checks of vfILImgProc come in another order here
     if (vfILProcessor::Verify() != VFIL_SUCCESS) return VFIL_FAILURE;
     if (IsAllChannelProcessed() == 0) return Fail(0x20002, GetClassNameW());
     if (GetOutputImg() == nullptr) return Fail(0x10002, GetClassNameW());

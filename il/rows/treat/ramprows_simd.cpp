@@ -8,6 +8,11 @@
 namespace vfil {
 namespace {
 
+constexpr double Whole(std::size_t count)
+{
+    return static_cast<double>(count);
+}
+
 /// A vector of samples of a run, from any pixel on, by the formula itself.
 template <class Sample>
 class ExactBlock {
@@ -42,7 +47,7 @@ private:
         explicit constexpr Pixels(std::size_t channels)
         {
             for (std::size_t s = 0; s < kSamples; ++s)
-                ofSamples[s] = static_cast<double>(s / channels);
+                ofSamples[s] = Whole(s / channels);
         }
         double ofSamples[kSamples] = {};
     };
@@ -158,8 +163,7 @@ void Ramp(const RampSpan& span, Sample* row)
     const ExactBlock<Sample> exact(span);
     const auto part = [&](std::size_t at, std::size_t end) {
         for (; at < end; at += kBytes)
-            StorePart(out + at, exact(static_cast<double>(at / pixelBytes)),
-                      end - at < kBytes ? end - at : kBytes);
+            StorePart(out + at, exact(Whole(at / pixelBytes)), end - at < kBytes ? end - at : kBytes);
     };
     std::size_t at = BytesBefore<streaming>(out, bytes, pixelBytes);
     part(0, at);
@@ -170,8 +174,8 @@ void Ramp(const RampSpan& span, Sample* row)
                 blocks.Write<streaming>(out + at);
         }
     }
-    auto pixel = static_cast<double>(at / pixelBytes);
-    const auto pixels = static_cast<double>(kBytes / pixelBytes);
+    double pixel = Whole(at / pixelBytes);
+    const double pixels = Whole(kBytes / pixelBytes);
     for (; bytes - at >= kBytes; at += kBytes, pixel += pixels)
         StoreBlock<streaming>(out + at, exact(pixel));
     part(at, bytes);

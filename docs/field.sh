@@ -96,6 +96,56 @@ table+=("top top $media/dog-352x288i25-tff-422.mpg" "progressive progressive $me
         [ "$(value measured)" = "$truth" ] && [ "$(value claimed)" = "$claim" ] || echo "wrong: $line" >&2
         echo "| ${file##*/} | $truth | $claim | $(value measured) | $(value progressive), $(value top), $(value bottom), $(value undecided) |"
     done
-} >verdicts 2>wrong
-cat verdicts
+} >lines 2>wrong
+cat lines
 [ ! -s wrong ] || { cat wrong >&2; exit 1; }
+[ "${1:-}" != --verdicts ] || exit 0
+replace verdicts <lines
+
+# Clips of twice the rate, woven and taken apart again.
+lossless=(-c:v ffv1 -pix_fmt yuv422p)
+truth() { ff "${@:2}" -r 50 "${lossless[@]}" "$1.truth.mkv"; }
+drawn() { truth "$1" -f lavfi -i "$2" -frames:v 40; }
+drawn still "$(pan $cat 352x288 100 10)"
+drawn panning "$(pan $cat 352x288 '3*n' '5+n')"
+drawn mixed "$(pan $cat 352x288 100 10)[a];$(still $cup 90)[b];[a][b]overlay=x='20+3*n':y=100"
+drawn noisy "$(pan $cat 352x288 100 10),noise=alls=12:allf=t"
+truth dog -i "$media/dog-480x270p30.mp4" -an -vf crop=480:256,setpts=N/TB/50
+truth top-fields -i "$media/dog-352x288i25-tff-422.mpg" -an -vf field=top,setpts=N/TB/50
+
+# quality OUT TRUTH: the peak signal to noise ratio of luma, in dB, of the rows that were made.
+quality() {
+    local even="select='not(mod(n,2))',field=bottom,settb=1/25,setpts=N" odd="select='mod(n,2)',field=top,settb=1/25,setpts=N"
+    ff -i "$1" -i "$2" -lavfi "[0]split[a][b];[1]split[c][d];[a]${even}[e];[c]${even}[f];[b]${odd}[g];[d]${odd}[h];
+        [e][f]psnr=stats_file=even;[g][h]psnr=stats_file=odd" -f null -
+    sed 's/.*mse_y:\([0-9.]*\).*/\1/' even odd |
+        awk '{ s += $1; n++ } END { if (s == 0) print "exact"; else printf "%.1f\n", 10 * log(65025 * n / s) / log(10) }'
+}
+{
+    echo '| clip | duplicate | interpolate | adaptive | bwdif | yadif | w3fdif |'
+    echo '|---|---|---|---|---|---|---|'
+    for name in still panning mixed noisy dog top-fields; do
+        ff -i "$name.truth.mkv" -vf "$top,setfield=tff" -r 25 "${lossless[@]}" -field_order tt "$name.woven.mkv"
+        line="| $name |"
+        for type in duplicate interpolate adaptive; do
+            "$vfil" deinterlace "$name.woven.mkv" -o "$name.$type.mkv" --type "$type" --quiet
+            line+=" $(quality "$name.$type.mkv" "$name.truth.mkv") |"
+        done
+        for filter in bwdif=send_field:tff yadif=send_field:tff w3fdif; do
+            ff -i "$name.woven.mkv" -vf "$filter" "${lossless[@]}" other.mkv
+            line+=" $(quality other.mkv "$name.truth.mkv") |"
+        done
+        echo "$line"
+    done
+} >lines
+cat lines
+replace qualities <lines
+
+# A part of the mixed clip, enlarged: where the cup moves over what stays.
+mkdir -p "$root/docs/field"
+rm -f "$root/docs/field"/*.jpg
+for picture in woven:10:11 duplicate:20:21 interpolate:20:21 adaptive:20:21; do
+    IFS=: read -r name first end <<<"$picture"
+    "$vfil" copy "mixed.$name.mkv" -o part.png --frames "$first:$end" --roi 75,95,100,80 --quiet
+    "$vfil" pan-zoom part.png -o "$root/docs/field/$name.jpg" --scale 3 --interpolation nearest --size fit --quiet
+done

@@ -162,7 +162,9 @@ void Chain::ReadStep(const toml::table& table)
     const std::string name = node ? m_file.Text(*node, "the name of a step") : entry.name;
     step.inputs = StepInputs(entry, table);
     for (const catalogue::Output& output : entry.outputs)
-        step.results.push_back(entry.outputs.size() == 1 ? name : name + "." + output.role);
+        step.results.push_back(name + "." + output.role);
+    // The fields of a clip are one result, unless somebody asks for the second one.
+    if (entry.outputs.size() == 1 || entry.fields == catalogue::FieldUse::Splits) step.results.front() = name;
     step.where = m_file.Where(table);
     m_job.steps.push_back(std::move(step));
 }

@@ -292,9 +292,10 @@ public:
     IPXImage* GetInputImg() const;
     void SetInputImg(IPXImage* image);
     int GetSwapLines() const;
-    /// \param swap Non-zero trades row r of the region for r ^ 1, so that the order of the fields in time
-    ///             turns around; 0, the default, for r - 1, so that it stays. Row -1 is row 1, and the one
-    ///             behind the last is the one before it.
+    /// \param swap Non-zero trades row r of the region for r ^ 1; 0, the default, for r - 1, so that rows
+    ///             follow each other as before. Row -1 is row 1, and the one behind the last is the one
+    ///             before it. Either way what was in even rows gets into odd ones, and the field that was
+    ///             second in time, by its place in the frame, becomes the first.
     void SetSwapLines(int swap);
 
 protected:

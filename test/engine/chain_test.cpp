@@ -84,6 +84,19 @@ fields = "even"
 one = { file = "out.png", result = "masked" }
 two = { file = "two.png", result = "again" })",
          "30 31 32 33, 20 21 233 23, 10 11 12 13"},
+        {R"([inputs]
+grey = "grey.png"
+[[step]]
+name = "split"
+operator = "deinterlace"
+inputs = "grey"
+type = "duplicate"
+[[step]]
+operator = "interlace"
+inputs = { even = "split.odd", odd = "split" }
+[outputs]
+interlace = "out.png")",
+         "20 21 22 23, 10 11 12 13, 20 21 22 23"},
         {R"(inputs = { a = { file = "in.raw", in-format = "mono8", in-size = [2, 2] } }
 [[step]]
 name = "b"

@@ -66,6 +66,18 @@ PicturePtr InVideo(Picture& rgba)
     return video;
 }
 
+/// White, yellow, cyan, green, magenta, red, blue and black.
+PicturePtr Bars()
+{
+    PicturePtr bars = Picture::Create(PXFormat_RGBA32, kWidth, kHeight);
+    for (std::size_t i = 0; i < 4 * kPixels; ++i) {
+        constexpr std::size_t kBits[] = {1, 2, 0, 0}; // the bit of a bar's number that takes the channel out
+        const std::size_t bar = i / 4 % kWidth * 8 / kWidth;
+        bars->Pixels()[i] = i % 4 == 3 || (bar >> kBits[i % 4] & 1) == 0 ? 255 : 0;
+    }
+    return InVideo(*bars);
+}
+
 PicturePtr Copy(const Picture& picture)
 {
     PicturePtr copy = Picture::Create(picture.Format(), picture.Width(), picture.Height());
@@ -100,6 +112,7 @@ Frames::Frames()
     const PicturePtr photo16 = Tiled("cat-fur-rgb8.png", PXFormat_RGBA64);
     const PicturePtr plate = Tiled("greenscreen-cup-plate.png", PXFormat_RGBA32);
     const PicturePtr videoPlate = InVideo(*plate);
+    const PicturePtr videoBars = Bars();
     const PicturePtr gray = Planes(*photo, 1);
     const PicturePtr planes = Planes(*photo, 4);
     for (std::size_t i = 0; i < kFrames; ++i) {
@@ -115,7 +128,8 @@ Frames::Frames()
                     {Copy(*photo), Copy(*photo16), Copy(*gray)},
                     Copy(*planes),
                     Copy(*plate),
-                    Copy(*videoPlate)};
+                    Copy(*videoPlate),
+                    Copy(*videoBars)};
         frame.inputs = {frame.back, frame.back16};
         frame.outputs = {frame.out, frame.out16, picture(PXFormat_Mono8)};
         for (const GUID& format : kConverted) {

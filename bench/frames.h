@@ -35,8 +35,8 @@ struct Frame {
     PicturePtr photoPlanes;
     /// A subject before a green screen, in RGBA, opaque, for the keyers.
     PicturePtr plate;
-    /// The same as Y0 Cb Y1 Cr, BT.601.
-    PicturePtr videoPlate;
+    /// The same as Y0 Cb Y1 Cr, BT.601; and bars of full colour.
+    PicturePtr videoPlate, videoBars;
 
     vfil::host::Picture& In(const GUID& format) const { return Find(inputs, format); }
     vfil::host::Picture& Out(const GUID& format) const { return Find(outputs, format); }
@@ -158,6 +158,7 @@ inline constexpr char kFieldsRgba16[] = "rgba 16 bits";
 inline constexpr char kCorrect[] = "correct";
 inline constexpr char kCorrect16[] = "correct 16 bits";
 inline constexpr char kCorrect422[] = "correct 4:2:2";
+inline constexpr char kLegalize[] = "legalize, ";
 inline constexpr char kByMatrix[] = ", matrix";
 inline constexpr char kByTables[] = ", matrix and channel tables";
 

@@ -135,7 +135,7 @@ private:
         }
         if (operation == "invert" || operation == "copy" || operation == kSwap) return kLimitOne;
         if (IsFilter(operation) || operation.ends_with(kMicroseconds)) return "";
-        if (operation.starts_with(kCorrect422)) return kLimitOneVideo;
+        if (operation.starts_with(kCorrect422) || operation.starts_with(kLegalize)) return kLimitOneVideo;
         if (operation.starts_with(kCorrect16)) return kLimitOne16;
         if (operation.starts_with(kCorrect)) return kLimitOne;
         if (IsConversion(operation)) return ""; // bytes in and out differ from those of the loops

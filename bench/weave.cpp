@@ -17,7 +17,7 @@ struct FieldLayout {
 template <class Processor>
 void AddField(const std::string& operation, const FieldLayout& layout, int swapLines = 0)
 {
-    Add(operation + layout.name, kOurs, [&format = layout.format, swapLines](const Frame& frame) {
+    Add(operation + layout.name, kOurs, [=, &format = layout.format](const Frame& frame) {
         Processor processor;
         if constexpr (std::is_same_v<Processor, vfILInterlace>) {
             // Half of the rows of each are read.

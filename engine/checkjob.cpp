@@ -124,11 +124,22 @@ void ShareFirstInputs(Step& step)
         if (step.entry->inputs[i].orFirst && step.inputs[i].empty()) step.inputs[i] = step.inputs.front();
 }
 
+// What is judged are samples of 4:2:2: clips that go into it are read as such.
+void ReadAsJudged(Job& job)
+{
+    for (const Step& step : job.steps) {
+        if (!step.entry->legality) continue;
+        for (Source& source : job.sources)
+            if (source.name == step.inputs.front()) source.overrides.subsampled = true;
+    }
+}
+
 } // namespace
 
 CheckedJob CheckJob(Job job)
 {
     CheckNames(job);
+    ReadAsJudged(job);
     for (Step& step : job.steps)
         ShareFirstInputs(step);
     CheckStreams(job);

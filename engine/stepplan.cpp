@@ -288,7 +288,8 @@ Signal ResultSignal(const JobPlan& plan, const StepPlan& planned)
     const Signal& first = FirstOf(plan, planned);
     Signal result = first;
     result.format = planned.resultFormat;
-    if (!planned.step.entry->conversions.empty()) result.home = result.format;
+    const catalogue::Entry& entry = *planned.step.entry;
+    if (!entry.conversions.empty() || entry.legality) result.home = result.format;
     result.width = planned.outputSize[0];
     result.height = planned.outputSize[1];
     result.clip = planned.clip;

@@ -116,16 +116,21 @@ std::optional<GUID> OwnSamples(const Step& step, const Signals& inputs)
     return (*own)->format;
 }
 
-// The format of the samples themselves. In another colour model none would be left that is not legal.
+// Video has to be judged as the samples that it is: RGB would limit it. What is RGB already was limited.
 GUID VideoFormat(const Entry& entry, const Signal& input)
 {
-    if (Takes(entry, input.home) && FindConversion(input.format, input.home)) return input.home;
-    const bool plane = InfoOf(input.home).alphaPlane;
+    const vfILFormatInfo& present = InfoOf(input.format);
+    if (present.ycc && Takes(entry, input.format)) return input.format;
+    const bool is709 = InfoOf(input.home).model == PXColorModel_YCC709;
+    const GUID plain = is709 ? PXFormat_YUV422_709 : PXFormat_YUV422_601;
+    const GUID wanted = Takes(entry, input.home) ? input.home : plain;
+    if (!present.ycc && !input.alpha && FindConversion(input.format, wanted)) return wanted;
     throw RequestError(
-        input.label + " is " + FormatName(input.home) + ", and " + entry.name +
-        " judges the samples of 4:2:2 without alpha; " +
-        (plane ? "take the alpha off with split-key, which leaves them as they are"
-               : "'vfil convert' with " + Named("to") + " yuv422-601 makes such, of colours that RGB has"));
+        input.label + " is " + FormatName(input.format) + (input.alpha ? " and has alpha, and " : ", and ") +
+        entry.name + " works on samples of 4:2:2 without alpha; " +
+        (input.alpha ? Message("split-key takes the alpha off and leaves the samples as they are")
+                     : "'vfil convert' with " + Named("to") + " " + FormatName(plain) +
+                           " makes such, of colours that RGB has"));
 }
 
 } // namespace

@@ -39,14 +39,18 @@ std::string DescribeStream(const AVStream& stream)
 }
 
 /// The picture format for a kind of stream, and a remark where it holds less than the stream.
-const vfILFormatInfo& FormatFor(const PixelKind& kind, Matrix matrix, std::vector<std::string>& remarks)
+///
+/// \param subsampled Full-rate YCC is none of the choices.
+const vfILFormatInfo& FormatFor(const PixelKind& kind, Matrix matrix, bool subsampled,
+                                std::vector<std::string>& remarks)
 {
     const auto info = [](const GUID& format) -> const vfILFormatInfo& { return *vfILFindFormat(format); };
     if (kind.model == Model::Gray && !kind.alpha) return info(kind.Deep() ? PXFormat_Mono16 : PXFormat_Mono8);
     if (kind.model != Model::Ycc) return info(kind.Deep() ? PXFormat_RGBA64 : PXFormat_RGBA32);
     const bool is601 = matrix == Matrix::Bt601;
-    if (is601 && kind.Deep()) return info(PXFormat_YCCA64);
-    if (is601 && !kind.Subsampled()) return info(PXFormat_YCCA32);
+    const bool fullRate = is601 && !subsampled;
+    if (fullRate && kind.Deep()) return info(PXFormat_YCCA64);
+    if (fullRate && !kind.Subsampled()) return info(PXFormat_YCCA32);
     const vfILFormatInfo* format = &info(is601 ? PXFormat_YUV422_601 : PXFormat_YUV422_709);
     if (kind.alpha) format = &info(is601 ? PXFormat_YCCA422_601 : PXFormat_YCCA422_709);
     if (kind.format == AV_PIX_FMT_YUYV422) format = &info(is601 ? PXFormat_YCC422_601 : PXFormat_YCC422_709);
@@ -157,7 +161,8 @@ void ClipInput::Settle(const Statement& header, const VideoOverrides& overrides)
     m_info.aspect = ToRatio(av_guess_sample_aspect_ratio(m_input.get(), m_stream, m_peeked.get()));
     host::Settle(header, StatementOf(frame, *m_decoder), m_kind, overrides, m_info);
 
-    const vfILFormatInfo& picture = FormatFor(m_kind, m_info.matrix.value, m_info.remarks);
+    const vfILFormatInfo& picture =
+        FormatFor(m_kind, m_info.matrix.value, overrides.subsampled, m_info.remarks);
     m_info.format = picture.id;
     CheckSize(m_path, static_cast<std::uint64_t>(frame.width), static_cast<std::uint64_t>(frame.height),
               picture.id);

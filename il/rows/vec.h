@@ -285,6 +285,17 @@ inline U16 Average(U16 a, U16 b)
     return {VFIL_MM(avg_epu16)(a.bits, b.bits)};
 }
 
+/// The same of whatever samples the bytes are.
+template <class Sample>
+inline U8 AverageOf(U8 a, U8 b)
+{
+    if constexpr (sizeof(Sample) == 1) {
+        return Average(a, b);
+    } else {
+        return {Average(U16{a.bits}, U16{b.bits}).bits};
+    }
+}
+
 inline U16 MaxSigned(U16 a, U16 b)
 {
     return {VFIL_MM(max_epi16)(a.bits, b.bits)};
@@ -448,6 +459,16 @@ inline std::size_t BytesToAligned(const std::uint8_t* p)
 struct Part {
     std::size_t at, bytes;
 };
+
+/// A part of a row, with zeros behind it.
+inline U8 LoadPart(const void* row, Part part)
+{
+    const std::uint8_t* const from = static_cast<const std::uint8_t*>(row) + part.at;
+    if (part.bytes == kBytes) return Load(from);
+    std::uint8_t bytes[kBytes] = {};
+    std::memcpy(bytes, from, part.bytes);
+    return Load(bytes);
+}
 
 /// Fewer bytes than a vector, through the same operation.
 template <class Operation>

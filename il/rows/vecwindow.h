@@ -1,8 +1,9 @@
 /// \file
-/// Entries of a table that lie within a vector of it, and roots of floats. Included by *_simd.cpp sources
-/// alone, as vec.h is.
+/// Entries of a table that lie within a vector of it, roots of floats, and what tells of lanes. Included by
+/// *_simd.cpp sources alone, as vec.h is.
 #pragma once
 
+#include "il/rows/vec64.h"
 #include "il/rows/vecfloat.h"
 
 namespace vfil {
@@ -24,71 +25,73 @@ inline bool AnyWithout(S32 v, std::int32_t bits)
 #endif
 }
 
-#if defined(__AVX2__)
-/// Pixels of a size in a vector, by their place in a vector of them.
-template <class Pixel>
-struct Window;
-
-template <>
-struct Window<std::uint32_t> {
-    static constexpr std::size_t kPixels = kLanes32;
-
-    /// The places of pixels from an index on; false when one is not in a vector that begins there.
-    bool Set(const std::int32_t* indices, std::int32_t from)
-    {
-        m_places = VFIL_MM(sub_epi32)(VFIL_BITS(loadu)(reinterpret_cast<const Register*>(indices)),
-                                      Splat32(from).bits);
+/// The lanes, of which those are one more where a mask is true; the first mask has the lower half.
+inline S32 CountTrue(S32 v, Mask64 low, Mask64 high)
+{
 #if defined(__AVX512BW__)
-        return _mm512_test_epi32_mask(m_places, Splat32(-16).bits) == 0;
+    const auto both = static_cast<__mmask16>(low.bits | high.bits << 8);
+    return {_mm512_mask_add_epi32(v.bits, both, v.bits, _mm512_set1_epi32(1))};
+#elif defined(__AVX2__)
+    const __m256 halves = _mm256_shuffle_ps(_mm256_castpd_ps(low.bits), _mm256_castpd_ps(high.bits), 0x88);
+    const __m256i ones = _mm256_permute4x64_epi64(_mm256_castps_si256(halves), 0xD8); // [0 2 1 3]
+    return {_mm256_sub_epi32(v.bits, ones)};
 #else
-        return _mm256_testz_si256(m_places, Splat32(-8).bits) != 0;
+    const __m128 halves = _mm_shuffle_ps(_mm_castpd_ps(low.bits), _mm_castpd_ps(high.bits), 0x88);
+    return {_mm_sub_epi32(v.bits, _mm_castps_si128(halves))};
 #endif
-    }
-    U8 LookUp(U8 window) const
-    {
+}
+
+#if !defined(__AVX2__)
+inline S32 Min(S32 a, S32 b)
+{
+    const __m128i isLess = _mm_cmplt_epi32(a.bits, b.bits);
+    return {_mm_or_si128(_mm_and_si128(isLess, a.bits), _mm_andnot_si128(isLess, b.bits))};
+}
+#endif
+
+/// The first or the last lane, in all lanes.
+template <bool last>
+inline S32 SplatEnd(S32 v)
+{
 #if defined(__AVX512BW__)
-        return {_mm512_permutexvar_epi32(m_places, window.bits)};
+    if constexpr (last) return {_mm512_permutexvar_epi32(_mm512_set1_epi32(kLanes32 - 1), v.bits)};
+    return {_mm512_broadcastd_epi32(_mm512_castsi512_si128(v.bits))};
+#elif defined(__AVX2__)
+    if constexpr (last) return {_mm256_permutevar8x32_epi32(v.bits, _mm256_set1_epi32(kLanes32 - 1))};
+    return {_mm256_broadcastd_epi32(_mm256_castsi256_si128(v.bits))};
 #else
-        return {_mm256_permutevar8x32_epi32(window.bits, m_places)};
+    return Shuffle32 < last ? 0xFF : 0x00 > (v);
 #endif
-    }
+}
 
-private:
-    Register m_places;
-};
-
-template <>
-struct Window<std::uint64_t> {
-    static constexpr std::size_t kPixels = kLanes64;
-
-    bool Set(const std::int32_t* indices, std::int32_t from)
-    {
+inline std::int32_t FirstLane(S32 v)
+{
 #if defined(__AVX512BW__)
-        m_places = _mm512_cvtepi32_epi64(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(indices)));
-        m_places = _mm512_sub_epi64(m_places, _mm512_set1_epi64(from));
-        return _mm512_test_epi64_mask(m_places, _mm512_set1_epi64(-8)) == 0;
+    return _mm_cvtsi128_si32(_mm512_castsi512_si128(v.bits));
+#elif defined(__AVX2__)
+    return _mm_cvtsi128_si32(_mm256_castsi256_si128(v.bits));
 #else
-        m_places = _mm256_cvtepi32_epi64(_mm_loadu_si128(reinterpret_cast<const __m128i*>(indices)));
-        m_places = _mm256_sub_epi64(m_places, _mm256_set1_epi64x(from));
-        return _mm256_testz_si256(m_places, _mm256_set1_epi64x(-4)) != 0;
+    return _mm_cvtsi128_si32(v.bits);
 #endif
-    }
-    U8 LookUp(U8 window) const
-    {
-#if defined(__AVX512BW__)
-        return {_mm512_permutexvar_epi64(m_places, window.bits)};
-#else
-        const __m256i low = _mm256_slli_epi64(m_places, 1); // halves of a pixel: [2p 2p + 1]
-        const __m256i high = _mm256_slli_epi64(low, 32);
-        const __m256i halves = _mm256_add_epi32(_mm256_or_si256(low, high), _mm256_set1_epi64x(1LL << 32));
-        return {_mm256_permutevar8x32_epi32(window.bits, halves)};
-#endif
-    }
+}
 
-private:
-    Register m_places;
-};
+/// The lanes of a table at places of 0 to kLanes32 - 1.
+inline U8 LookUp(const std::uint32_t* table, S32 places)
+{
+    const U8 window = Load(reinterpret_cast<const std::uint8_t*>(table));
+#if defined(__AVX512BW__)
+    return {_mm512_permutexvar_epi32(places.bits, window.bits)};
+#elif defined(__AVX2__)
+    return {_mm256_permutevar8x32_epi32(window.bits, places.bits)};
+#else
+    std::uint32_t lanes[kLanes32];
+    std::int32_t at[kLanes32];
+    Store(reinterpret_cast<std::uint8_t*>(lanes), window);
+    Store(reinterpret_cast<std::uint8_t*>(at), {places.bits});
+    return {_mm_setr_epi32(static_cast<int>(lanes[at[0]]), static_cast<int>(lanes[at[1]]),
+                           static_cast<int>(lanes[at[2]]), static_cast<int>(lanes[at[3]]))};
 #endif
+}
 
 } // namespace
 } // namespace vfil

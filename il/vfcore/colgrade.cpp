@@ -1,16 +1,15 @@
 /// \file
-/// Ramps of colours.
+/// Ramps of colours: parameters, and the stages of a run.
 
-#include "il/loops/frame/colourpixel.h"
+#include "il/loops/frame/imageview.h"
+#include "il/loops/frame/regions.h"
+#include "il/loops/frame/rowloop.h"
 #include "il/loops/frame/saturate.h"
-#include "il/loops/treat/ramprun.h"
-#include "il/loops/treat/ramptable.h"
 
 #include <vfil/colorgrade.h>
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <iterator>
 #include <numbers>
 
@@ -78,6 +77,7 @@ int vfILColorGradeImg::IsWeightOccupied(long weight) const
     return weight >= 0 && weight < kWeights && m_isStop[weight] ? 1 : 0;
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): hosts call it so
 void vfILColorGradeImg::SetColor(vfILColor color, long weight)
 {
     if (weight < 0 || weight >= kWeights) return;
@@ -195,6 +195,7 @@ vfILStatus vfILColorGradeImg::Execute()
 
 vfILStatus vfILColorGradeImg::Verify()
 {
+    // NOLINTNEXTLINE(bugprone-parent-virtual-call): the checks of vfILImgProc come in another order here
     if (vfILProcessor::Verify() != VFIL_SUCCESS) return VFIL_FAILURE;
     if (IsAllChannelProcessed() == 0) return Fail(0x20002, GetClassNameW());
     if (GetOutputImg() == nullptr) return Fail(0x10002, GetClassNameW());
@@ -250,162 +251,7 @@ vfILStatus vfILColorGradeImg::CleanData()
 {
     m_table.Free();
     m_entries = nullptr;
+    m_twinRow = nullptr;
     m_output = {};
-    return VFIL_SUCCESS;
-}
-
-/// The vector as the region's first pixel sees it, and the last colour's number.
-struct vfILColorGradeImg::Way {
-    double x, y, dx, dy, ratio, last;
-
-    double Length() const { return std::sqrt(dx * dx + dy * dy); }
-    /// Of the pixels from (left, row) on.
-    LinearPlaces Linear(double left, double row) const
-    {
-        const double length = Length();
-        return {(left - x) * dx + (row - y) * dy, dx, length, 1 / length, last};
-    }
-    RadialPlaces Radial(double left, double row) const
-    {
-        const double height = row == y ? 0.0 : (row - y) * ratio; // the ratio may be infinite
-        return {left - x, height * height, last};
-    }
-};
-
-vfILColorGradeImg::Way vfILColorGradeImg::WayOf() const
-{
-    const auto left = static_cast<double>(GetROI().GetOffsetX());
-    const auto bottom = static_cast<double>(GetROI().GetOffsetY());
-    return {m_x - left, m_y - bottom, static_cast<double>(m_dx), static_cast<double>(m_dy),
-            m_ratio,    m_lastEntry};
-}
-
-/// False when memory is short.
-bool vfILColorGradeImg::MakeTable()
-{
-    RampStop stops[kWeights];
-    std::size_t count = 0;
-    for (long weight = 0; weight < kWeights; ++weight) {
-        const long at = m_invertFlag != 0 ? kWeights - 1 - weight : weight;
-        if (m_isStop[at]) stops[count++] = {weight, RampColour(m_stops[at])};
-    }
-    constexpr double kMostEntries = 1 << 26; // nobody sees a colour of so long a ramp change
-    const double length = std::ceil(WayOf().Length());
-    if (length > kMostEntries) return false;
-    const std::size_t entries = std::max(static_cast<std::size_t>(length), std::size_t{1});
-    const auto entryBytes = static_cast<std::size_t>(m_output.pixelBytes);
-    unsigned char* const table = m_table.Allocate((entries + kLookUpPad) * entryBytes);
-    if (table == nullptr) return false;
-    std::memset(table + entries * entryBytes, 0, kLookUpPad * entryBytes);
-    PointFormats::Visit(m_output.format->id, [&](auto format) {
-        using Format = decltype(format);
-        auto* const samples = reinterpret_cast<typename Format::Sample*>(table);
-        const RampStores stores{m_simdAvailable != 0};
-        if constexpr (Format::kChannels == 4) {
-            FillMultiColorsRGBA(stops, count, entries, stores, samples);
-        } else {
-            FillMultiColorsMONO(stops, count, entries, stores, samples);
-        }
-    });
-    m_entries = table;
-    m_lastEntry = static_cast<double>(entries - 1);
-    return true;
-}
-
-namespace {
-
-RampGround GroundOf(const vfILPictureView& output, const vfILBbox2l& box, int useVectors)
-{
-    return {output, box, useVectors != 0};
-}
-
-/// The number of one pixel's colour.
-template <class Places>
-std::int32_t EntryOf(PlaceRow<Places> place, const Places& places)
-{
-    std::int32_t entry = 0;
-    place(places, &entry, 1);
-    return entry;
-}
-
-} // namespace
-
-/// 0 when all pixels have one colour: those of the corners are the extremes.
-int vfILColorGradeImg::ViewIntersectsGrade() const
-{
-    const auto entry = [way = WayOf()](long x, long y) {
-        return EntryOf(FindLinearRow(false), way.Linear(static_cast<double>(x), static_cast<double>(y)));
-    };
-    const long right = m_targetBox.GetSizeX() - 1;
-    const long top = m_targetBox.GetSizeY() - 1;
-    const std::int32_t first = entry(0, 0);
-    return entry(right, 0) == first && entry(0, top) == first && entry(right, top) == first ? 0 : 1;
-}
-
-/// 0 when all pixels have the last colour: that of the nearest to the centre is the first one.
-int vfILColorGradeImg::ViewIntersectsCircle() const
-{
-    const Way way = WayOf();
-    const double x = std::clamp(way.x, 0.0, static_cast<double>(m_targetBox.GetSizeX() - 1));
-    const double y = std::clamp(way.y, 0.0, static_cast<double>(m_targetBox.GetSizeY() - 1));
-    return EntryOf(FindRadialRow(false), way.Radial(x, y)) < m_lastEntry ? 1 : 0;
-}
-
-vfILStatus vfILColorGradeImg::RenderLinear()
-{
-    const RampGround ground = GroundOf(m_output, m_targetBox, m_simdAvailable);
-    const Way way = WayOf();
-    if (ViewIntersectsGrade() == 0) {
-        PaintPixel(*this, ground,
-                   m_entries + EntryOf(FindLinearRow(false), way.Linear(0, 0)) * m_output.pixelBytes);
-        return VFIL_SUCCESS;
-    }
-    const bool isPainted = PaintPlaces(*this, ground, m_entries, FindLinearRow(ground.useVectors),
-                                       [&](long row) { return way.Linear(0, static_cast<double>(row)); });
-    return isPainted ? VFIL_SUCCESS : Fail(0x10001, GetClassNameW());
-}
-
-vfILStatus vfILColorGradeImg::RenderRadial()
-{
-    const RampGround ground = GroundOf(m_output, m_targetBox, m_simdAvailable);
-    if (ViewIntersectsCircle() == 0) {
-        PaintPixel(*this, ground, m_entries + static_cast<long>(m_lastEntry) * m_output.pixelBytes);
-        return VFIL_SUCCESS;
-    }
-    const bool isPainted =
-        PaintPlaces(*this, ground, m_entries, FindRadialRow(ground.useVectors),
-                    [way = WayOf()](long row) { return way.Radial(0, static_cast<double>(row)); });
-    return isPainted ? VFIL_SUCCESS : Fail(0x10001, GetClassNameW());
-}
-
-vfILStatus vfILColorGradeImg::RenderSquare()
-{
-    const RampGround ground = GroundOf(m_output, m_targetBox, m_simdAvailable);
-    const RampColour lowerLeft(m_colorLL), lowerRight(m_colorLR), upperRight(m_colorUR), upperLeft(m_colorUL);
-    const auto width = static_cast<std::size_t>(ground.Width());
-    const long top = m_targetBox.GetSizeY() - 1;
-    const RampStores stores{ground.useVectors, ground.IsStreaming()};
-    PointFormats::Visit(m_output.format->id, [&](auto format) {
-        using Format = decltype(format);
-        ForEachRampRow(*this, ground, [&](long row, unsigned char* out) {
-            const RampColour left = Between(lowerLeft, upperLeft, row, top);
-            const RampColour right = Between(lowerRight, upperRight, row, top);
-            auto* const samples = reinterpret_cast<typename Format::Sample*>(out);
-            if constexpr (Format::kChannels == 4) {
-                Fill2ColorsRGBA(left, right, width, stores, samples);
-            } else {
-                Fill2ColorsMONO(left, right, width, stores, samples);
-            }
-        });
-    });
-    if (stores.streaming) FinishStreaming();
-    return VFIL_SUCCESS;
-}
-
-vfILStatus vfILColorGradeImg::RenderConstant(vfILColor& color)
-{
-    ColourPixel pixel;
-    if (pixel.Set(*m_output.format, color))
-        PaintPixel(*this, GroundOf(m_output, m_targetBox, m_simdAvailable), pixel.bytes);
     return VFIL_SUCCESS;
 }

@@ -2,6 +2,7 @@
 /// Splitting a frame of two fields into two pictures.
 
 #include "il/loops/field/deinterlacerun.h"
+#include "il/loops/field/fieldrows.h"
 #include "il/loops/field/fieldwalk.h"
 #include "il/loops/frame/fills.h"
 #include "il/loops/frame/regions.h"
@@ -181,14 +182,6 @@ vfILStatus vfILDeinterlace::Execute()
 
 namespace {
 
-/// The formats that the operators on fields take.
-bool IsFieldFormat(const vfILFormatInfo& format)
-{
-    if (format.subsampled) return !format.alphaPlane;
-    return format.id == PXFormat_RGBA32 || format.id == PXFormat_RGBA64 || format.id == PXFormat_Mono8 ||
-           format.id == PXFormat_Mono16;
-}
-
 bool IsShare(double value)
 {
     return value >= 0.0 && value <= 1.0; // false for NaN
@@ -264,7 +257,6 @@ vfILStatus vfILDeinterlace::PrepareData()
     const vfILBbox2l valid = input.Box() & m_roi;
     if (valid.IsNull()) return VFIL_SUCCESS;
 
-    const vfILBbox2l target = TargetBox(m_roi, m_outputOffset);
     m_run.placedBox = Moved(valid, std::int64_t{m_outputOffset[0]} - m_roi.GetOffsetX(),
                             std::int64_t{m_outputOffset[1]} - m_roi.GetOffsetY());
     m_run.rows = valid.GetSizeY();
@@ -272,34 +264,43 @@ vfILStatus vfILDeinterlace::PrepareData()
     m_run.sampleBytes = input.format->sampleBytes;
     m_run.firstRowEven = (WalkedRow(input, FirstWalked(input, valid)) & 1) == 0;
     m_run.input = WalkOf(input, valid);
+    const bool isMoved = PlaceOutputs(valid);
+    return ReadInput(valid, isMoved);
+}
 
-    bool isMoved = false; // an output is the input, but at another place
+/// True when an output is the input, but at another place.
+bool vfILDeinterlace::PlaceOutputs(const vfILBbox2l& valid)
+{
+    const ImageView input(m_inputImg);
+    const ImageView outputs[2] = {m_outputImgs[0], m_outputImgs[1]};
+    bool isMoved = false;
     std::size_t written = 0;
     for (int i = 0; i < 2; ++i) {
-        if (m_outputImgs[i] == nullptr) continue;
-        const ImageView output(m_outputImgs[i]);
+        const ImageView& output = outputs[i];
+        if (!output.HasPixels()) continue;
         m_run.outputs[i] = WalkOf(output, m_run.placedBox);
         written += m_run.rowBytes * static_cast<std::size_t>(m_run.rows);
         if (ShareMemory(output, input)) {
-            const bool inPlace =
-                output.pixels == input.pixels && output.Box() == input.Box() && target == valid;
+            const bool inPlace = output.pixels == input.pixels && output.Box() == input.Box() &&
+                                 TargetBox(m_roi, m_outputOffset) == valid;
             isMoved = isMoved || !inPlace;
             m_run.apart = m_run.apart && !inPlace;
         }
-        if (i == 1 && ShareMemory(output, ImageView(m_outputImgs[0]))) m_run.apart = false;
-        if (!IsAdaptive()) continue;
-        m_run.comparisons[i] = WalkOf(m_compImgs[i], valid);
-        for (IPXImage* const other : m_outputImgs)
-            if (ShareMemory(m_compImgs[i], other)) m_run.apart = false;
+        if (IsAdaptive()) {
+            const ImageView compared(m_compImgs[i]);
+            m_run.comparisons[i] = WalkOf(compared, valid);
+            if (ShareMemory(compared, outputs[0]) || ShareMemory(compared, outputs[1])) m_run.apart = false;
+        }
     }
+    if (ShareMemory(outputs[0], outputs[1])) m_run.apart = false;
     m_run.streaming = m_run.apart && written >= kStreamingBytes;
-    return ReadScratchRows(valid, isMoved);
+    return isMoved;
 }
 
-/// Before anything is written: the outputs may be the input.
-vfILStatus vfILDeinterlace::ReadScratchRows(const vfILBbox2l& valid, bool copiesInput)
+/// Reads the rows beside the region, and all of it where it is going to be written elsewhere.
+vfILStatus vfILDeinterlace::ReadInput(const vfILBbox2l& valid, bool copiesRegion)
 {
-    const std::size_t copied = copiesInput ? static_cast<std::size_t>(m_run.rows) : 0;
+    const std::size_t copied = copiesRegion ? static_cast<std::size_t>(m_run.rows) : 0;
     unsigned char* const rows = m_scratch.Allocate(m_run.rowBytes * (2 + copied));
     if (rows == nullptr) {
         return Fail(0x10001, "%s ERROR PrepareData: insufficient memory space\n", GetClassNameW());
@@ -318,7 +319,7 @@ vfILStatus vfILDeinterlace::ReadScratchRows(const vfILBbox2l& valid, bool copies
     }
     m_run.above = rows;
     m_run.below = rows + m_run.rowBytes;
-    if (copiesInput) {
+    if (copiesRegion) {
         const vfILFieldWalk copy = WalkOf(rows + 2 * m_run.rowBytes, m_run.rowBytes);
         for (long row = 0; row < m_run.rows; ++row)
             MoveRow(m_simdAvailable != 0, RowAt(m_run.input, row), RowAt(copy, row), m_run.rowBytes);

@@ -51,6 +51,7 @@ vfILStatus vfILFieldProc::Execute()
 
 vfILStatus vfILFieldProc::VerifyMode(const wchar_t* className)
 {
+    // NOLINTNEXTLINE(bugprone-parent-virtual-call): the checks of vfILImgProc come in another order here
     if (vfILProcessor::Verify() != VFIL_SUCCESS) return VFIL_FAILURE;
     return IsAllChannelProcessed() != 0 ? VFIL_SUCCESS : Fail(0x20002, className);
 }

@@ -29,7 +29,8 @@ public:
     vfILColorGradeImg& operator=(const vfILColorGradeImg& other);
     ~vfILColorGradeImg() override;
     /// Runs Verify, PrepareData and ProcessData, and CleanData in every case. Fails with 0x10001 when there
-    /// is no memory for the table of colours, or when it would have more than 2 to the power of 26.
+    /// is no memory for a row and the table of colours, or when that would have more than 2 to the power
+    /// of 26.
     vfILStatus Execute() override;
     /// Fails with, in this order, 0x20002 (not all channels are selected), 0x10002 and 0x10003 (no output, or
     /// one without pixels), 0x1000D (a format that is neither RGBA nor mono), 0x1000A (the region hangs over
@@ -109,6 +110,7 @@ private:
     vfILBbox2l m_targetBox;
     vfILRunBuffer m_table;
     const unsigned char* m_entries = nullptr; ///< of the table, a pixel each
+    unsigned char* m_twinRow = nullptr;       ///< memory of one row
     double m_lastEntry = 0;
     static const wchar_t* const m_ClassName;
     const wchar_t* GetClassNameW() const;

@@ -162,7 +162,8 @@ private:
     vfILStatus VerifyOutputs();
     vfILStatus VerifyComparisons();
     vfILStatus VerifyParameters();
-    vfILStatus ReadScratchRows(const vfILBbox2l& valid, bool copiesInput);
+    bool PlaceOutputs(const vfILBbox2l& valid);
+    vfILStatus ReadInput(const vfILBbox2l& valid, bool copiesRegion);
 
     IPXImage* m_inputImg = nullptr;
     IPXImage* m_outputImgs[2] = {nullptr, nullptr};

@@ -222,7 +222,7 @@ TEST_F(TreatTool, PaintsRampsOfNothing)
         {"--size 1x3 --vector 0,0,0,2 " + stops, 0, "255, 255, 0"},
         {"--size 3x1 --stops 7:0.5,1,0,0.25", 3, "64 64 64"},
         {"--size 5x3 --type radial --vector 2,1,2,0 --stops '0:1,1,1 50:0,0,0'", 0,
-         "255 0 0 0 255, 255 0 255 0 255, 255 0 0 0 255"},
+         "0 0 0 0 0, 0 0 255 0 0, 0 0 0 0 0"},
         {"--size 2x2 --type square --color-ll '#010000' --color-lr '#020000' --color-ur '#030000' --color-ul "
          "'#040000'",
          0, "4 3, 1 2"},
@@ -382,6 +382,24 @@ report = "chain.csv"
 )");
     RunWell("run chain.toml");
     EXPECT_THAT(Bytes("chain.csv"), HasSubstr("\n11,709,own,16,"));
+}
+
+// 10 bits of BT.601 are full-rate YCC elsewhere, from which only RGB leads to 4:2:2: there all is legal.
+TEST_F(TreatTool, DeepClipsAreJudgedAsTheirSamples)
+{
+    ASSERT_EQ(Shell("ffmpeg -v error -f lavfi -i \"color=black:s=16x8,format=yuv422p10le,"
+                    "geq=lum=800:cb=800:cr=512\" -frames:v 1 -colorspace smpte170m -c:v ffv1 deep.mkv")
+                  .status,
+              0);
+    const ProcessResult result = Run("legalize deep.mkv -o out.mkv --json --mode adjust-saturation");
+    EXPECT_THAT(result.err, testing::MatchesRegex("vfil: deep.mkv: [^\n]*rounded to 8 bits\n"));
+    const json record = json::parse(result.out);
+    EXPECT_EQ(record["format"], "yuv422-601");
+    EXPECT_EQ(record["conversions"].size(), 0u);
+    const json& before = record["legality"]["total"]["before"];
+    EXPECT_EQ(before["rgbOver"]["share"], 1);
+    EXPECT_NEAR(before["worst"]["codes"], 255 * (184 / 219.0 + 1.772 * 72 / 224 - 1), 1e-9);
+    EXPECT_EQ(record["legality"]["total"]["after"]["beyondOneCode"]["pixels"], 0);
 }
 
 TEST_F(TreatTool, RefusesWhatCannotBeMadeLegalOrToldOf)

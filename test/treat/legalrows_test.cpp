@@ -66,31 +66,6 @@ Bytes Treated(const Bytes& pairs, PXColorModel standard, LegalRule rule, bool st
     return out;
 }
 
-// Vectors of nothing but what is legal, or just not.
-TEST(LegalRows, VectorFormsKnowWhatIsLegal)
-{
-    std::mt19937 random(8);
-    for (const PXColorModel standard : kStandards) {
-        Bytes pairs;
-        while (pairs.size() < 3000 * 64) {
-            const std::array<Byte, 4> pair{static_cast<Byte>(random()), static_cast<Byte>(random()),
-                                           static_cast<Byte>(random()), static_cast<Byte>(random())};
-            if (Outside(standard, pair.data()) > 1) continue;
-            for (int i = 0; i < 16; ++i)
-                pairs.insert(pairs.end(), pair.begin(), pair.end());
-        }
-        for (int rule = 0; rule < kLegalRules; ++rule)
-            for (const bool strict : {false, true}) {
-                const LegalParams params = LegalParamsOf(standard, 100);
-                Bytes fast(pairs.size()), plain(pairs.size());
-                for (Bytes* out : {&fast, &plain})
-                    FindLegalRow({static_cast<LegalRule>(rule), strict, false, out == &fast, false})(
-                        pairs.data(), out->data(), pairs.size() / 4, params);
-                EXPECT_TRUE(fast == plain) << "rule " << rule << ", strict " << strict;
-            }
-    }
-}
-
 int LargestChange(const Byte* before, const Byte* after)
 {
     int largest = 0;

@@ -1,5 +1,6 @@
 /// \file
 /// The vector forms of the kernels of the colour ramps against the plain ones.
+#include "il/rows/treat/placerows.h"
 #include "il/rows/treat/ramprows.h"
 
 #include "support/rowcheck.h"
@@ -7,6 +8,7 @@
 #include <bit>
 #include <cmath>
 #include <limits>
+#include <numeric>
 
 namespace vfil {
 namespace {
@@ -45,98 +47,91 @@ void CheckRamp(Member member)
     }
 }
 
-TEST(RampRows, RunsAreThePlainForms)
+TEST(RampRows, AreThePlainForms)
 {
     CheckRamp<std::uint8_t>(&RampRows::ramp8);
     CheckRamp<std::uint16_t>(&RampRows::ramp16);
 }
 
-template <class Places, class Member, class RandomPlaces>
+/// In tables of entries that are all different.
+template <class Places, class Entry, class Member, class RandomPlaces>
 void CheckPlaces(Member member, RandomPlaces randomPlaces)
 {
+    constexpr std::size_t kSize = std::countr_zero(sizeof(Entry));
     std::mt19937 random(32);
     for (const Level level : VectorLevels()) {
-        for (int round = 0; round < 3000; ++round) {
+        for (int round = 0; round < 2500; ++round) {
             const Places places = randomPlaces(random);
-            const std::vector<std::int32_t> row(random() % 100, -7);
-            PlacedRow<std::int32_t> made(row, 4 * (random() % 16), true);
-            auto expected = made;
-            (RampRowsAt(level).*member)(places, made.Data(), row.size());
-            (RampRowsAt(Level::Plain).*member)(places, expected.Data(), row.size());
-            ASSERT_TRUE(made == expected) << "level " << static_cast<int>(level) << ", round " << round;
+            std::vector<Entry> table(static_cast<std::size_t>(places.last) + 1 + 2 * kTablePad);
+            for (std::size_t i = 0; i < table.size(); ++i)
+                table[i] = static_cast<Entry>(std::clamp(i, kTablePad, table.size() - kTablePad - 1) *
+                                              0x1'0000'0101);
+            const std::vector<Entry> row(random() % 100, Entry{7});
+            const PlacedRow<Entry> before(row, sizeof(Entry) * (random() % 16), true);
+            auto expected = before;
+            (PlaceRowsAt(Level::Plain).*member)[kSize][0](places, table.data() + kTablePad, expected.Data(),
+                                                          row.size());
+            for (const auto kernel : (PlaceRowsAt(level).*member)[kSize]) {
+                auto made = before;
+                kernel(places, table.data() + kTablePad, made.Data(), row.size());
+                ASSERT_TRUE(made == expected) << "level " << static_cast<int>(level) << ", round " << round;
+            }
         }
-        EXPECT_NE(RampRowsAt(level).*member, RampRowsAt(Below(level)).*member);
+        EXPECT_NE((PlaceRowsAt(level).*member)[kSize][1], (PlaceRowsAt(Below(level)).*member)[kSize][1]);
     }
 }
 
 /// Of any scale.
-double RandomWhole(std::mt19937& random)
+double RandomWhole(std::mt19937& random, int bits)
 {
-    return std::floor(std::ldexp(static_cast<double>(random()), -static_cast<int>(random() % 32)));
-}
-
-TEST(RampRows, PlacesAreThePlainForms)
-{
-    CheckPlaces<LinearPlaces>(&RampRows::linear, [](std::mt19937& random) {
-        const double dx = RandomWhole(random) - RandomWhole(random);
-        const double dy = random() % 2 ? 0 : RandomWhole(random);
-        const double length = std::max(std::sqrt(dx * dx + dy * dy), 1.0);
-        const double x = RandomWhole(random) - RandomWhole(random), y = RandomWhole(random);
-        return LinearPlaces{x * dx + y * dy, dx, length, 1 / length, std::min(RandomWhole(random), 1e9)};
-    });
-    CheckPlaces<RadialPlaces>(&RampRows::radial, [](std::mt19937& random) {
-        constexpr double kRatios[] = {1, 0.1, 1e-30, 1e200, std::numeric_limits<double>::infinity()};
-        const double height =
-            (RandomWhole(random) + 1) * kRatios[random() % 5] + static_cast<double>(random() % 2);
-        const double x = std::ldexp(RandomWhole(random), -static_cast<int>(random() % 16)) - 50;
-        return RadialPlaces{std::floor(x), height * height, std::min(RandomWhole(random), 1e9)};
-    });
+    const int down = 32 - static_cast<int>(random() % static_cast<unsigned>(bits + 1));
+    return std::floor(std::ldexp(static_cast<double>(random()), -down));
 }
 
 template <class Entry>
-void CheckLookUp()
+void CheckAllPlaces()
 {
-    constexpr std::size_t kEntries = 50;
-    constexpr auto kSize = static_cast<std::size_t>(std::countr_zero(sizeof(Entry)));
-    std::mt19937 random(33);
-    std::vector<Entry> table(kEntries + kLookUpPad);
-    for (Entry& entry : table)
-        entry = static_cast<Entry>(random() * 0x1'0000'0001ULL * random());
-    for (const Level level : VectorLevels()) {
-        for (int round = 0; round < 600; ++round) {
-            // Neighbours that rise, fall, do both, and leap.
-            std::vector<std::int32_t> indices(random() % 70);
-            std::int32_t at = static_cast<std::int32_t>(random() % kEntries), way = 1;
-            for (std::int32_t& index : indices) {
-                if (random() % 16 == 0) way = 1 - static_cast<std::int32_t>(random() % 3);
-                if (random() % 64 == 0) at = static_cast<std::int32_t>(random() % kEntries);
-                index = at = std::clamp(at + (random() % 4 ? way : 0), 0, static_cast<int>(kEntries) - 1);
-            }
-            const PlacedRow<Entry> before(std::vector<Entry>(indices.size()), sizeof(Entry) * (random() % 8),
-                                          true);
-            auto expected = before;
-            RampRowsAt(Level::Plain)
-                .lookUp[kSize][0](table.data(), indices.data(), expected.Data(), indices.size());
-            for (const auto kernel : RampRowsAt(level).lookUp[kSize]) {
-                auto made = before;
-                kernel(table.data(), indices.data(), made.Data(), indices.size());
-                ASSERT_TRUE(made == expected) << "level " << static_cast<int>(level) << ", round " << round;
-            }
-        }
-    }
+    SCOPED_TRACE(sizeof(Entry));
+    CheckPlaces<LinearPlaces, Entry>(&PlaceRows::linear, [](std::mt19937& random) {
+        const int bits = random() % 8 ? 12 : 31;
+        const double dx = RandomWhole(random, bits) - RandomWhole(random, bits);
+        const double dy = random() % 2 ? 0 : RandomWhole(random, bits);
+        const double length = std::max(std::sqrt(dx * dx + dy * dy), 1.0);
+        const double x = RandomWhole(random, bits) - RandomWhole(random, bits), y = RandomWhole(random, bits);
+        return LinearPlaces{x * dx + y * dy, dx, length, 1 / length, RandomWhole(random, 12)};
+    });
+    CheckPlaces<RadialPlaces, Entry>(&PlaceRows::radial, [](std::mt19937& random) {
+        constexpr double kRatios[] = {1, 1, 0.1, 1e-30, 1e200, std::numeric_limits<double>::infinity()};
+        const double height = (RandomWhole(random, 10) + 1) * kRatios[random() % 6];
+        const double x = RandomWhole(random, random() % 8 ? 11 : 32) - 50;
+        const double last = RandomWhole(random, random() % 99 ? 11 : 18);
+        return RadialPlaces{random() % 2 ? x : -x, random() % 4 ? height * height : 0, last};
+    });
 }
 
-TEST(RampRows, LookUpsAreThePlainForms)
+// No root just below a whole number may be rounded up to it, nor one above be lost.
+TEST(PlaceRows, RootsNearWholeNumbers)
 {
-    CheckLookUp<std::uint8_t>();
-    CheckLookUp<std::uint16_t>();
-    CheckLookUp<std::uint32_t>();
-    CheckLookUp<std::uint64_t>();
+    std::vector<std::uint16_t> table(10000 + 2 * kTablePad);
+    std::iota(table.begin(), table.end(), std::uint16_t{0});
     for (const Level level : VectorLevels())
-        for (const std::size_t size : {2, 3}) {
-            if (level == Level::Sse2) continue; // which has no way to choose lanes
-            EXPECT_NE(RampRowsAt(level).lookUp[size][1], RampRowsAt(Below(level)).lookUp[size][1]);
-        }
+        for (const double last : {4095.0, 9000.0})
+            for (double m = 2; m <= last + 1; ++m)
+                for (const double square : {m * m - 1, std::nextafter(m * m, 0), m * m, m * m * (1 - 1e-7)}) {
+                    std::uint16_t found[16], expected[16];
+                    const RadialPlaces places{0, square, last};
+                    PlaceRowsAt(level).radial[1][0](places, table.data() + kTablePad, found, 16);
+                    PlaceRowsAt(Level::Plain).radial[1][0](places, table.data() + kTablePad, expected, 1);
+                    ASSERT_EQ(found[0], expected[0]) << "level " << static_cast<int>(level) << ", near " << m;
+                }
+}
+
+TEST(PlaceRows, AreThePlainForms)
+{
+    CheckAllPlaces<std::uint8_t>();
+    CheckAllPlaces<std::uint16_t>();
+    CheckAllPlaces<std::uint32_t>();
+    CheckAllPlaces<std::uint64_t>();
 }
 
 } // namespace

@@ -123,6 +123,14 @@ std::string Words(const Legality& legality)
            NameOf(legality.worst.kind).words;
 }
 
+// The range of frames is that of the sources, whose rate may have been doubled or halved since.
+long FirstFrame(const engine::JobPlan& plan, const StepPlan& step)
+{
+    const long first = plan.settings.firstFrame;
+    const int doublings = plan.signals[*step.outputs.front().signal].doublings;
+    return doublings < 0 ? first >> -doublings : first << doublings;
+}
+
 } // namespace
 
 struct LegalReports::Report {
@@ -181,7 +189,7 @@ LegalReports::LegalReports(const engine::JobPlan& plan, bool keepAll)
 {
     for (const StepPlan& step : plan.steps) {
         if (!step.step.entry->legality || (step.step.report.empty() && !keepAll)) continue;
-        m_reports.emplace(&step, std::make_unique<Report>(step, plan.settings.firstFrame, keepAll));
+        m_reports.emplace(&step, std::make_unique<Report>(step, FirstFrame(plan, step), keepAll));
     }
 }
 

@@ -8,7 +8,7 @@
 #include "il/loops/frame/rowloop.h"
 
 #include "il/rows/field/deinterlacerows.h"
-#include "il/rows/pixel/pointrows.h"
+#include "il/rows/field/weaverows.h"
 
 #include <algorithm>
 
@@ -19,13 +19,13 @@ namespace {
 constexpr int kOutputs = 2;
 
 template <class Sample>
-class FieldRows {
+class OutputRows {
 public:
-    FieldRows(const vfILDeinterlaceRun& run, const DeinterlaceRule& rule)
+    OutputRows(const vfILDeinterlaceRun& run, const DeinterlaceRule& rule)
         : m_run(run), m_type(rule.type),
           m_isAdaptive(rule.type != VFIL_DEINTERLACE_DUPLICATE && rule.type != VFIL_DEINTERLACE_INTERPOLATE),
           m_useVectors(rule.useVectors), m_samples(run.rowBytes / sizeof(Sample)),
-          m_copy(PointRowsAt(rule.useVectors ? BestLevel() : Level::Plain).copy[run.streaming]),
+          m_copy(FindWeaveRow(rule.useVectors, run.streaming)),
           m_mean(FindMeanRow<Sample>(rule.useVectors, run.streaming)),
           m_adaptive(FindAdaptiveRow<Sample>(rule.useVectors, run.streaming)),
           m_ramp(MotionRampOf<Sample>(rule.minThreshold, rule.maxThreshold))
@@ -39,7 +39,8 @@ public:
     {
         const unsigned char* const from = RowAt(m_run.input, row);
         unsigned char* const to = RowAt(m_run.outputs[output], row);
-        if (from != to) Copy(from, to);
+        const bool leads = !m_isAdaptive && row + 1 < m_run.rows; // by the adaptive type's own loads
+        if (from != to) Copy(from, leads ? RowAt(m_run.input, row + 1) : from, to);
     }
 
     /// \param kept  Where the rows beside it are: they belong to the other field.
@@ -50,7 +51,7 @@ public:
         unsigned char* const out = RowAt(m_run.outputs[output], row);
         switch (m_type) {
         case VFIL_DEINTERLACE_DUPLICATE:
-            return Copy(output == 0 ? above : below, out);
+            return output == 0 ? Copy(above, above, out) : Copy(below, below, out);
         case VFIL_DEINTERLACE_INTERPOLATE:
             return m_mean(Samples(above), Samples(below), reinterpret_cast<Sample*>(out), m_samples);
         default:
@@ -68,10 +69,11 @@ public:
     }
 
 private:
-    void Copy(const unsigned char* from, unsigned char* to) const
+    /// \param next  What is read next: see WeaveRow.
+    void Copy(const unsigned char* from, const unsigned char* next, unsigned char* to) const
     {
         if (m_run.apart)
-            m_copy(from, to, m_run.rowBytes);
+            m_copy(from, next, to, m_run.rowBytes);
         else
             MoveRow(m_useVectors, from, to, m_run.rowBytes);
     }
@@ -82,7 +84,7 @@ private:
     bool m_isAdaptive;
     bool m_useVectors;
     std::size_t m_samples;
-    CopyKernel m_copy;
+    WeaveRow m_copy;
     MeanRow<Sample> m_mean;
     AdaptiveRow<Sample> m_adaptive;
     MotionRamp m_ramp;
@@ -90,7 +92,7 @@ private:
 
 /// Row by row in both outputs, so that memory is read once.
 template <class Sample>
-void RunAtOnce(const vfILProcessor& processor, const vfILDeinterlaceRun& run, const FieldRows<Sample>& rows)
+void RunAtOnce(const vfILProcessor& processor, const vfILDeinterlaceRun& run, const OutputRows<Sample>& rows)
 {
     constexpr std::size_t kLine = 64;
     const std::size_t ahead = std::min(run.rowBytes, 16 * kLine);
@@ -112,7 +114,7 @@ void RunAtOnce(const vfILProcessor& processor, const vfILDeinterlaceRun& run, co
 
 /// Where pictures share memory: the rows that the outputs keep first, then those that A and that B lacks.
 template <class Sample>
-void RunInTurn(const vfILProcessor& processor, const vfILDeinterlaceRun& run, const FieldRows<Sample>& rows)
+void RunInTurn(const vfILProcessor& processor, const vfILDeinterlaceRun& run, const OutputRows<Sample>& rows)
 {
     for (const bool fills : {false, true}) {
         for (int output = 0; output < kOutputs; ++output) {
@@ -132,7 +134,7 @@ void RunInTurn(const vfILProcessor& processor, const vfILDeinterlaceRun& run, co
 template <class Sample>
 void RunOn(const vfILProcessor& processor, const vfILDeinterlaceRun& run, const DeinterlaceRule& rule)
 {
-    const FieldRows<Sample> rows(run, rule);
+    const OutputRows<Sample> rows(run, rule);
     if (run.apart)
         RunAtOnce(processor, run, rows);
     else

@@ -7,31 +7,11 @@
 namespace vfil {
 namespace {
 
-inline U8 Mean(U8 a, U8 b, std::uint8_t)
-{
-    return Average(a, b);
-}
-
-inline U8 Mean(U8 a, U8 b, std::uint16_t)
-{
-    return {Average(U16{a.bits}, U16{b.bits}).bits};
-}
-
 template <bool streaming, class Sample>
 void Interpolate_Intrinsics(const Sample* a, const Sample* b, Sample* out, std::size_t samples)
 {
     MapRow<streaming, sizeof(Sample)>(a, b, out, samples * sizeof(Sample),
-                                      [](U8 one, U8 other, Part) { return Mean(one, other, Sample{}); });
-}
-
-/// A part of a row, with zeros behind it.
-inline U8 LoadPart(const void* row, Part part)
-{
-    const auto* bytes = static_cast<const std::uint8_t*>(row) + part.at;
-    if (part.bytes == kBytes) return Load(bytes);
-    std::uint8_t padded[kBytes] = {};
-    std::memcpy(padded, bytes, part.bytes);
-    return Load(padded);
+                                      [](U8 one, U8 other, Part) { return AverageOf<Sample>(one, other); });
 }
 
 // Between both ends of the ramp a result is space * w + time * (1 - w), with w = step / width; at the ends it
@@ -43,9 +23,10 @@ inline int WidthOf(const MotionRamp& ramp)
     return ramp.moving > ramp.still ? ramp.moving - ramp.still : 1;
 }
 
-/// Unsigned lanes divided by 1 .. 65535. The product with 2^(16 + shift) / divisor, rounded up, is exact
-/// below 2^16 where the rounding adds at most 2^shift / divisor; else the one with that number rounded down
-/// is, of lanes that are 1 larger.
+/// Divides unsigned lanes by a number d of 1 .. 65535. With 2^shift <= d < 2^(shift + 1) a factor f of 16
+/// bits stands for 2^(16 + shift) / d, rounded up where that makes d f at most 2^shift too large: then
+/// quotients are exact. Else it is rounded down, which makes d f at most 2^shift too small, and lanes are
+/// made 1 larger for it.
 class Divisor {
 public:
     explicit Divisor(int divisor)
@@ -134,7 +115,8 @@ private:
         for (; halves != 0; halves &= halves - 1) {
             const int i = __builtin_ctzll(halves);
             const double w = steps[i] * m_reciprocal;
-            results[i] = static_cast<std::uint8_t>(w * spaces[i] + (1.0 - w) * times[i] + 0.5);
+            const double raised = w * spaces[i] + (1.0 - w) * times[i] + 0.5;
+            results[i] = static_cast<std::uint8_t>(raised);
         }
         return Load(results);
     }

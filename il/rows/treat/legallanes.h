@@ -71,10 +71,6 @@ void MapPairs(const Byte* in, Byte* out, std::size_t pairs, Treat treat)
     if (at != bytes) TreatPart(in + at, in + bytes - 4, out + at, bytes - at, treat);
 }
 
-/// As in the plain form.
-constexpr std::int32_t kOneCode = 65536 - 512;
-constexpr std::int32_t kMostChannel = 255 * 65536 + kOneCode;
-
 bool AreAllZero(S32 v)
 {
     return IsZero(U16{v.bits});

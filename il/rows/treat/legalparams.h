@@ -28,6 +28,11 @@ struct LegalParams {
     double lumaFactor; ///< the part of its way to the legal range that luma moves: 0 .. 1
 };
 
+/// By how much a channel may be outside where it is told to be within a code, 65536ths: less than one by what
+/// the rounding of the weights comes to.
+inline constexpr std::int32_t kOneCode = 65536 - 512;
+inline constexpr std::int32_t kMostChannel = 255 * 65536 + kOneCode;
+
 /// What is done to pixels that are not legal.
 enum class LegalRule { Clip, Gain, Saturation, LumaSaturation, Show };
 inline constexpr int kLegalRules = 5;

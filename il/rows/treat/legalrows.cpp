@@ -1,68 +1,18 @@
 /// \file
-/// The plain forms of the legalizer's kernels, and the table of their levels.
+/// The plain forms of the legalizer's kernels that work on RGB, and the table of the levels.
 #include "il/rows/treat/legalrows.h"
 
-#include <algorithm>
+#include "il/rows/treat/legalpairs.h"
 
 namespace vfil {
 
 namespace {
 
-using Byte = std::uint8_t;
-
-constexpr int kBlack = 16;
-constexpr int kWhite = 235;
-constexpr int kMostChroma = 240;
-
-/// Two pixels that share chroma.
-struct Pair {
-    int y0, cb, y1, cr;
-};
-
-struct Chroma {
-    int cb, cr;
-};
+using namespace legal;
 
 struct Rgb {
     int red, green, blue;
 };
-
-template <bool chromaFirst>
-Pair Load(const Byte* p)
-{
-    return chromaFirst ? Pair{p[1], p[0], p[3], p[2]} : Pair{p[0], p[1], p[2], p[3]};
-}
-
-template <bool chromaFirst>
-void Store(const Pair& pair, Byte* p)
-{
-    constexpr int luma = chromaFirst ? 1 : 0;
-    p[luma] = static_cast<Byte>(pair.y0);
-    p[1 - luma] = static_cast<Byte>(pair.cb);
-    p[luma + 2] = static_cast<Byte>(pair.y1);
-    p[3 - luma] = static_cast<Byte>(pair.cr);
-}
-
-/// out = treat(pair, next pair); the last pair is its own next one.
-template <bool chromaFirst, class Treat>
-void MapPairs(const Byte* in, Byte* out, std::size_t pairs, Treat treat)
-{
-    for (std::size_t i = 0; i < pairs; ++i) {
-        const Pair pair = Load<chromaFirst>(in + 4 * i);
-        const Pair next = i + 1 < pairs ? Load<chromaFirst>(in + 4 * (i + 1)) : pair;
-        Store<chromaFirst>(treat(pair, next), out + 4 * i);
-    }
-}
-
-int ClampLuma(int y)
-{
-    return std::clamp(y, kBlack, kWhite);
-}
-
-int ClampChroma(int c)
-{
-    return std::clamp(c, kBlack, kMostChroma);
-}
 
 Rgb RgbOf(int y, Chroma c, const LegalParams& params)
 {
@@ -142,10 +92,6 @@ Reach ReachOf(Chroma c, const LegalParams& params)
     const int blue = params.blue.cb * c.cb;
     return {std::min({red, green, blue}), std::max({red, green, blue})};
 }
-
-/// One code, less what the rounding of the coefficients comes to.
-constexpr int kOneCode = 65536 - 512;
-constexpr int kMostChannel = 255 * 65536 + kOneCode;
 
 int TowardsNeutral(int c)
 {
@@ -241,120 +187,6 @@ void ProcessYCC422_AdjustGain_Line(const Byte* in, Byte* out, std::size_t pairs,
     CorrectRow<strict, chromaFirst>(in, out, pairs, params, Dimmed);
 }
 
-/// Colour differences of +-0.5.
-struct Differences {
-    double b, r;
-};
-
-/// Shrinks the first until the channel that it makes beside luma is legal, and the second by as much.
-void LimitOne(double& first, double& second, double weight, double y)
-{
-    const double high = (1 - y) / weight;
-    const double low = -y / weight;
-    if (first > high) {
-        second = second * high / first;
-        first = high;
-    } else if (first < low) {
-        second = second * low / first;
-        first = low;
-    }
-}
-
-void Limit(Differences& c, double y, const LegalParams& params)
-{
-    LimitOne(c.b, c.r, params.blueOfCb, y);
-    LimitOne(c.r, c.b, params.redOfCr, y);
-    const double green = params.greenOfCb * c.b + params.greenOfCr * c.r;
-    double share = 1;
-    if (green > 1 - y) {
-        share = (1 - y) / green;
-    } else if (green < -y) {
-        share = -y / green;
-    }
-    c.b *= share;
-    c.r *= share;
-}
-
-/// Of what is not negative.
-int Rounded(double v)
-{
-    return static_cast<int>(v + 0.5);
-}
-
-double Normalised(int y)
-{
-    return (y - 16) / 219.0;
-}
-
-double Difference(int c)
-{
-    return (c - 128) / 224.0;
-}
-
-Chroma LimitedChroma(Differences c, double y0, double y1, const LegalParams& params)
-{
-    Limit(c, y0, params);
-    Limit(c, y1, params);
-    return {Rounded(c.b * 224 + 128), Rounded(c.r * 224 + 128)};
-}
-
-/// The pair with Cb moved by one where blue is outside by more than a code, which the rounding of chroma
-/// makes of no other channel.
-Pair BlueSettled(Pair pair, const LegalParams& params)
-{
-    const auto blue = [&](int y) { return params.luma * (y - kBlack) + params.blue.cb * (pair.cb - 128); };
-    const bool above = blue(std::max(pair.y0, pair.y1)) > kMostChannel;
-    const bool below = blue(std::min(pair.y0, pair.y1)) < -kOneCode;
-    pair.cb += (below ? 1 : 0) - (above ? 1 : 0);
-    return pair;
-}
-
-template <bool strict, bool chromaFirst>
-void ProcessYCC422_AdjustSaturation_Line(const Byte* in, Byte* out, std::size_t pairs,
-                                         const LegalParams& params)
-{
-    MapPairs<chromaFirst>(in, out, pairs, [&](const Pair& pair, const Pair&) {
-        const int y0 = ClampLuma(pair.y0);
-        const int y1 = ClampLuma(pair.y1);
-        const Differences c{Difference(ClampChroma(pair.cb)), Difference(ClampChroma(pair.cr))};
-        const Chroma chroma = LimitedChroma(c, Normalised(y0), Normalised(y1), params);
-        const Pair limited{y0, chroma.cb, y1, chroma.cr};
-        return strict ? BlueSettled(limited, params) : limited;
-    });
-}
-
-/// Luma moved towards where each channel in turn is legal.
-double MovedLuma(double y, const Differences& c, const LegalParams& params)
-{
-    const double channels[] = {params.blueOfCb * c.b, params.redOfCr * c.r,
-                               params.greenOfCb * c.b + params.greenOfCr * c.r};
-    for (const double channel : channels) {
-        const double high = 1 - channel;
-        const double low = -channel;
-        if (y > high) y = y - params.lumaFactor * (y - high);
-        if (y < low) y = y - params.lumaFactor * (y - low);
-    }
-    return y;
-}
-
-template <bool strict, bool chromaFirst>
-void ProcessYCC422_AdjustLuminanceSaturation_Line(const Byte* in, Byte* out, std::size_t pairs,
-                                                  const LegalParams& params)
-{
-    MapPairs<chromaFirst>(in, out, pairs, [&](const Pair& pair, const Pair&) {
-        const Differences c{Difference(ClampChroma(pair.cb)), Difference(ClampChroma(pair.cr))};
-        const double moved0 = MovedLuma(Normalised(ClampLuma(pair.y0)), c, params);
-        const double moved1 = MovedLuma(Normalised(ClampLuma(pair.y1)), c, params);
-        const int y0 = Rounded(moved0 * 219 + 16);
-        const int y1 = Rounded(moved1 * 219 + 16);
-        // Strictly it is the luma that is stored that limits chroma.
-        const Chroma chroma = strict ? LimitedChroma(c, Normalised(y0), Normalised(y1), params)
-                                     : LimitedChroma(c, moved0, moved1, params);
-        const Pair limited{y0, chroma.cb, y1, chroma.cr};
-        return strict ? BlueSettled(limited, params) : limited;
-    });
-}
-
 /// Green where a sample is out of range, else half of luma, with red for what is above the range of RGB, or
 /// blue for what is below.
 Rgb Shown(int y, Chroma c, const LegalParams& params)
@@ -388,8 +220,6 @@ void FillOrder(LegalRows& plain)
     };
     fill(LegalRule::Clip, ProcessYCC422_Clip_Line<strict, chromaFirst>);
     fill(LegalRule::Gain, ProcessYCC422_AdjustGain_Line<strict, chromaFirst>);
-    fill(LegalRule::Saturation, ProcessYCC422_AdjustSaturation_Line<strict, chromaFirst>);
-    fill(LegalRule::LumaSaturation, ProcessYCC422_AdjustLuminanceSaturation_Line<strict, chromaFirst>);
     fill(LegalRule::Show, ProcessYCC422_ShowIllegal_Line<chromaFirst>);
 }
 
@@ -400,6 +230,7 @@ LegalRows PlainRows()
     FillOrder<false, true>(plain);
     FillOrder<true, false>(plain);
     FillOrder<true, true>(plain);
+    FillSaturation(plain);
     return plain;
 }
 

@@ -1,7 +1,7 @@
 /// \file
 /// The vector forms of the legalizer's kernels, for the level VFIL_LEVEL. Pairs that a rule leaves as they
 /// are cost a test.
-#include "il/rows/treat/legalsaturation.h"
+#include "il/rows/treat/legalsaturationlanes.h"
 
 namespace vfil {
 namespace {
@@ -211,8 +211,8 @@ void CorrectRow(const Byte* in, Byte* out, std::size_t pairs, const LegalParams&
     MapPairs<streaming>(in, out, pairs, [matrices](U8 block, U8 next) -> U8 {
         const Pairs own = Split<chromaFirst>(block);
         const Pairs mean = Split<chromaFirst>(Average(block, next));
-        const Rgb left = matrices.ToRgb(own.y0, {own.cb, own.cr});
-        const Rgb right = matrices.ToRgb(own.y1, {mean.cb, mean.cr});
+        const Rgb left = matrices.ToRgb(own.y0, Chroma{own.cb, own.cr});
+        const Rgb right = matrices.ToRgb(own.y1, Chroma{mean.cb, mean.cr});
         // What is not corrected comes back as it was.
         if (AreInRange(left, right)) return block;
         return Join<chromaFirst>(matrices.ToPairs(Correct()(left), Correct()(right)));
@@ -246,91 +246,6 @@ void CorrectRowStrictly(const Byte* in, Byte* out, std::size_t pairs, const Lega
     });
 }
 
-/// See BlueSettled of the plain form.
-[[gnu::always_inline]] inline S32 SettledCb(const Pairs& p, const LegalParams& params)
-{
-    const S32 luma = Splat32(params.luma);
-    const S32 blue = (p.cb - Splat32(128)) * Splat32(params.blue.cb);
-    const S32 above = (Max(p.y0, p.y1) - Splat32(16)) * luma + blue;
-    const S32 below = (Min(p.y0, p.y1) - Splat32(16)) * luma + blue;
-    return p.cb + IsGreater(Splat32(-kOneCode), below) - IsGreater(above, Splat32(kMostChannel));
-}
-
-/// Limits parts of a row. What floats are not sure of is collected, as it is little and takes long: of noise
-/// with luma moved by half, a seventh, half a code wherever luma is black or white.
-template <bool movesLuma, bool strict, bool chromaFirst>
-class Limiter {
-public:
-    static constexpr std::size_t kMostPairs = 512;
-
-    explicit Limiter(const LegalParams& params) : m_quick(params), m_exact(params), m_params(params) {}
-
-    void operator()(const Byte* in, Byte* out, std::size_t pairs)
-    {
-        m_unsure = 0;
-        std::size_t first = 0;
-        MapPairs<false>(in, out, pairs, [&](U8 block, U8) {
-            Pairs p = Split<chromaFirst>(InRange<chromaFirst>(block));
-            Collect(m_quick.template Limit<movesLuma, strict>(p), first, pairs);
-            first += kLanes32;
-            return Joined(p);
-        });
-        for (std::size_t i = 0; i < m_unsure; i += kLanes32)
-            LimitExactly(in, out, m_places + i, m_unsure - i < kLanes32 ? m_unsure - i : kLanes32);
-    }
-
-private:
-    /// The end of a row may fill a vector with pairs that are none.
-    void Collect(unsigned bits, std::size_t first, std::size_t pairs)
-    {
-        if (bits == 0) return;
-        const std::size_t past = pairs - first < kLanes32 ? pairs : first + kLanes32;
-        std::size_t unsure = m_unsure;
-        for (std::size_t pair = first; pair < past; ++pair, bits >>= 1) {
-            m_places[unsure] = 4 * pair;
-            unsure += bits & 1;
-        }
-        m_unsure = unsure;
-    }
-
-    void LimitExactly(const Byte* in, Byte* out, const std::size_t* places, std::size_t count) const
-    {
-        Byte pairs[kBytes] = {};
-        for (std::size_t i = 0; i < count; ++i)
-            std::memcpy(pairs + 4 * i, in + places[i], 4);
-        Pairs p = Split<chromaFirst>(InRange<chromaFirst>(Load(pairs)));
-        m_exact.template Limit<movesLuma, strict>(p);
-        Store(pairs, Joined(p));
-        for (std::size_t i = 0; i < count; ++i)
-            std::memcpy(out + places[i], pairs + 4 * i, 4);
-    }
-
-    U8 Joined(Pairs& p) const
-    {
-        if constexpr (strict) p.cb = SettledCb(p, m_params);
-        return Join<chromaFirst>(p);
-    }
-
-    QuickSaturation m_quick;
-    Saturation m_exact;
-    const LegalParams& m_params;
-    std::size_t m_unsure = 0;
-    std::size_t m_places[kMostPairs + 1]; ///< of bytes; the last is only written
-};
-
-template <bool movesLuma, bool strict, bool chromaFirst, bool streaming>
-void LimitRow(const Byte* in, Byte* out, std::size_t pairs, const LegalParams& params)
-{
-    Limiter<movesLuma, strict, chromaFirst> limit(params);
-    constexpr std::size_t kMost = limit.kMostPairs;
-    Byte results[4 * kMost];
-    for (std::size_t at = 0; at < pairs; at += kMost) {
-        const std::size_t count = pairs - at < kMost ? pairs - at : kMost;
-        limit(in + 4 * at, results, count);
-        MapRow<streaming, 4>(results, results, out + 4 * at, 4 * count, [](U8 v, U8, Part) { return v; });
-    }
-}
-
 /// \param misses  Not 0 where a sample is out of range.
 [[gnu::always_inline]] inline Rgb Shown(S32 y, const Rgb& rgb, S32 misses)
 {
@@ -355,10 +270,10 @@ void ShowRow(const Byte* in, Byte* out, std::size_t pairs, const LegalParams& pa
         const Pairs mean = Split<chromaFirst>(means);
         const Pairs ownMiss = Split<chromaFirst>(block ^ InRange<chromaFirst>(block));
         const Pairs meanMiss = Split<chromaFirst>(means ^ InRange<chromaFirst>(means));
-        const Rgb left =
-            Shown(own.y0, matrices.ToRgb(own.y0, {own.cb, own.cr}), ownMiss.y0 | ownMiss.cb | ownMiss.cr);
-        const Rgb right =
-            Shown(own.y1, matrices.ToRgb(own.y1, {mean.cb, mean.cr}), ownMiss.y1 | meanMiss.cb | meanMiss.cr);
+        const Rgb left = Shown(own.y0, matrices.ToRgb(own.y0, Chroma{own.cb, own.cr}),
+                               ownMiss.y0 | ownMiss.cb | ownMiss.cr);
+        const Rgb right = Shown(own.y1, matrices.ToRgb(own.y1, Chroma{mean.cb, mean.cr}),
+                                ownMiss.y1 | meanMiss.cb | meanMiss.cr);
         return Join<chromaFirst>(matrices.ToPairs(left, right));
     });
 }

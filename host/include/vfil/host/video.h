@@ -46,12 +46,15 @@ struct Ratio {
     long denominator = 1;
 };
 
-/// What the user knows better than the stream.
+/// What the user knows better than the stream, and how frames are wanted.
 struct VideoOverrides {
     std::optional<Matrix> matrix{};
     std::optional<Range> range{};
     std::optional<FieldOrder> fieldOrder{};
     std::optional<bool> premultiplied{};
+    /// YCC frames arrive as 4:2:2 of 8 bits, with an alpha plane where there is alpha, whatever the stream
+    /// has; a remark says what that loses.
+    bool subsampled = false;
 };
 
 /// What is known of a clip.

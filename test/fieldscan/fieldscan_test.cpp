@@ -56,9 +56,8 @@ Drawing Cutting(const FieldScene& scene, long fields, host::FieldOrder order)
 Drawing Telecined(const FieldScene& scene)
 {
     return [=](long x, long row, long frame) {
-        constexpr long kTopOf[] = {0, 1, 1, 2, 3};
-        constexpr long kBottomOf[] = {0, 1, 2, 3, 3};
-        const long film = 4 * (frame / 5) + (row % 2 == 0 ? kTopOf : kBottomOf)[frame % 5];
+        static constexpr long kFilmOf[2][5] = {{0, 1, 1, 2, 3}, {0, 1, 2, 3, 3}};
+        const long film = 4 * (frame / 5) + kFilmOf[row % 2][frame % 5];
         return scene.At(x, row, 2 * film);
     };
 }
